@@ -1,0 +1,42 @@
+# Thin wrapper over CMake. `make test`, `make run`, `make bench`, `make deps`.
+# SANITIZE=address|thread builds into its own folder and runs the same suite.
+SANITIZE ?=
+JOBS ?= $(shell nproc)
+BUILD_TYPE ?= RelWithDebInfo
+
+ifeq ($(SANITIZE),)
+BUILD_DIR ?= build
+else
+BUILD_DIR ?= build-$(SANITIZE)
+endif
+
+CMAKE_FLAGS = -DCMAKE_BUILD_TYPE=$(BUILD_TYPE) -DMB_SANITIZE=$(SANITIZE)
+
+.PHONY: deps configure build test run bench fuzz clean
+
+deps:
+	@bash scripts/deps.sh
+
+configure: deps
+	@cmake -S . -B $(BUILD_DIR) $(CMAKE_FLAGS) > $(BUILD_DIR).configure.log 2>&1 || (cat $(BUILD_DIR).configure.log; exit 1)
+
+build: configure
+	@cmake --build $(BUILD_DIR) -j $(JOBS)
+
+test: build
+	cd $(BUILD_DIR) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j $(JOBS) $(CTEST_ARGS)
+
+run: build
+	@bash scripts/run-example.sh $(BUILD_DIR)
+
+bench: build
+	@bash scripts/run-bench.sh $(BUILD_DIR)
+
+fuzz:
+	@WITH_FUZZ=1 bash scripts/deps.sh
+	@cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=Debug -DMB_FUZZ=ON -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ > build-fuzz.configure.log 2>&1 || (cat build-fuzz.configure.log; exit 1)
+	@cmake --build build-fuzz -j $(JOBS) --target fuzz_expr
+	./build-fuzz/bin/fuzz_expr -max_total_time=$${FUZZ_SECONDS:-60} tests/fuzz/corpus/expr
+
+clean:
+	rm -rf build build-address build-thread build-fuzz *.configure.log

@@ -1,0 +1,9 @@
+#pragma once
+
+namespace HostRunner {
+
+// Each family registers its algorithms in Plugin::AlgorithmRegistry.
+void RegisterRasterAlgorithms();
+void RegisterVectorAlgorithms();
+
+} // namespace HostRunner

@@ -1,0 +1,73 @@
+#include "HostRunner/ExcuteAlgo.h"
+
+#include "HostCatalog/AlgoRunContext.h"
+#include "HostCatalog/AlgorithmRegistry.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QString>
+
+#include <cstring>
+#include <exception>
+
+namespace HostRunner {
+
+namespace {
+
+void writeError(RunRecord* record, int code, const QString& message)
+{
+    record->errorCode = code;
+    const QByteArray bytes = message.toUtf8();
+    const size_t n = std::min<size_t>(size_t(bytes.size()), sizeof(record->errorMessage) - 1);
+    std::memcpy(record->errorMessage, bytes.constData(), n);
+    record->errorMessage[n] = '\0';
+}
+
+} // namespace
+
+int ExcuteAlgo(const char* name, const char* parameters, RunRecord* record)
+{
+    if (!record)
+        return 0;
+    RegisterBuiltinAlgorithms();
+    writeError(record, 0, QString());
+
+    const QString algoName = QString::fromLocal8Bit(name ? name : "");
+    Plugin::AlgorithmRegistry::RunFn run = Plugin::AlgorithmRegistry::Instance().Runner(algoName);
+    if (!run) {
+        writeError(record, 1, QStringLiteral("Unknown algorithm: %1").arg(algoName));
+        return 0;
+    }
+
+    QJsonParseError parseError{};
+    const QJsonDocument doc = QJsonDocument::fromJson(QByteArray(parameters ? parameters : ""), &parseError);
+    if (parseError.error != QJsonParseError::NoError || !doc.isObject()) {
+        writeError(record, 2, QStringLiteral("Invalid parameter text for %1: %2")
+                                  .arg(algoName, parseError.errorString()));
+        return 0;
+    }
+
+    ProgressCallback callback = record->callback;
+    void* userData = record->userData;
+    Plugin::AlgoRunContext ctx([callback, userData](double percent, const QString& text) {
+        if (callback) {
+            const QByteArray bytes = text.toUtf8();
+            callback(percent, bytes.constData(), userData);
+        }
+    });
+
+    bool ok = false;
+    try {
+        ok = run(doc.object(), ctx);
+    } catch (const std::exception& e) {
+        ctx.Fail(3, QStringLiteral("%1 failed: %2").arg(algoName, QString::fromUtf8(e.what())));
+    } catch (...) {
+        ctx.Fail(3, QStringLiteral("%1 failed with an unexpected error").arg(algoName));
+    }
+    if (!ok && ctx.ErrorCode() == 0)
+        ctx.Fail(4, QStringLiteral("%1 failed").arg(algoName));
+    writeError(record, ok ? 0 : ctx.ErrorCode(), ok ? QString() : ctx.ErrorMessage());
+    return ok ? 1 : 0;
+}
+
+} // namespace HostRunner

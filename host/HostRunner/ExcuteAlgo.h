@@ -1,0 +1,22 @@
+#pragma once
+
+#include "HostRunner/RunRecord.h"
+
+namespace HostRunner {
+
+// Runs the named algorithm synchronously on the calling thread. parameters is a
+// JSON object text (8-bit, local encoding) of string values. Progress goes to the
+// record's callback; the error fields are filled (0 and "" on success). Returns 1 on
+// success, 0 on failure. Never throws.
+int ExcuteAlgo(const char* name, const char* parameters, RunRecord* record);
+
+// Makes sure the built-in algorithms are in the registry (they also register
+// themselves when the library loads). Idempotent and thread-safe.
+void RegisterBuiltinAlgorithms();
+
+// Adds the small deterministic algorithms that tests drive the engine with
+// ("test.noop", "test.copyText", "test.fail", "test.sleep", "test.progress",
+// "test.appendLine"). Idempotent.
+void RegisterTestAlgorithms();
+
+} // namespace HostRunner

@@ -1,0 +1,7 @@
+#include "HostRunner/BuiltinAlgorithms.h"
+
+namespace HostRunner {
+
+void RegisterVectorAlgorithms() {}
+
+} // namespace HostRunner

@@ -1,0 +1,1 @@
+namespace Plugin { int ModelBuilderVersion() { return 1; } }

@@ -1,0 +1,155 @@
+#include "HostCatalog/AlgoRunContext.h"
+#include "HostCatalog/AlgorithmRegistry.h"
+#include "HostCatalog/GetParamValue.h"
+#include "HostCatalog/Metadata.h"
+#include "HostRunner/ExcuteAlgo.h"
+#include "HostRunner/RunRecord.h"
+
+#include <QJsonDocument>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include "support/TestSupport.h"
+
+#include <cstring>
+#include <vector>
+
+namespace {
+
+QJsonObject parse(const char* text)
+{
+    return QJsonDocument::fromJson(text).object();
+}
+
+struct ProgressLog
+{
+    std::vector<double> values;
+    std::vector<std::string> texts;
+    void* user = nullptr;
+};
+
+int onProgress(double percent, const char* text, void* user)
+{
+    auto* log = static_cast<ProgressLog*>(user);
+    log->values.push_back(percent);
+    log->texts.emplace_back(text);
+    return 0;
+}
+
+HostRunner::RunRecord makeRecord(ProgressLog* log)
+{
+    HostRunner::RunRecord r;
+    std::memset(&r, 0, sizeof r);
+    r.callback = log ? &onProgress : nullptr;
+    r.userData = log;
+    return r;
+}
+
+} // namespace
+
+TEST(GetParamValue, WalksObjectsArraysAndReportsAbsenceAsEmpty)
+{
+    const QJsonObject o = parse(R"({"width":"80.000000","a":{"b":{"c":"deep"}},
+        "points":[{"x":"1.5","y":"-2"},{"x":"3"}],"n":12.5,"obj":{}})");
+    struct Case { const char* name; QStringList path; QString expected; };
+    const std::vector<Case> cases = {
+        {"top level", {"width"}, "80.000000"},
+        {"nested", {"a", "b", "c"}, "deep"},
+        {"array index", {"points", "0", "y"}, "-2"},
+        {"second element", {"points", "1", "x"}, "3"},
+        {"missing member of element", {"points", "1", "y"}, ""},
+        {"index past the end", {"points", "2", "x"}, ""},
+        {"non-decimal index", {"points", "x", "x"}, ""},
+        {"negative index", {"points", "-1", "x"}, ""},
+        {"number", {"n"}, "12.5"},
+        {"object at the end", {"obj"}, ""},
+        {"walk through a string", {"width", "x"}, ""},
+        {"missing key", {"nope"}, ""},
+        {"empty path", {}, ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(Plugin::GetParamValue(o, c.path), c.expected);
+    }
+}
+
+TEST(Registry, MetadataSeesRegisteredAlgorithmsAndNullForUnknown)
+{
+    EXPECT_EQ(Plugin::Metadata::Instance("")->GetConfig("no.such.algorithm"), nullptr);
+    Plugin::AlgoConfig* c = Plugin::Metadata::Instance("")->GetConfig("test.copyText");
+    ASSERT_NE(c, nullptr);
+    EXPECT_EQ(c->GetName(), "test.copyText");
+    ASSERT_EQ(c->GetParams().size(), 2);
+    EXPECT_EQ(c->GetParams()[1].name, "Out File");
+    EXPECT_EQ(c->GetParams()[1].direction, 1);
+    EXPECT_TRUE(Plugin::AlgorithmRegistry::Instance().Names().contains("test.sleep"));
+}
+
+TEST(Registry, ReRegisteringKeepsTheConfigAddress)
+{
+    Plugin::AlgoConfig cfg;
+    cfg.name = "test.replaceMe";
+    cfg.displayText = "one";
+    auto& reg = Plugin::AlgorithmRegistry::Instance();
+    reg.Register(cfg, [](const QJsonObject&, Plugin::AlgoRunContext&) { return true; });
+    const Plugin::AlgoConfig* first = reg.Config("test.replaceMe");
+    cfg.displayText = "two";
+    reg.Register(cfg, [](const QJsonObject&, Plugin::AlgoRunContext& c) { return c.Fail(9, "x"); });
+    EXPECT_EQ(reg.Config("test.replaceMe"), first);
+    EXPECT_EQ(first->displayText, "two");
+}
+
+TEST(ExcuteAlgo, UnknownAlgorithmGivesCodeAndMessage)
+{
+    HostRunner::RunRecord r = makeRecord(nullptr);
+    EXPECT_EQ(HostRunner::ExcuteAlgo("no.such", "{}", &r) & 0xff, 0);
+    EXPECT_NE(r.errorCode, 0);
+    EXPECT_STREQ(r.errorMessage, "Unknown algorithm: no.such");
+    EXPECT_EQ(HostRunner::ExcuteAlgo("no.such", "{}", nullptr), 0);
+}
+
+TEST(ExcuteAlgo, ProgressReachesCallbackWithUserData)
+{
+    ProgressLog log;
+    HostRunner::RunRecord r = makeRecord(&log);
+    std::strcpy(r.errorMessage, "stale");
+    r.errorCode = 42;
+    EXPECT_EQ(HostRunner::ExcuteAlgo("test.progress", R"({"Steps":"4"})", &r), 1);
+    EXPECT_EQ(r.errorCode, 0);
+    EXPECT_STREQ(r.errorMessage, "");
+    EXPECT_EQ(log.values, (std::vector<double>{25, 50, 75, 100}));
+    EXPECT_EQ(log.texts.back(), "step 4");
+}
+
+TEST(ExcuteAlgo, ErrorsOfTheAlgorithmAndOfTheParameterText)
+{
+    HostRunner::RunRecord r = makeRecord(nullptr);
+    EXPECT_EQ(HostRunner::ExcuteAlgo("test.fail", R"({"Code":"17","Message":"broken here"})", &r), 0);
+    EXPECT_EQ(r.errorCode, 17);
+    EXPECT_STREQ(r.errorMessage, "broken here");
+
+    EXPECT_EQ(HostRunner::ExcuteAlgo("test.noop", "{not json", &r), 0);
+    EXPECT_NE(r.errorCode, 0);
+    EXPECT_NE(std::string(r.errorMessage).find("test.noop"), std::string::npos);
+
+    // A message longer than the record's field is cut and stays terminated.
+    const std::string longText(1000, 'x');
+    const std::string json = R"({"Code":"3","Message":")" + longText + "\"}";
+    EXPECT_EQ(HostRunner::ExcuteAlgo("test.fail", json.c_str(), &r), 0);
+    EXPECT_EQ(std::strlen(r.errorMessage), sizeof(r.errorMessage) - 1);
+}
+
+TEST(ExcuteAlgo, CopyTextReadsAndWritesFiles)
+{
+    QTemporaryDir dir;
+    const QString in = dir.filePath("in.txt"), out = dir.filePath("out.txt");
+    ASSERT_TRUE(TestSupport::WriteAll(in, "hello"));
+    HostRunner::RunRecord r = makeRecord(nullptr);
+    const QByteArray json = QStringLiteral(R"({"In File":"%1","Out File":"%2"})").arg(in, out).toLocal8Bit();
+    EXPECT_EQ(HostRunner::ExcuteAlgo("test.copyText", json.constData(), &r), 1);
+    EXPECT_EQ(TestSupport::ReadAll(out), QByteArray("hello"));
+
+    const QByteArray missing = QStringLiteral(R"({"In File":"%1","Out File":"%2"})").arg(dir.filePath("none"), out).toLocal8Bit();
+    EXPECT_EQ(HostRunner::ExcuteAlgo("test.copyText", missing.constData(), &r), 0);
+    EXPECT_EQ(r.errorCode, 10);
+}

@@ -1,0 +1,117 @@
+#include "HostCore/CRef.h"
+#include "HostCore/_ptr_t.h"
+#include "HostShell/EnvironmentSetting.h"
+#include "HostTask/IHostTask.h"
+
+#include <QCoreApplication>
+#include <QThread>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+namespace {
+
+std::atomic<int> g_alive{0};
+
+class Counted : public HostCore::CRef
+{
+public:
+    Counted() { ++g_alive; }
+    Counted(const Counted& o) : CRef(o) { ++g_alive; }
+
+protected:
+    ~Counted() override { --g_alive; }
+};
+
+class Task : public HostTask::IHostTask
+{
+public:
+    bool Execute() override { return bool(Progress(50.0, QStringLiteral("half"), nullptr)); }
+};
+
+} // namespace
+
+TEST(RefCount, PointerHoldsOneReferenceAndLastReleaseDeletes)
+{
+    g_alive = 0;
+    {
+        HostCore::_ptr_t<Counted> a(new Counted);
+        EXPECT_EQ(a->RefCount(), 1);
+        HostCore::_ptr_t<Counted> b = a;
+        EXPECT_EQ(a->RefCount(), 2);
+        HostCore::_ptr_t<Counted> c = std::move(b);
+        EXPECT_FALSE(b);
+        EXPECT_EQ(a->RefCount(), 2);
+        c = HostCore::_ptr_t<Counted>();
+        EXPECT_EQ(a->RefCount(), 1);
+        EXPECT_EQ(g_alive, 1);
+    }
+    EXPECT_EQ(g_alive, 0);
+}
+
+TEST(RefCount, CopyOfObjectStartsWithoutReferences)
+{
+    g_alive = 0;
+    HostCore::_ptr_t<Counted> a(new Counted);
+    HostCore::_ptr_t<Counted> b(new Counted(*a));
+    EXPECT_EQ(a->RefCount(), 1);
+    EXPECT_EQ(b->RefCount(), 1);
+    a.reset();
+    b.reset();
+    EXPECT_EQ(g_alive, 0);
+}
+
+TEST(RefCount, ConcurrentAddRefReleaseDeletesExactlyOnce)
+{
+    g_alive = 0;
+    HostCore::_ptr_t<Counted> root(new Counted);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([root] {
+            for (int i = 0; i < 10000; ++i) {
+                HostCore::_ptr_t<Counted> copy = root;
+            }
+        });
+    for (auto& t : threads)
+        t.join();
+    EXPECT_EQ(root->RefCount(), 1);
+    root.reset();
+    EXPECT_EQ(g_alive, 0);
+}
+
+TEST(Environment, BinDirDefaultsToExecutableAndCanBeOverridden)
+{
+    auto* env = HostShell::EnvironmentSetting::Instance();
+    EXPECT_EQ(env->GetAppBinDir(), QCoreApplication::applicationDirPath());
+    env->SetAppBinDir(QStringLiteral("/tmp/somewhere"));
+    EXPECT_EQ(env->GetAppBinDir(), QStringLiteral("/tmp/somewhere"));
+    env->SetAppBinDir(QString());
+    EXPECT_EQ(env->GetAppBinDir(), QCoreApplication::applicationDirPath());
+}
+
+TEST(HostTask, ParameterSlotErrorInfoAndProgress)
+{
+    HostCore::_ptr_t<Task> task(new Task);
+    EXPECT_FALSE(task->GetID().isEmpty());
+    EXPECT_TRUE(task->GetParams().empty());
+    task->SetParams(QString("x"));
+    EXPECT_EQ(boost::any_cast<QString>(task->GetParams()), QString("x"));
+
+    int code = -5;
+    QString msg = "z";
+    task->GetErrorInfo(code, msg);
+    EXPECT_EQ(code, 0);
+    EXPECT_TRUE(msg.isEmpty());
+    task->SetErrorInfo(100, "bad");
+    task->GetErrorInfo(code, msg);
+    EXPECT_EQ(code, 100);
+    EXPECT_EQ(msg, "bad");
+
+    EXPECT_FALSE(task->Execute()); // no slot connected: empty optional
+    double seen = -1;
+    task->Progress.connect([&](double v, const QString&, void*) { seen = v; return 3; });
+    EXPECT_TRUE(task->Execute());
+    EXPECT_EQ(seen, 50.0);
+}
