@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QList>
+#include <QHash>
+#include <QSet>
+
+#include <condition_variable>
+#include <mutex>
+
+template <typename T>
+class QFutureWatcher;
+
+namespace Plugin {
+
+class IAPCExecute;
+
+// The one place where an executable meets a thread: Execute runs on the global
+// pool, and its end is reported as the executable's Finished (or Canceled) on the
+// thread that called Start, through that thread's event loop.
+class APCExecuteFactory
+{
+public:
+    static APCExecuteFactory* Instance();
+    virtual ~APCExecuteFactory();
+
+    // Runs executable at once on the calling thread; false for null.
+    virtual bool Execute(IAPCExecute* executable);
+    // Starts executable on the pool; null is ignored. The caller must run an event loop.
+    virtual void Start(IAPCExecute* executable);
+    virtual bool IsRunning();
+    // Cancels one executable's watcher and waits for its thread.
+    virtual void Cancel(IAPCExecute* executable);
+    // Cancels every watcher; running threads go on unheard.
+    virtual void CancelAll();
+
+    // Deletes executable now, or when its pool thread is done with it. Owners use
+    // this instead of delete so that a stopped step never loses its object mid-run.
+    void Dispose(IAPCExecute* executable);
+    // Blocks until none of executables is inside Execute on the pool any more.
+    void WaitUntilIdle(const QList<IAPCExecute*>& executables);
+
+private:
+    APCExecuteFactory() = default;
+
+    bool RunOnPool(IAPCExecute* executable);
+    void OnFinished(IAPCExecute* executable);
+    void OnCanceled(IAPCExecute* executable);
+    // Takes the entries of executable out of the lists; returns its watcher or null.
+    QFutureWatcher<bool>* Detach(IAPCExecute* executable);
+
+    std::mutex m_mutex; // guards every field below
+    std::condition_variable m_idle;
+    QList<IAPCExecute*> m_executables;          // not owned
+    QList<QFutureWatcher<bool>*> m_watchers;    // owned
+    QHash<IAPCExecute*, int> m_busy;            // executables inside Execute on the pool
+    QSet<IAPCExecute*> m_orphans;               // to delete when their Execute returns
+};
+
+} // namespace Plugin

@@ -1,0 +1,296 @@
+#include "engine/APCFileIterator.h"
+
+#include "HostCatalog/GetParamValue.h"
+#include "model/APCModel.h"
+#include "model/APCVar.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSet>
+#include <QUuid>
+
+namespace Plugin {
+
+namespace {
+
+const QString kDir = QStringLiteral("strDir");
+const QString kFilter = QStringLiteral("strFilter");
+
+QJsonObject parseObject(const QString& text, bool* ok)
+{
+    QJsonParseError error{};
+    const QJsonDocument doc = QJsonDocument::fromJson(text.toLocal8Bit(), &error);
+    *ok = error.error == QJsonParseError::NoError && doc.isObject();
+    return doc.object();
+}
+
+} // namespace
+
+APCFileIterator::APCFileIterator()
+{
+    APCParameter dir;
+    dir.name = kDir;
+    dir.type = QStringLiteral("multiDirectory");
+    dir.description = QCoreApplication::translate("APCFileIterator", "MultiDirectory");
+    APCParameter filter;
+    filter.name = kFilter;
+    filter.type = QStringLiteral("filter");
+    filter.description = QCoreApplication::translate("APCFileIterator", "Filter");
+    filter.defaultValue = QStringLiteral("{\"Out File\":\"*.*\"}");
+    filter.value = filter.defaultValue;
+    GetParameters() << dir << filter;
+    RefreshOutputs();
+}
+
+void APCFileIterator::CopyFileIteratorFrom(const APCFileIterator& other)
+{
+    CopyIteratorFrom(other);
+    m_total = other.m_total;
+    m_spare = other.m_spare;
+}
+
+APCObject* APCFileIterator::Clone()
+{
+    auto* copy = new APCFileIterator;
+    copy->CopyFileIteratorFrom(*this);
+    return copy;
+}
+
+bool APCFileIterator::Check()
+{
+    return !GetParameter(kDir).value.isEmpty() && !GetParameter(kFilter).value.isEmpty();
+}
+
+bool APCFileIterator::RefreshOutputs()
+{
+    const QString text = GetParameter(kFilter).value;
+    if (text.startsWith(QLatin1Char('%')))
+        return false;
+    const QList<Filter> filters = ParseFilters(text);
+    if (filters.isEmpty())
+        return false;
+    QSet<QString> keys;
+    for (const Filter& f : filters)
+        keys.insert(f.first);
+    QList<APCParameter>& params = GetParameters();
+    for (int i = params.size() - 1; i >= 0; --i) {
+        const QString& name = params[i].name;
+        if (name != kDir && name != kFilter && !keys.contains(name))
+            params.removeAt(i);
+    }
+    for (const Filter& f : filters) {
+        if (GetParameter(f.first).name == f.first)
+            continue;
+        APCParameter out;
+        out.name = f.first;
+        out.description = f.first;
+        out.type = QStringLiteral("file");
+        out.direction = 1;
+        out.value = QLatin1Char('%') + QUuid::createUuid().toString() + QLatin1Char('%');
+        params.append(out);
+    }
+    return true;
+}
+
+QString APCFileIterator::ParameterText(const QString& name) const
+{
+    QString value = GetParameter(name).value;
+    if (!value.startsWith(QLatin1Char('%')))
+        return value;
+    APCVar* var = GetModel() ? GetModel()->FindVar(value.remove(QLatin1Char('%'))) : nullptr;
+    return var ? var->GetRunValue() : QString();
+}
+
+QList<APCFileIterator::Directory> APCFileIterator::ParseDirectories(const QString& text)
+{
+    QList<Directory> result;
+    bool ok = false;
+    const QJsonObject object = parseObject(text, &ok);
+    if (!ok)
+        return result;
+    for (const QString& key : object.keys()) {
+        Directory d;
+        d.path = key;
+        d.subdir = GetParamValue(object, {key, QStringLiteral("subdir")}) == QLatin1String("1");
+        d.enabled = GetParamValue(object, {key, QStringLiteral("enabled")}) == QLatin1String("1");
+        result.append(d);
+    }
+    return result;
+}
+
+QList<APCFileIterator::Filter> APCFileIterator::ParseFilters(const QString& text)
+{
+    QList<Filter> result;
+    bool ok = false;
+    const QJsonObject object = parseObject(text, &ok);
+    if (!ok)
+        return result;
+    for (const QString& key : object.keys())
+        result.append(Filter(key, GetParamValue(object, {key})));
+    return result;
+}
+
+QStringList APCFileIterator::FindFiles(const QString& path, const QString& filter, bool recursive)
+{
+    QStringList result;
+    if (path.isEmpty())
+        return result;
+    QDir dir(path);
+    if (!dir.exists())
+        return result;
+    const QStringList patterns = filter.split(QLatin1Char(';'), Qt::KeepEmptyParts, Qt::CaseSensitive);
+    for (const QFileInfo& info : dir.entryInfoList(patterns, QDir::Files | QDir::NoSymLinks))
+        result.append(info.absoluteFilePath());
+    if (recursive)
+        for (const QFileInfo& sub : dir.entryInfoList(QDir::AllDirs | QDir::NoDot | QDir::NoDotDot))
+            result += FindFiles(sub.absoluteFilePath(), filter, recursive);
+    return result;
+}
+
+QStringList APCFileIterator::CaptureWildcards(const QString& path, const QString& filter)
+{
+    const QFileInfo file(path);
+    const QString name = file.fileName();
+    const QString suffix = file.suffix();
+    for (const QString& pattern : filter.split(QLatin1Char(';'), Qt::KeepEmptyParts, Qt::CaseSensitive)) {
+        if (QFileInfo(pattern).suffix().compare(suffix, Qt::CaseInsensitive) != 0)
+            continue;
+        QString core = pattern;
+        while (core.startsWith(QLatin1Char('*')))
+            core.remove(0, 1);
+        while (core.endsWith(QLatin1Char('*')))
+            core.chop(1);
+        QList<int> silent;
+        int counter = 0;
+        for (int i = 0; i < core.size(); ++i) {
+            if (core[i] != QLatin1Char('*'))
+                continue;
+            if (i == 0 || core[i - 1] != QLatin1Char('*'))
+                ++counter;
+            else
+                silent.append(counter);
+        }
+        const QStringList segments = QString(core)
+                                         .replace(QStringLiteral("**"), QStringLiteral("*"))
+                                         .split(QLatin1Char('*'), Qt::KeepEmptyParts, Qt::CaseSensitive);
+        QStringList captures;
+        int pos = -1;
+        bool matched = true;
+        for (const QString& segment : segments) {
+            const int at = name.indexOf(segment, pos < 0 ? 0 : pos, Qt::CaseSensitive);
+            if (at < 0) {
+                matched = false;
+                break;
+            }
+            if (!(pos == -1 && segments.size() > 1))
+                captures.append(name.mid(pos < 0 ? 0 : pos, at - (pos < 0 ? 0 : pos)));
+            pos = at + segment.size();
+        }
+        if (!matched)
+            continue;
+        for (int k : silent)
+            if (k - 1 >= 0 && k - 1 < captures.size())
+                captures.removeAt(k - 1);
+        return captures;
+    }
+    return QStringList();
+}
+
+bool APCFileIterator::ContainsAll(const QString& path, const QStringList& captures)
+{
+    if (captures.isEmpty())
+        return false;
+    const QString name = QFileInfo(path).fileName();
+    for (const QString& c : captures)
+        if (!name.contains(c, Qt::CaseSensitive))
+            return false;
+    return true;
+}
+
+bool APCFileIterator::BuildRounds()
+{
+    m_rounds.clear();
+    const QList<Directory> directories = ParseDirectories(ParameterText(kDir));
+    const QList<Filter> filters = ParseFilters(ParameterText(kFilter));
+    if (directories.isEmpty() || filters.isEmpty())
+        return false;
+    struct Group
+    {
+        QString key;
+        QString filter;
+        QStringList files;
+        QStringList names; // file names, for the containment test
+    };
+    for (const Directory& d : directories) {
+        if (!d.enabled || !QDir(d.path).exists())
+            continue;
+        QList<Group> groups;
+        for (const Filter& f : filters) {
+            Group g{f.first, f.second, FindFiles(d.path, f.second, d.subdir), {}};
+            for (const QString& file : g.files)
+                g.names.append(QFileInfo(file).fileName());
+            groups.append(g);
+        }
+        const Group& first = groups.first();
+        for (const QString& file : first.files) {
+            const QStringList captures = CaptureWildcards(file, first.filter);
+            QMap<QString, QString> round;
+            bool complete = !captures.isEmpty();
+            for (int g = 0; complete && g < groups.size(); ++g) {
+                int hit = -1;
+                for (int i = 0; i < groups[g].names.size() && hit < 0; ++i) {
+                    bool all = true;
+                    for (const QString& c : captures)
+                        if (!groups[g].names[i].contains(c, Qt::CaseSensitive)) {
+                            all = false;
+                            break;
+                        }
+                    if (all)
+                        hit = i;
+                }
+                if (hit < 0)
+                    complete = false;
+                else
+                    round.insert(groups[g].key, groups[g].files[hit]);
+            }
+            if (complete && !round.isEmpty())
+                m_rounds.append(round);
+        }
+    }
+    return true;
+}
+
+bool APCFileIterator::Execute()
+{
+    if (GetIteratorState() == NotRun) {
+        BuildRounds();
+        m_total = m_rounds.size();
+    }
+    if (m_rounds.isEmpty()) {
+        SetError(-1, QCoreApplication::translate("APCFileIterator", "End of the iteration"));
+        SetIteratorState(Ended);
+        Progress(100.0, QString(), nullptr);
+        return false;
+    }
+    SetIteratorState(Iterating);
+    const QMap<QString, QString> round = m_rounds.takeFirst();
+    for (auto it = round.constBegin(); it != round.constEnd(); ++it) {
+        const QString id = GetParameter(it.key()).value.remove(QLatin1Char('%'));
+        APCVar* var = GetModel() ? GetModel()->FindVar(id) : nullptr;
+        if (!var) {
+            // An output that feeds no var cannot hand out its file: say so
+            // instead of writing nowhere.
+            SetError(-2, QCoreApplication::translate("APCFileIterator", "The output %1 is not connected to a variable")
+                             .arg(it.key()));
+            return false;
+        }
+        var->SetRunValue(it.value());
+    }
+    Progress((m_total - m_rounds.size()) / m_total * 100.0, QString(), nullptr);
+    return true;
+}
+
+} // namespace Plugin

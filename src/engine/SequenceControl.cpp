@@ -1,0 +1,289 @@
+#include "engine/SequenceControl.h"
+
+#include "engine/APCAlgo.h"
+#include "engine/APCExecuteFactory.h"
+#include "engine/APCIterator.h"
+#include "engine/APCLog.h"
+#include "engine/APCModelFile.h"
+#include "engine/SequenceNode.h"
+#include "model/APCArrow.h"
+#include "model/APCModel.h"
+#include "model/APCVar.h"
+
+#include <QCoreApplication>
+#include <QHash>
+#include <QSet>
+
+namespace Plugin {
+
+namespace {
+
+// {"description":"value",...} with references shown as their run values.
+QString logParameters(APCProcess* process)
+{
+    APCModel* model = process->GetModel();
+    QString text = QStringLiteral("{");
+    bool first = true;
+    for (const APCParameter& p : process->GetParameters()) {
+        QString value = p.value;
+        if (value.startsWith(QLatin1Char('%'))) {
+            APCVar* var = model ? model->FindVar(value.remove(QLatin1Char('%'))) : nullptr;
+            value = var ? var->GetRunValue() : QString();
+        }
+        if (!first)
+            text += QLatin1Char(',');
+        first = false;
+        text += QLatin1Char('"') + p.description + QStringLiteral("\":\"") + value + QLatin1Char('"');
+    }
+    return text + QLatin1Char('}');
+}
+
+} // namespace
+
+SequenceControl::SequenceControl() : m_log(new APCLog) {}
+
+SequenceControl::~SequenceControl()
+{
+    DeleteNodes();
+    delete m_log;
+}
+
+void SequenceControl::SetLog(APCLog* log)
+{
+    if (!log)
+        return;
+    delete m_log;
+    m_log = log;
+}
+
+void SequenceControl::SetName(const QString& name) { m_name = name; }
+
+void SequenceControl::DeleteNodes()
+{
+    // Iterators left on the stack by a stopped run must not outlive their nodes:
+    // they become null entries, which end a run like an empty stack does.
+    const QSet<SequenceNode*> dying(m_nodes.begin(), m_nodes.end());
+    for (SequenceNode*& entry : m_iterators)
+        if (dying.contains(entry))
+            entry = nullptr;
+    qDeleteAll(m_nodes);
+    m_nodes.clear();
+}
+
+void SequenceControl::Build(APCModel* model)
+{
+    m_model = model;
+    DeleteNodes();
+    m_pending.clear();
+    m_endCount = 0;
+    m_endReached = 0;
+    if (!model)
+        return;
+
+    QHash<QString, SequenceNode*> byName;
+    for (APCProcess* process : model->GetProcesses()) {
+        auto* node = new SequenceNode(this, static_cast<APCProcess*>(process->Clone()));
+        m_nodes.append(node);
+        if (!byName.contains(process->GetName()))
+            byName.insert(process->GetName(), node);
+    }
+
+    const QString kVar = QStringLiteral("var"), kProcess = QStringLiteral("process");
+    for (APCArrow* arrow : model->GetArrows()) {
+        if (arrow->GetHeadType() != kVar || arrow->GetTailType() != kProcess)
+            continue;
+        APCVar* var = model->FindVar(arrow->GetHead());
+        APCProcess* writer = model->FindProcess(arrow->GetTail());
+        SequenceNode* writerNode = writer ? byName.value(writer->GetName()) : nullptr;
+        if (!var || !writer || !writerNode)
+            return;
+        for (APCArrow* other : model->ArrowsOfVar(var)) {
+            if (other == arrow)
+                continue;
+            // A second writer of the same var: the graph is not runnable.
+            if (other->GetHeadType() == kVar)
+                return;
+            SequenceNode* reader = byName.value(other->GetHead());
+            if (!reader)
+                return;
+            writerNode->Successors().append(reader);
+            reader->Predecessors().append(writerNode);
+        }
+    }
+
+    for (SequenceNode* node : m_nodes) {
+        if (node->Predecessors().isEmpty())
+            m_pending.append(node);
+        if (node->Successors().isEmpty()) {
+            ++m_endCount;
+            node->Finished.connect([this](SequenceNode* n) { OnEndNodeFinished(n); });
+        }
+        node->Wire();
+    }
+}
+
+void SequenceControl::Start()
+{
+    if (m_state == Paused) {
+        m_log->LogContinue(m_name);
+    } else {
+        QString parameters;
+        if (m_model) {
+            const QList<APCVar*> free = m_model->GetFreeVars();
+            if (!free.isEmpty()) {
+                parameters = QCoreApplication::translate("SequenceControl", "Parameter: ");
+                for (int i = 0; i < free.size(); ++i) {
+                    if (i > 0)
+                        parameters += QStringLiteral(", ");
+                    parameters += free[i]->GetDescription() + QStringLiteral(" = ") + free[i]->GetRunValue();
+                }
+            }
+            qDeleteAll(free);
+        }
+        m_log->LogStart(m_name, parameters);
+    }
+    m_state = Running;
+    const QList<SequenceNode*> pending = m_pending;
+    m_pending.clear();
+    for (SequenceNode* node : pending)
+        node->Run();
+}
+
+void SequenceControl::RunNode(SequenceNode* node)
+{
+    if (m_state == Running)
+        node->Run();
+    else if (m_state == Paused)
+        m_pending.append(node);
+}
+
+void SequenceControl::SetNodeStatus(SequenceNode* node, int status)
+{
+    node->SetStatus(status);
+}
+
+void SequenceControl::NodeExecuteFinished(SequenceNode* node)
+{
+    int code = 0;
+    QString message;
+    node->GetExecutable()->GetError(code, message);
+
+    APCProcess* process = node->GetProcess();
+    auto* iterator = dynamic_cast<APCIterator*>(process);
+    APCLogRecord record;
+    record.name = dynamic_cast<APCAlgo*>(process) ? process->GetProcessName() : process->GetClass();
+    record.description = process->GetDescription();
+    record.parameters = logParameters(process);
+    record.succeeded = code == 0;
+    record.errorCode = code;
+    record.errorMessage = message;
+    if (!(iterator && iterator->IsEnded()))
+        m_log->LogStep(record);
+
+    if (code != 0) {
+        if (!m_iterators.isEmpty() && m_iterators.top() == node) {
+            m_iterators.pop();
+            node->SetStatus(SequenceNode::Done);
+        }
+        ContinueOrFinish();
+        return;
+    }
+    if (!iterator) {
+        node->SetStatus(SequenceNode::Done);
+    } else {
+        if (m_iterators.isEmpty() || m_iterators.top() != node)
+            m_iterators.push(node);
+        if (m_model)
+            m_model->ResolveVarValues(QList<APCVar*>());
+    }
+    node->Finished(node);
+    NodeFinished(node);
+}
+
+void SequenceControl::OnEndNodeFinished(SequenceNode*)
+{
+    if (++m_endReached < m_endCount)
+        return;
+    m_endReached = 0;
+    if (!m_iterators.isEmpty() && m_iterators.top()) {
+        SequenceNode* top = m_iterators.top();
+        ResetSubtree(top, SequenceNode::Waiting);
+        top->Run();
+    } else {
+        Finish();
+    }
+}
+
+void SequenceControl::ContinueOrFinish()
+{
+    if (m_iterators.isEmpty() || !m_iterators.top()) {
+        Finish();
+        return;
+    }
+    SequenceNode* top = m_iterators.top();
+    ResetSubtree(top, SequenceNode::Waiting);
+    top->Run();
+}
+
+void SequenceControl::ResetSubtree(SequenceNode* node, int status)
+{
+    // Depth first, each node once: joins would otherwise be visited once per path.
+    QSet<SequenceNode*> seen;
+    QList<SequenceNode*> stack{node};
+    while (!stack.isEmpty()) {
+        SequenceNode* n = stack.takeLast();
+        if (seen.contains(n))
+            continue;
+        seen.insert(n);
+        n->SetStatus(status);
+        const QList<SequenceNode*>& next = n->Successors();
+        for (int i = next.size() - 1; i >= 0; --i)
+            stack.append(next[i]);
+    }
+}
+
+void SequenceControl::Finish()
+{
+    m_state = Idle;
+    for (SequenceNode* node : m_nodes)
+        node->SetStatus(SequenceNode::Waiting);
+    m_log->LogSummary();
+    NodeFinished(nullptr);
+}
+
+void SequenceControl::Pause()
+{
+    m_log->LogPause(m_name);
+    m_state = Paused;
+}
+
+void SequenceControl::Stop()
+{
+    APCExecuteFactory::Instance()->CancelAll();
+    StopNestedRuns();
+    m_log->LogEnd(m_name);
+    Finish();
+}
+
+void SequenceControl::StopNestedRuns()
+{
+    for (SequenceNode* node : m_nodes)
+        if (auto* nested = dynamic_cast<APCModelFile*>(node->GetProcess()))
+            nested->RequestStop();
+}
+
+void SequenceControl::GetError(int& code, QString& message)
+{
+    code = 0;
+    message.clear();
+    for (SequenceNode* node : m_nodes) {
+        IAPCExecute* exe = node->GetExecutable();
+        exe->GetError(code, message);
+        if (code != 0 && !exe->IsSucceeded()) {
+            message = exe->GetDescription() + QStringLiteral(" : ") + message;
+            return;
+        }
+    }
+}
+
+} // namespace Plugin

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <QList>
+#include <QStack>
+#include <QString>
+#include <boost/signals2.hpp>
+
+#include <memory>
+#include <vector>
+
+namespace Plugin {
+
+class APCLog;
+class APCModel;
+class SequenceNode;
+
+// Runs one model: builds a graph of nodes from its processes and arrows, starts
+// every node whose inputs are complete, repeats the part behind an iterator, and
+// reports through three signals and a log. All of its logic runs on the thread
+// that called Start(), which must run an event loop.
+class SequenceControl
+{
+public:
+    enum State { Idle = 0, Running = 1, Paused = 2 };
+
+    SequenceControl();
+    SequenceControl(const SequenceControl&) = delete;
+    SequenceControl& operator=(const SequenceControl&) = delete;
+    ~SequenceControl();
+
+    // Takes ownership of log; null is ignored.
+    void SetLog(APCLog* log);
+    void SetName(const QString& name);
+    // Rebuilds the graph from model (not owned). A bad graph leaves nothing to start.
+    void Build(APCModel* model);
+    // Starts a run, or continues a paused one.
+    void Start();
+    void Pause();
+    // Stops waiting for every step and finishes the run.
+    void Stop();
+    int GetState() const { return m_state; }
+    // The run's error: the first failed step's, else what the last node reported.
+    void GetError(int& code, QString& message);
+
+    APCLog* GetLog() const { return m_log; }
+    APCModel* GetModel() const { return m_model; }
+    QString GetName() const { return m_name; }
+    const QList<SequenceNode*>& GetNodes() const { return m_nodes; }
+
+    // A step reported progress (0..100); emitted on the step's pool thread.
+    boost::signals2::signal<void(SequenceNode*, double)> NodeProgress;
+    // A node's status changed; emitted on the control's thread.
+    boost::signals2::signal<void(SequenceNode*, int)> NodeStatus;
+    // A node finished well; null once when the whole run ended. Control's thread.
+    boost::signals2::signal<void(SequenceNode*)> NodeFinished;
+
+    // Internal to the run: called by the nodes.
+    void RunNode(SequenceNode* node);
+    void SetNodeStatus(SequenceNode* node, int status);
+    void NodeExecuteFinished(SequenceNode* node);
+    void OnEndNodeFinished(SequenceNode* node);
+
+private:
+    void ContinueOrFinish();
+    void ResetSubtree(SequenceNode* node, int status);
+    void Finish();
+    void DeleteNodes();
+    // Stops the nested runs that steps of this run are waiting in.
+    void StopNestedRuns();
+
+    QStack<SequenceNode*> m_iterators;
+    QList<SequenceNode*> m_nodes; // owned
+    QList<SequenceNode*> m_pending;
+    APCLog* m_log = nullptr; // owned
+    QString m_name;
+    APCModel* m_model = nullptr;
+    int m_state = Idle;
+    int m_endCount = 0;
+    int m_endReached = 0;
+};
+
+} // namespace Plugin

@@ -1,0 +1,120 @@
+#pragma once
+
+#include <QHash>
+#include <QList>
+#include <QString>
+#include <boost/signals2.hpp>
+
+#include <mutex>
+
+class QDomNode;
+
+namespace Plugin {
+
+class APCArrow;
+class APCObject;
+class APCProcess;
+class APCVar;
+
+// The document: owns the processes, vars and arrows of one model and keeps
+// arrows, parameter values and vars consistent. No operation reports an error.
+class APCModel
+{
+public:
+    APCModel() = default;
+    APCModel(const APCModel&) = delete;
+    APCModel& operator=(const APCModel&) = delete;
+    // Deletes all processes, then all vars, then all arrows.
+    ~APCModel();
+
+    // Listeners connect directly. A ...Removed signal hands the object to the
+    // listener, who destroys it. Emitted synchronously on the mutating thread.
+    boost::signals2::signal<void(APCProcess*)> processAdded;
+    boost::signals2::signal<void(APCProcess*)> processChanged;
+    boost::signals2::signal<void(APCProcess*)> processRemoved;
+    boost::signals2::signal<void(APCVar*)> varAdded;
+    boost::signals2::signal<void(APCVar*)> varChanged;
+    boost::signals2::signal<void(APCVar*)> varRemoved;
+    boost::signals2::signal<void(APCArrow*)> arrowAdded;
+    boost::signals2::signal<void(APCArrow*)> arrowChanged;
+    boost::signals2::signal<void(APCArrow*)> arrowRemoved;
+
+    // The lists themselves, in order of addition (the file order).
+    QList<APCProcess*>& GetProcesses() { return m_processes; }
+    QList<APCVar*>& GetVars() { return m_vars; }
+    QList<APCArrow*>& GetArrows() { return m_arrows; }
+
+    // The first process / var with that id, or null. Safe from pool threads.
+    APCProcess* FindProcess(const QString& id) const;
+    APCVar* FindVar(const QString& id) const;
+    // Arrows with the process at one end (of paramName only, when not empty).
+    QList<APCArrow*> ArrowsOfProcess(APCObject* process, const QString& paramName) const;
+    // Arrows with the var at one end.
+    QList<APCArrow*> ArrowsOfVar(APCObject* var) const;
+    // "process", "var" or empty.
+    static QString ObjectType(APCObject* object);
+    // Clones of the free vars, in list order; the caller owns them.
+    QList<APCVar*> GetFreeVars() const;
+    // The first object whose Check fails, or null.
+    APCObject* FindInvalidObject() const;
+    // True when an arrow feeds the var from an iterator process.
+    bool IsIteratorOutput(const QString& varId) const;
+
+    // Adds the process; a required parameter without a value gets a var and an
+    // arrow. The model owns process.
+    bool AddProcess(APCProcess* process);
+    bool AddVar(APCVar* var);
+    bool AddArrow(APCArrow* arrow);
+    bool RemoveProcess(APCProcess* process);
+    bool RemoveVar(APCVar* var);
+    bool RemoveArrow(APCArrow* arrow);
+    // Unwires before (a clone the caller deletes) and wires after.
+    bool ChangeArrow(APCArrow* before, APCArrow* after);
+    // Brings arrows and vars in line with the process's edited parameters.
+    bool UpdateProcess(APCProcess* process);
+    bool NotifyVarChanged(APCVar* var);
+
+    // Clears every var's run value.
+    void ResetVarValues();
+    // Gives free vars the values of inputs (matched by id) and computes the rest.
+    // False when a free var has no input or not every var can be resolved.
+    bool ResolveVarValues(const QList<APCVar*>& inputs);
+
+    // Appends the file's objects; false when it cannot be read. No wiring, no signal.
+    bool LoadFile(const QString& path);
+    bool SaveFile(const QString& path);
+
+    // Called when an object's id changed; the lookup index is rebuilt on demand.
+    void InvalidateIndex();
+
+private:
+    void WireArrow(APCArrow* arrow);
+    void UnwireArrow(APCArrow* arrow);
+    void SetArrowParameter(APCArrow* arrow, bool wire);
+    // Creates the arrow joining var and the process parameter p, and adds it.
+    APCArrow* CreateParameterArrow(APCProcess* process, const QString& paramName, int direction, APCVar* var);
+    // Takes the arrow out, unwires it and tells the listeners.
+    void DetachArrow(APCArrow* arrow);
+    void ReadProcesses(const QDomNode& node);
+    void ReadVars(const QDomNode& node);
+    void ReadArrows(const QDomNode& node);
+
+    template <class T>
+    T* Lookup(const QList<T*>& list, QHash<QString, int>& index, const QString& id) const;
+
+    QList<APCProcess*> m_processes;
+    QList<APCVar*> m_vars;
+    QList<APCArrow*> m_arrows;
+
+    // id -> position of its first holder; checked against the list on every hit.
+    mutable std::mutex m_indexMutex;
+    mutable QHash<QString, int> m_processIndex;
+    mutable QHash<QString, int> m_varIndex;
+    mutable int m_processIndexed = -1;
+    mutable int m_varIndexed = -1;
+    mutable quint64 m_generation = 0;
+    mutable quint64 m_processIndexGeneration = ~0ull;
+    mutable quint64 m_varIndexGeneration = ~0ull;
+};
+
+} // namespace Plugin

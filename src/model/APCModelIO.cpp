@@ -1,0 +1,125 @@
+// Reading and writing of the .apc file: XML in GB2312.
+#include "model/APCModel.h"
+
+#include "model/APCArrow.h"
+#include "model/APCProcess.h"
+#include "model/APCProcessFactory.h"
+#include "model/APCVar.h"
+#include "model/APCVarFactory.h"
+#include "model/Gb2312.h"
+
+#include <QDomDocument>
+#include <QFile>
+#include <QXmlStreamWriter>
+
+namespace Plugin {
+
+bool APCModel::LoadFile(const QString& path)
+{
+    QDomDocument doc(QStringLiteral("APCFile"));
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    if (!doc.setContent(&file, true)) {
+        file.close();
+        return false;
+    }
+    file.close();
+    const QDomElement root = doc.documentElement();
+    if (root.tagName() != QLatin1String("Configuration"))
+        return false;
+
+    for (QDomNode child = root.firstChild(); !child.isNull(); child = child.nextSibling()) {
+        if (!child.isElement())
+            continue;
+        const QString tag = child.toElement().tagName();
+        if (tag == QLatin1String("Processes"))
+            ReadProcesses(child);
+        else if (tag == QLatin1String("Vars"))
+            ReadVars(child);
+        else if (tag == QLatin1String("Arrows"))
+            ReadArrows(child);
+    }
+    InvalidateIndex();
+    for (APCProcess* p : m_processes)
+        p->SetModel(this);
+    for (APCVar* v : m_vars)
+        v->SetModel(this);
+    for (APCArrow* a : m_arrows)
+        a->SetModel(this);
+    return true;
+}
+
+void APCModel::ReadProcesses(const QDomNode& node)
+{
+    for (QDomElement e = node.firstChildElement(QStringLiteral("Process")); !e.isNull();
+         e = e.nextSiblingElement(QStringLiteral("Process"))) {
+        // An unknown class adds no process.
+        APCProcess* process = APCProcessFactory::Instance()->Create(e.attribute(QStringLiteral("class")));
+        if (!process)
+            continue;
+        process->ReadXml(e);
+        m_processes.append(process);
+    }
+}
+
+void APCModel::ReadVars(const QDomNode& node)
+{
+    for (QDomElement e = node.firstChildElement(QStringLiteral("Var")); !e.isNull();
+         e = e.nextSiblingElement(QStringLiteral("Var"))) {
+        APCVar* var = APCVarFactory::Instance()->Create(e.attribute(QStringLiteral("class")));
+        var->ReadXml(e);
+        m_vars.append(var);
+    }
+}
+
+void APCModel::ReadArrows(const QDomNode& node)
+{
+    for (QDomElement e = node.firstChildElement(QStringLiteral("Arrow")); !e.isNull();
+         e = e.nextSiblingElement(QStringLiteral("Arrow"))) {
+        auto* arrow = new APCArrow;
+        arrow->ReadXml(e);
+        m_arrows.append(arrow);
+    }
+}
+
+bool APCModel::SaveFile(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return false;
+    const QList<APCProcess*> processes = m_processes;
+    const QList<APCVar*> vars = m_vars;
+    const QList<APCArrow*> arrows = m_arrows;
+
+    // The document is written as text first and then encoded: the declaration must
+    // name GB2312 whatever the codec calls itself.
+    QString text;
+    QXmlStreamWriter writer(&text);
+    writer.setAutoFormatting(true);
+    writer.writeStartDocument(QStringLiteral("1.0"), false);
+    writer.writeStartElement(QStringLiteral("Configuration"));
+    writer.writeComment(QStringLiteral("算法"));
+    writer.writeStartElement(QStringLiteral("Processes"));
+    for (APCProcess* p : processes)
+        p->WriteXml(writer, true);
+    writer.writeEndElement();
+    writer.writeComment(QStringLiteral("数据"));
+    writer.writeStartElement(QStringLiteral("Vars"));
+    for (APCVar* v : vars)
+        v->WriteXml(writer, true);
+    writer.writeEndElement();
+    writer.writeComment(QStringLiteral("依赖关系"));
+    writer.writeStartElement(QStringLiteral("Arrows"));
+    for (APCArrow* a : arrows)
+        a->WriteXml(writer, true);
+    writer.writeEndElement();
+    writer.writeEndElement();
+    writer.writeEndDocument();
+
+    file.write(Gb2312::EncodeDocument(text));
+    file.close();
+    return true;
+}
+
+} // namespace Plugin

@@ -1,1 +1,0 @@
-namespace Plugin { int ModelBuilderVersion() { return 1; } }
