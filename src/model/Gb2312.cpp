@@ -39,8 +39,10 @@ QByteArray Gb2312::EncodeDocument(const QString& xml)
         if (codec->canEncode(piece)) {
             safe += piece;
         } else {
-            const uint code = pair ? QChar::surrogateToUcs4(c, text.at(i + 1)) : c.unicode();
-            safe += QStringLiteral("&#x%1;").arg(code, 0, 16);
+            // One reference per UTF-16 unit: the DOM reader maps a reference to a
+            // single unit, so a pair of them restores characters beyond the BMP.
+            for (const QChar unit : piece)
+                safe += QStringLiteral("&#x%1;").arg(unit.unicode(), 0, 16);
         }
         if (pair)
             ++i;

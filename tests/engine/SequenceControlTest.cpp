@@ -1,0 +1,359 @@
+#include "engine/APCAlgo.h"
+#include "engine/APCExecuteFactory.h"
+#include "engine/APCLog.h"
+#include "engine/APCRasterFileIterator.h"
+#include "engine/SequenceControl.h"
+#include "engine/SequenceNode.h"
+#include "model/APCArrow.h"
+#include "model/APCModel.h"
+#include "model/APCVar.h"
+#include "support/ModelFixtures.h"
+#include "support/TestSupport.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QThreadPool>
+#include <gtest/gtest.h>
+
+using namespace Plugin;
+using namespace TestSupport;
+
+namespace {
+
+const QString kBanner = "=============================";
+
+QString block(const QString& name, const QString& description, const QString& params, bool ok = true,
+              int code = 0, const QString& message = QString())
+{
+    QString text = "\n" + kBanner + "Start " + description + kBanner + "\n" + "Algorithm: " + name + "\n" +
+                   "Description: " + description + "\n" + "Parameter: " + params + "\n";
+    if (ok)
+        text += "Result of execution: Succeed\n";
+    else
+        text += "Result of execution: Fail\nError number: " + QString::number(code) + "\nError message: " + message + "\n";
+    return text + kBanner + "End " + description + kBanner + "\n";
+}
+
+QString summary(int ok, int failed)
+{
+    return "\n" + kBanner + "Generate: Succeed: " + QString::number(ok) + ", Fail: " + QString::number(failed) + " " +
+           kBanner + "\n";
+}
+
+// A chain in -> A -> mid -> B -> out of text copies, with files in dir.
+struct CopyChain
+{
+    APCModel model;
+    APCAlgo* a = nullptr;
+    APCAlgo* b = nullptr;
+    APCVar* mid = nullptr;
+
+    explicit CopyChain(const QTemporaryDir& dir)
+    {
+        a = AddAlgo(model, "test.copyText");
+        b = AddAlgo(model, "test.copyText");
+        SetConstant(VarOf(model, a, "In File"), dir.filePath("in.txt"));
+        mid = VarOf(model, a, "Out File");
+        SetConstant(mid, dir.filePath("mid.txt"));
+        Connect(model, mid, b, "In File");
+        SetConstant(VarOf(model, b, "Out File"), dir.filePath("out.txt"));
+        WriteAll(dir.filePath("in.txt"), "payload");
+    }
+};
+
+} // namespace
+
+// Engine cases run at 1, 2 and 4 pool threads.
+class Engine : public ::testing::TestWithParam<int>
+{
+protected:
+    void SetUp() override
+    {
+        m_saved = QThreadPool::globalInstance()->maxThreadCount();
+        QThreadPool::globalInstance()->setMaxThreadCount(GetParam());
+    }
+    void TearDown() override
+    {
+        QThreadPool::globalInstance()->waitForDone();
+        QThreadPool::globalInstance()->setMaxThreadCount(m_saved);
+    }
+    int m_saved = 0;
+};
+
+INSTANTIATE_TEST_SUITE_P(Threads, Engine, ::testing::Values(1, 2, 4));
+
+TEST_P(Engine, SingleStepLogsExactly)
+{
+    APCModel model;
+    APCAlgo* step = AddAlgo(model, "test.progress");
+    SequenceControl control;
+    std::vector<int> statuses;
+    control.NodeStatus.connect([&](SequenceNode*, int s) { statuses.push_back(s); });
+    std::atomic<int> progress{0};
+    control.NodeProgress.connect([&](SequenceNode*, double) { ++progress; });
+    const RunResult r = RunModel(control, model, "single");
+    ASSERT_TRUE(r.finished);
+    EXPECT_EQ(r.finishes, 1);
+    EXPECT_EQ(r.log, "Start the model: single\n" +
+                         block("test.progress", step->GetDescription(), "{\"Steps\":\"4\"}") + summary(1, 0));
+    EXPECT_TRUE(r.errors.isEmpty());
+    EXPECT_EQ(r.code, 0);
+    EXPECT_EQ(statuses, (std::vector<int>{1, 2, 0}));
+    EXPECT_EQ(progress.load(), 4);
+    EXPECT_EQ(control.GetState(), SequenceControl::Idle);
+}
+
+TEST_P(Engine, ChainPassesFilesAndLogsInOrder)
+{
+    QTemporaryDir dir;
+    CopyChain chain(dir);
+    SequenceControl control;
+    const RunResult r = RunModel(control, chain.model);
+    ASSERT_TRUE(r.finished);
+    EXPECT_EQ(ReadAll(dir.filePath("out.txt")), QByteArray("payload"));
+    const QString params = QStringLiteral("{\"In File\":\"%1\",\"Out File\":\"%2\"}");
+    EXPECT_EQ(r.log, "Start the model: m\n" +
+                         block("test.copyText", "Copy text file", params.arg(dir.filePath("in.txt"), dir.filePath("mid.txt"))) +
+                         block("test.copyText", "Copy text file", params.arg(dir.filePath("mid.txt"), dir.filePath("out.txt"))) +
+                         summary(2, 0));
+}
+
+TEST_P(Engine, JoinRunsOnceAfterBothPredecessors)
+{
+    QTemporaryDir dir;
+    APCModel model;
+    APCVar* log = nullptr;
+    APCAlgo* w1 = AddAlgo(model, "test.appendLine");
+    APCAlgo* w2 = AddAlgo(model, "test.appendLine");
+    SetConstant(VarOf(model, w1, "Text"), "one");
+    SetConstant(VarOf(model, w2, "Text"), "two");
+    APCVar* o1 = VarOf(model, w1, "Out File");
+    APCVar* o2 = VarOf(model, w2, "Out File");
+    SetConstant(o1, dir.filePath("1.txt"));
+    SetConstant(o2, dir.filePath("2.txt"));
+    // The reader copies 1.txt and needs 2.txt's writer done as well: join through
+    // a second input arrow from o2 to its Text parameter.
+    APCAlgo* reader = AddAlgo(model, "test.copyText");
+    Connect(model, o1, reader, "In File");
+    auto* extra = new APCArrow;
+    extra->SetTail(o2->GetName());
+    extra->SetTailType("var");
+    extra->SetHead(reader->GetName());
+    extra->SetHeadType("process");
+    extra->SetHeadParam("Unused");
+    model.AddArrow(extra);
+    log = VarOf(model, reader, "Out File");
+    SetConstant(log, dir.filePath("joined.txt"));
+
+    SequenceControl control;
+    int readerRuns = 0;
+    control.NodeStatus.connect([&](SequenceNode* n, int s) {
+        if (n->GetProcess()->GetName() == reader->GetName() && s == 1)
+            ++readerRuns;
+    });
+    const RunResult r = RunModel(control, model);
+    ASSERT_TRUE(r.finished);
+    EXPECT_EQ(readerRuns, 1) << qPrintable(r.log);
+    EXPECT_EQ(ReadAll(dir.filePath("joined.txt")), QByteArray("one\n"));
+    EXPECT_TRUE(r.log.endsWith(summary(3, 0)));
+}
+
+TEST_P(Engine, FailureOutsideIterationEndsTheRun)
+{
+    QTemporaryDir dir;
+    CopyChain chain(dir);
+    QFile::remove(dir.filePath("in.txt"));
+    SequenceControl control;
+    const RunResult r = RunModel(control, chain.model);
+    ASSERT_TRUE(r.finished);
+    const QString message = "Cannot open " + dir.filePath("in.txt");
+    EXPECT_EQ(r.code, 10);
+    EXPECT_EQ(r.message, "Copy text file : " + message);
+    EXPECT_TRUE(r.log.contains("Result of execution: Fail\nError number: 10\nError message: " + message + "\n"));
+    EXPECT_TRUE(r.log.endsWith(summary(0, 1)));
+    EXPECT_TRUE(r.errors.startsWith("\n" + kBanner + "Start Copy text file"));
+    EXPECT_EQ(r.log.count("Start Copy text file"), 1); // B never ran
+    EXPECT_FALSE(QFile::exists(dir.filePath("out.txt")));
+}
+
+TEST_P(Engine, FreeVarsShowInTheStartLineWithTheWordTwice)
+{
+    APCModel model;
+    APCAlgo* step = AddAlgo(model, "test.copyText");
+    APCVar* in = VarOf(model, step, "In File");
+    in->SetDescription("a");
+    SetConstant(VarOf(model, step, "Out File"), "/dev/null");
+    APCVar given;
+    given.SetName(in->GetName());
+    given.SetValue("1");
+    model.ResetVarValues();
+    ASSERT_TRUE(model.ResolveVarValues({&given}));
+    SequenceControl control;
+    control.SetName("free");
+    control.Build(&model);
+    control.Start();
+    ASSERT_TRUE(WaitUntil([&] { return control.GetState() == SequenceControl::Idle; }));
+    EXPECT_TRUE(control.GetLog()->GetLogText().startsWith("Start the model: free\nParameter: Parameter: a = 1\n\n"));
+}
+
+TEST_P(Engine, PauseHoldsBackTheNextStepUntilStart)
+{
+    QTemporaryDir dir;
+    APCModel model;
+    APCAlgo* slow = AddAlgo(model, "test.sleep");
+    SetLiteral(model, slow, "Milliseconds", "300");
+    APCAlgo* copy = AddAlgo(model, "test.copyText");
+    SetConstant(VarOf(model, copy, "Out File"), dir.filePath("out.txt"));
+    // copy waits for slow through a var slow writes: give slow an output arrow.
+    APCVar* in = VarOf(model, copy, "In File");
+    SetConstant(in, dir.filePath("in.txt"));
+    WriteAll(dir.filePath("in.txt"), "x");
+    auto* arrow = new APCArrow;
+    arrow->SetTail(slow->GetName());
+    arrow->SetTailType("process");
+    arrow->SetTailParam("Done");
+    arrow->SetHead(in->GetName());
+    arrow->SetHeadType("var");
+    model.AddArrow(arrow);
+
+    model.ResetVarValues();
+    ASSERT_TRUE(model.ResolveVarValues({}));
+    SequenceControl control;
+    control.SetName("p");
+    control.Build(&model);
+    control.Start();
+    control.Pause();
+    EXPECT_EQ(control.GetState(), SequenceControl::Paused);
+    ASSERT_TRUE(WaitUntil([&] { return control.GetLog()->GetLogText().contains("End Sleep"); }));
+    WaitUntil([] { return false; }, 100);
+    EXPECT_FALSE(control.GetLog()->GetLogText().contains("Start Copy text file"));
+    EXPECT_EQ(control.GetState(), SequenceControl::Paused);
+    control.Start();
+    ASSERT_TRUE(WaitUntil([&] { return control.GetState() == SequenceControl::Idle; }));
+    const QString log = control.GetLog()->GetLogText();
+    EXPECT_TRUE(log.contains("\nPause the model: p\n"));
+    EXPECT_LT(log.indexOf("End Sleep"), log.indexOf("\nContinue the model: p\n"));
+    EXPECT_LT(log.indexOf("Continue the model"), log.indexOf("Start Copy text file"));
+    EXPECT_TRUE(log.endsWith(summary(2, 0)));
+}
+
+TEST_P(Engine, StopWhileAStepRunsFinishesAtOnceAndAllowsANewRun)
+{
+    APCModel model;
+    APCAlgo* slow = AddAlgo(model, "test.sleep");
+    SetLiteral(model, slow, "Milliseconds", "400");
+    SequenceControl control;
+    int finishes = 0;
+    control.NodeFinished.connect([&](SequenceNode* n) { if (!n) ++finishes; });
+    control.SetName("s");
+    control.Build(&model);
+    control.Start();
+    control.Stop();
+    EXPECT_EQ(control.GetState(), SequenceControl::Idle);
+    EXPECT_EQ(finishes, 1);
+    EXPECT_EQ(control.GetLog()->GetLogText(), "Start the model: s\n\nEnd the model: s\n" + summary(0, 0));
+    // A new build while the stopped step still sleeps on its pool thread.
+    control.Build(&model);
+    control.Start();
+    ASSERT_TRUE(WaitUntil([&] { return finishes == 2; }));
+    QThreadPool::globalInstance()->waitForDone();
+    EXPECT_TRUE(control.GetLog()->GetLogText().endsWith(summary(1, 0)));
+}
+
+TEST_P(Engine, SecondWriterOfAVarLeavesNothingToStart)
+{
+    APCModel model;
+    APCAlgo* a = AddAlgo(model, "test.appendLine");
+    APCAlgo* b = AddAlgo(model, "test.appendLine");
+    APCVar* shared = VarOf(model, a, "Out File");
+    auto* second = new APCArrow;
+    second->SetTail(b->GetName());
+    second->SetTailType("process");
+    second->SetTailParam("Out File");
+    second->SetHead(shared->GetName());
+    second->SetHeadType("var");
+    model.AddArrow(second);
+    SequenceControl control;
+    control.SetName("bad");
+    control.Build(&model);
+    control.Start();
+    WaitUntil([] { return false; }, 100);
+    EXPECT_EQ(control.GetState(), SequenceControl::Running);
+    EXPECT_TRUE(control.GetLog()->GetLogText().startsWith("Start the model: bad\n"));
+    EXPECT_FALSE(control.GetLog()->GetLogText().contains(kBanner));
+    control.Stop();
+    EXPECT_EQ(control.GetState(), SequenceControl::Idle);
+}
+
+TEST_P(Engine, IteratorRepeatsTheStepsBehindItForEveryFile)
+{
+    QTemporaryDir dir;
+    QDir(dir.path()).mkdir("scenes");
+    for (const char* name : {"a1.tif", "a2.tif", "a3.tif", "skip.txt"})
+        WriteAll(dir.filePath(QStringLiteral("scenes/") + name), name);
+    APCModel model;
+    auto* it = new APCRasterFileIterator;
+    it->SetDescription("Scenes");
+    model.AddProcess(it);
+    APCVar* dirVar = model.GetVars()[0];
+    SetConstant(dirVar, QStringLiteral(R"({"%1":{"subdir":"0","enabled":"1"}})").arg(dir.filePath("scenes")));
+    APCVar* file = model.GetVars()[1];
+    APCAlgo* append = AddAlgo(model, "test.appendLine");
+    Connect(model, file, append, "Text");
+    SetConstant(VarOf(model, append, "Out File"), dir.filePath("seen.txt"));
+
+    SequenceControl control;
+    std::vector<double> progress;
+    control.NodeProgress.connect([&](SequenceNode* n, double v) {
+        if (n->GetProcess()->GetName() == it->GetName())
+            progress.push_back(v);
+    });
+    const RunResult r = RunModel(control, model);
+    ASSERT_TRUE(r.finished);
+    EXPECT_EQ(ReadAll(dir.filePath("seen.txt")),
+              (dir.filePath("scenes/a1.tif") + "\n" + dir.filePath("scenes/a2.tif") + "\n" + dir.filePath("scenes/a3.tif") + "\n").toUtf8());
+    EXPECT_EQ(r.log.count("Start Scenes"), 3);
+    EXPECT_EQ(r.log.count("Start Append a line"), 3);
+    EXPECT_TRUE(r.log.endsWith(summary(6, 0)));
+    EXPECT_EQ(r.code, 0); // the last node in list order reported success
+    int code = 0;
+    QString message;
+    control.GetNodes()[0]->GetExecutable()->GetError(code, message);
+    EXPECT_EQ(code, -1);
+    EXPECT_EQ(message, "End of the iteration");
+    EXPECT_TRUE(control.GetNodes()[0]->GetExecutable()->IsSucceeded());
+    ASSERT_EQ(progress.size(), 4u);
+    EXPECT_NEAR(progress[0], 33.33, 0.01);
+    EXPECT_NEAR(progress[1], 66.67, 0.01);
+    EXPECT_EQ(progress[2], 100.0);
+    EXPECT_EQ(progress[3], 100.0);
+    EXPECT_EQ(it->GetIteratorState(), 0); // the model's own iterator is untouched
+}
+
+TEST_P(Engine, FailureInsideAnIterationCostsOnePassOnly)
+{
+    QTemporaryDir dir;
+    for (const char* name : {"a.tif", "b.tif", "c.tif"})
+        WriteAll(dir.filePath(name), name);
+    APCModel model;
+    auto* it = new APCRasterFileIterator;
+    model.AddProcess(it);
+    SetConstant(model.GetVars()[0], QStringLiteral(R"({"%1":{"subdir":"0","enabled":"1"}})").arg(dir.path()));
+    APCVar* file = model.GetVars()[1];
+    APCAlgo* copy = AddAlgo(model, "test.copyText");
+    Connect(model, file, copy, "In File");
+    // b.tif's copy target is a directory: that pass fails, the others go on.
+    QDir(dir.path()).mkdir("out");
+    QDir(dir.path()).mkdir("out/b.tif");
+    APCVar* target = VarOf(model, copy, "Out File");
+    target->SetFunExp("$ReplaceDirectory('" + dir.filePath("out") + "', %" + file->GetName() + "%)");
+
+    SequenceControl control;
+    const RunResult r = RunModel(control, model);
+    ASSERT_TRUE(r.finished);
+    if (!target->GetFun())
+        GTEST_SKIP() << "path expressions not available";
+    EXPECT_EQ(ReadAll(dir.filePath("out/a.tif")), QByteArray("a.tif"));
+    EXPECT_EQ(ReadAll(dir.filePath("out/c.tif")), QByteArray("c.tif"));
+    EXPECT_TRUE(r.log.endsWith(summary(5, 1)));
+}

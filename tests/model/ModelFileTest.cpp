@@ -1,0 +1,205 @@
+#include "engine/APCAlgo.h"
+#include "engine/APCModelFile.h"
+#include "engine/APCRasterFileIterator.h"
+#include "model/APCArrow.h"
+#include "model/APCModel.h"
+#include "model/APCVar.h"
+#include "support/ModelFixtures.h"
+#include "support/TestSupport.h"
+
+#include <QTemporaryDir>
+#include <QTextCodec>
+#include <gtest/gtest.h>
+
+using namespace Plugin;
+using TestSupport::ReadAll;
+using TestSupport::WriteAll;
+
+namespace {
+
+const QByteArray kDeclaration = R"(<?xml version="1.0" encoding="GB2312" standalone="no"?>)";
+
+QByteArray gb(const QString& text)
+{
+    return QTextCodec::codecForName("gb2312")->fromUnicode(text);
+}
+
+// A model with a step of each kind of object and odd positions.
+void fill(APCModel& model)
+{
+    APCAlgo* step = TestSupport::AddAlgo(model, "test.copyText", 12.3456789, -4);
+    TestSupport::SetConstant(TestSupport::VarOf(model, step, "In File"), "/in/数据.txt");
+    APCVar* out = TestSupport::VarOf(model, step, "Out File");
+    out->SetFunExp("$AppendSuffix(%" + TestSupport::VarOf(model, step, "In File")->GetName() + "%, '_x')");
+    out->SetDescription("输出 \"quoted\" <b>&");
+    auto* it = new APCRasterFileIterator;
+    it->SetPos(QPointF(1e7 + 0.5, 3));
+    model.AddProcess(it);
+}
+
+} // namespace
+
+TEST(ModelFile, EmptyModelWritesSkeletonAndReadsBack)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath("empty.apc");
+    APCModel model;
+    ASSERT_TRUE(model.SaveFile(path));
+    const QByteArray expected = kDeclaration + "\n<Configuration>\n    <!--" + gb("算法") +
+                                "-->\n    <Processes/>\n    <!--" + gb("数据") + "-->\n    <Vars/>\n    <!--" +
+                                gb("依赖关系") + "-->\n    <Arrows/>\n</Configuration>\n";
+    EXPECT_EQ(ReadAll(path), expected);
+    APCModel back;
+    ASSERT_TRUE(back.LoadFile(path));
+    EXPECT_TRUE(back.GetProcesses().isEmpty() && back.GetVars().isEmpty() && back.GetArrows().isEmpty());
+}
+
+TEST(ModelFile, SaveLoadSaveIsByteIdentical)
+{
+    QTemporaryDir dir;
+    APCModel model;
+    fill(model);
+    const QString first = dir.filePath("a.apc"), second = dir.filePath("b.apc"), third = dir.filePath("c.apc");
+    ASSERT_TRUE(model.SaveFile(first));
+    APCModel loaded;
+    ASSERT_TRUE(loaded.LoadFile(first));
+    ASSERT_TRUE(loaded.SaveFile(second));
+    APCModel again;
+    ASSERT_TRUE(again.LoadFile(second));
+    ASSERT_TRUE(again.SaveFile(third));
+    EXPECT_EQ(ReadAll(first), ReadAll(second));
+    EXPECT_EQ(ReadAll(second), ReadAll(third));
+
+    const QByteArray bytes = ReadAll(first);
+    EXPECT_TRUE(bytes.startsWith(kDeclaration + "\n"));
+    EXPECT_TRUE(bytes.contains(gb("输出")));  // Chinese text in GB2312 bytes
+    EXPECT_FALSE(bytes.contains("\xe8\xbe\x93")); // not UTF-8
+
+    ASSERT_EQ(loaded.GetVars().size(), 4); // two of the step, two of the iterator
+    APCVar* out = loaded.GetVars()[1];
+    EXPECT_EQ(out->GetDescription(), "输出 \"quoted\" <b>&");
+    EXPECT_EQ(loaded.GetVars()[0]->GetValue(), "/in/数据.txt");
+    EXPECT_EQ(loaded.GetProcesses()[0]->GetPos(), QPointF(12.3457, -4)); // six significant digits
+    EXPECT_EQ(loaded.GetProcesses()[1]->GetPos().x(), 1e7);
+    ASSERT_EQ(loaded.GetArrows().size(), model.GetArrows().size());
+    EXPECT_EQ(loaded.GetArrows()[1]->GetTailParam(), "Out File");
+}
+
+TEST(ModelFile, AttributesFollowTheFileRules)
+{
+    QTemporaryDir dir;
+    APCModel model;
+    fill(model);
+    model.GetVars()[0]->SetFunExp("kept only on computed vars");
+    model.GetVars()[1]->SetValue("kept only on constant vars");
+    const QString path = dir.filePath("m.apc");
+    ASSERT_TRUE(model.SaveFile(path));
+    const QString text = QTextCodec::codecForName("gb2312")->toUnicode(ReadAll(path));
+    EXPECT_FALSE(text.contains("kept only"));
+    EXPECT_TRUE(text.contains(R"(<Var class="file" name=")")) << qPrintable(text);
+    // Arrows: ends first, then the common attributes; the empty painter is written.
+    EXPECT_TRUE(text.contains(QRegExp(R"(<Arrow head="[^"]+" headType="process" headParam="In File" tail="[^"]+" tailType="var" tailParam="" class="arrow" name="[^"]+" posX="0" posY="0" painter=""/>)")));
+    // No description attribute when it is empty.
+    EXPECT_TRUE(text.contains(QRegExp(R"(<Process class="RasterFileIterator" name="[^"]+" posX="1e\+07" posY="3" painter="" processName="">)")));
+    EXPECT_TRUE(text.contains(QRegExp(R"(<Parameter name="strDir" type="multiDirectory" direction="0" value="%\{[^"]+\}%" description="MultiDirectory"/>)")));
+}
+
+TEST(ModelFile, CharactersOutsideGb2312SurviveAsReferences)
+{
+    QTemporaryDir dir;
+    APCModel model;
+    auto* v = new APCVar;
+    v->SetDescription(QString::fromUtf8("naïve café ❤ 𝄞 ü"));
+    model.AddVar(v);
+    ASSERT_TRUE(model.SaveFile(dir.filePath("x.apc")));
+    APCModel back;
+    ASSERT_TRUE(back.LoadFile(dir.filePath("x.apc")));
+    EXPECT_EQ(back.GetVars()[0]->GetDescription(), v->GetDescription());
+}
+
+TEST(ModelFile, ReadsGbkDeclarationAndDamagedInputSafely)
+{
+    QTemporaryDir dir;
+    const QByteArray body = "<Configuration><Processes>"
+                            "<Process class=\"algo\" name=\"{p}\" posX=\"x1\" posY=\"\" painter=\"{bad json\" processName=\"not.installed\">"
+                            "<Parameter name=\"In\" type=\"file\" direction=\"one\" value=\"%{v}%\" description=\"" + gb("输入") + "\"/>"
+                            "</Process><Process class=\"Unknown\" name=\"{u}\"/></Processes>"
+                            "<Vars><Var class=\"file\" name=\"{v}\" constant=\"7\" value=\"c\"/><Var/></Vars>"
+                            "<Arrows><Arrow head=\"{nobody}\" headType=\"process\"/></Arrows></Configuration>";
+    struct Case { const char* name; QByteArray bytes; bool ok; int processes; };
+    const std::vector<Case> cases = {
+        {"GBK declaration", "<?xml version=\"1.0\" encoding=\"GBK\"?>" + body, true, 1},
+        {"GB2312 declaration", kDeclaration + body, true, 1},
+        {"not XML", "this is not xml <", false, 0},
+        {"empty file", "", false, 0},
+        {"wrong root", "<Model><Processes/></Model>", false, 0},
+        {"truncated", (kDeclaration + body).left(120), false, 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const QString path = dir.filePath("damaged.apc");
+        ASSERT_TRUE(WriteAll(path, c.bytes));
+        APCModel model;
+        EXPECT_EQ(model.LoadFile(path), c.ok);
+        EXPECT_EQ(model.GetProcesses().size(), c.processes);
+        if (!c.ok)
+            continue;
+        APCProcess* p = model.GetProcesses()[0];
+        EXPECT_EQ(p->GetPos(), QPointF(0, 0));
+        EXPECT_EQ(p->GetParameters()[0].direction, 0);
+        EXPECT_EQ(p->GetParameters()[0].description, "输入");
+        EXPECT_EQ(p->GetPainter(), "{bad json"); // kept as stored: the algorithm is unknown
+        ASSERT_EQ(model.GetVars().size(), 2);
+        EXPECT_TRUE(model.GetVars()[0]->GetConstant());
+        EXPECT_TRUE(model.GetVars()[1]->GetName().isEmpty()); // a missing name empties the id
+        EXPECT_EQ(model.GetArrows().size(), 1);
+        EXPECT_EQ(model.GetArrows()[0]->GetClass(), "arrow");
+    }
+    APCModel model;
+    EXPECT_FALSE(model.LoadFile(dir.filePath("does-not-exist.apc")));
+    EXPECT_FALSE(model.SaveFile(dir.filePath("no/such/dir/x.apc")));
+}
+
+TEST(ModelFile, LoadAppendsWithoutWiring)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath("m.apc");
+    {
+        APCModel model;
+        fill(model);
+        // The stored value disagrees with the arrow: loading keeps it as stored.
+        for (APCParameter& p : model.GetProcesses()[0]->GetParameters())
+            if (p.name == "In File")
+                p.value = "/literal";
+        ASSERT_TRUE(model.SaveFile(path));
+    }
+    APCModel model;
+    int emitted = 0;
+    model.arrowAdded.connect([&](APCArrow*) { ++emitted; });
+    model.varAdded.connect([&](APCVar*) { ++emitted; });
+    ASSERT_TRUE(model.LoadFile(path));
+    ASSERT_TRUE(model.LoadFile(path));
+    EXPECT_EQ(emitted, 0);
+    EXPECT_EQ(model.GetProcesses().size(), 4);
+    EXPECT_EQ(model.GetVars().size(), 8);
+    EXPECT_EQ(model.GetProcesses()[0]->GetParameter("In File").value, "/literal");
+    for (APCVar* v : model.GetVars())
+        EXPECT_EQ(v->GetModel(), &model);
+}
+
+TEST(ModelFile, StoredAlgoDescriptionAndSizeYieldToTheCatalogue)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath("m.apc");
+    ASSERT_TRUE(WriteAll(path, kDeclaration + "\n<Configuration><Processes>"
+        "<Process class=\"algo\" name=\"{p}\" description=\"mine\" posX=\"1\" posY=\"2\" painter=\"{&quot;width&quot;:&quot;200.000000&quot;}\" processName=\"test.copyText\">"
+        "<Parameter name=\"In File\" type=\"file\" direction=\"0\" value=\"/a\" description=\"In\"/>"
+        "</Process></Processes><Vars/><Arrows/></Configuration>"));
+    APCModel model;
+    ASSERT_TRUE(model.LoadFile(path));
+    APCProcess* p = model.GetProcesses()[0];
+    EXPECT_EQ(p->GetDescription(), "Copy text file");
+    EXPECT_TRUE(p->GetPainter().isEmpty());
+    EXPECT_EQ(p->GetParameter("In File").value, "/a");
+    EXPECT_EQ(p->GetParameter("Out File").name, "Out File"); // added from the catalogue
+}

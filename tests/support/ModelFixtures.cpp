@@ -1,0 +1,74 @@
+#include "support/ModelFixtures.h"
+
+#include "engine/APCAlgo.h"
+#include "model/APCModel.h"
+#include "model/APCVar.h"
+
+namespace TestSupport {
+
+using namespace Plugin;
+
+APCAlgo* AddAlgo(APCModel& model, const QString& algorithm, double x, double y)
+{
+    auto* step = new APCAlgo;
+    step->SetClass(QStringLiteral("algo"));
+    step->SetPos(QPointF(x, y));
+    step->SetProcessName(algorithm);
+    model.AddProcess(step);
+    return step;
+}
+
+APCVar* VarOf(APCModel& model, APCAlgo* step, const QString& param)
+{
+    return model.FindVar(step->GetParameter(param).value.remove(QLatin1Char('%')));
+}
+
+void SetLiteral(APCModel& model, APCAlgo* step, const QString& param, const QString& value)
+{
+    for (APCParameter& p : step->GetParameters())
+        if (p.name == param)
+            p.value = value;
+    model.UpdateProcess(step);
+}
+
+void SetConstant(APCVar* var, const QString& value)
+{
+    var->SetConstant(true);
+    var->SetValue(value);
+}
+
+} // namespace TestSupport
+
+#include "engine/APCLog.h"
+#include "engine/SequenceControl.h"
+#include "support/TestSupport.h"
+
+namespace TestSupport {
+
+void Connect(APCModel& model, APCVar* var, APCAlgo* step, const QString& param)
+{
+    if (APCVar* old = VarOf(model, step, param)) {
+        model.RemoveVar(old);
+        delete old;
+    }
+    SetLiteral(model, step, param, QLatin1Char('%') + var->GetName() + QLatin1Char('%'));
+}
+
+RunResult RunModel(SequenceControl& control, APCModel& model, const QString& name, int timeoutMs)
+{
+    RunResult result;
+    boost::signals2::scoped_connection c =
+        control.NodeFinished.connect([&](SequenceNode* n) { if (!n) ++result.finishes; });
+    model.ResetVarValues();
+    model.ResolveVarValues({});
+    control.SetName(name);
+    control.Build(&model);
+    control.Start();
+    result.finished = WaitUntil([&] { return result.finishes > 0; }, timeoutMs);
+    result.log = control.GetLog()->GetLogText();
+    result.errors = control.GetLog()->GetErrorText();
+    control.GetError(result.code, result.message);
+    return result;
+}
+
+} // namespace TestSupport

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace Plugin {
+class APCAlgo;
+class APCModel;
+class APCVar;
+} // namespace Plugin
+
+namespace TestSupport {
+
+// Adds an algorithm step of the host catalogue at pos; required parameters get
+// their vars and arrows as in the editor.
+Plugin::APCAlgo* AddAlgo(Plugin::APCModel& model, const QString& algorithm, double x = 0, double y = 0);
+// The var wired to the step's parameter, or null.
+Plugin::APCVar* VarOf(Plugin::APCModel& model, Plugin::APCAlgo* step, const QString& param);
+// Sets a parameter's literal value and reconciles the model.
+void SetLiteral(Plugin::APCModel& model, Plugin::APCAlgo* step, const QString& param, const QString& value);
+// Makes the var constant with value.
+void SetConstant(Plugin::APCVar* var, const QString& value);
+
+} // namespace TestSupport
+
+namespace Plugin {
+class SequenceControl;
+}
+
+namespace TestSupport {
+
+// Wires var into the step's input param, dropping the var that served it before.
+void Connect(Plugin::APCModel& model, Plugin::APCVar* var, Plugin::APCAlgo* step, const QString& param);
+
+// What a finished run left behind.
+struct RunResult
+{
+    bool finished = false; // NodeFinished(nullptr) arrived in time
+    int finishes = 0;      // how many times it arrived
+    QString log;
+    QString errors;
+    int code = 0;
+    QString message;
+};
+
+// Prepares the vars, builds and starts control on model as the editor's Run does,
+// and waits (serving this thread's events) for the end of the run.
+RunResult RunModel(Plugin::SequenceControl& control, Plugin::APCModel& model, const QString& name = QStringLiteral("m"),
+              int timeoutMs = 20000);
+
+} // namespace TestSupport
