@@ -1,7 +1,679 @@
 #include "HostRunner/BuiltinAlgorithms.h"
+#include "HostRunner/GdalSupport.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <gdal_alg.h>
+#include <gdal_utils.h>
+#include <ogr_spatialref.h>
+#include <ogrsf_frmts.h>
+
+#include <cmath>
+#include <limits>
+#include <memory>
 
 namespace HostRunner {
 
-void RegisterRasterAlgorithms() {}
+namespace {
+
+using Plugin::AlgoConfig;
+using Plugin::Param;
+
+// Plain arrays, not QStrings: registration may run before this file's dynamic initialisers.
+constexpr char kIn[] = "In File";
+constexpr char kOut[] = "Out File";
+constexpr char kBand[] = "Band";
+
+// NDVI has a range of -1..1, so this cannot be a real value.
+constexpr double kNdviNoData = -9999.0;
+
+template <typename T, void (*Free)(T*)>
+struct OptionsDeleter
+{
+    void operator()(T* options) const { Free(options); }
+};
+using TranslateOptions = std::unique_ptr<GDALTranslateOptions, OptionsDeleter<GDALTranslateOptions, GDALTranslateOptionsFree>>;
+using WarpOptions = std::unique_ptr<GDALWarpAppOptions, OptionsDeleter<GDALWarpAppOptions, GDALWarpAppOptionsFree>>;
+using DemOptions = std::unique_ptr<GDALDEMProcessingOptions, OptionsDeleter<GDALDEMProcessingOptions, GDALDEMProcessingOptionsFree>>;
+using BuildVrtOptions = std::unique_ptr<GDALBuildVRTOptions, OptionsDeleter<GDALBuildVRTOptions, GDALBuildVRTOptionsFree>>;
+
+AlgoConfig rasterConfig(const char* name, const char* displayText, const char* help, QList<Param> params)
+{
+    AlgoConfig c;
+    c.name = QString::fromLatin1(name);
+    c.displayText = QString::fromUtf8(displayText);
+    c.category = QStringLiteral("Raster");
+    c.help = QString::fromUtf8(help);
+    c.params = std::move(params);
+    return c;
+}
+
+Param inRaster(const char* description = "Raster to read")
+{
+    return InputParam(kIn, QStringLiteral("file"), QString::fromUtf8(description), QString::fromLatin1(kRasterInputFilter));
+}
+
+Param outRaster(const char* description)
+{
+    return OutputParam(kOut, QStringLiteral("file"), QString::fromUtf8(description), QString::fromLatin1(kRasterOutputFilter));
+}
+
+Param bandParam(const char* description = "Band to read (1 = first)")
+{
+    return WithDefault(InputParam(kBand, QStringLiteral("int"), QString::fromUtf8(description)), QStringLiteral("1"));
+}
+
+Param number(const char* name, const char* type, const char* description, const char* defaultValue = nullptr)
+{
+    Param p = InputParam(QString::fromLatin1(name), QString::fromLatin1(type), QString::fromUtf8(description));
+    return defaultValue ? WithDefault(p, QString::fromLatin1(defaultValue)) : p;
+}
+
+QByteArray encoded(const QString& path)
+{
+    return QFile::encodeName(path);
+}
+
+QString formatNumber(double value)
+{
+    return QString::number(value, 'g', 12);
+}
+
+QString fileName(const QString& path)
+{
+    return QFileInfo(path).fileName();
+}
+
+// The raster's bounding box xmin, ymin, xmax, ymax; false for an unreferenced or rotated grid.
+bool rasterExtent(GDALDataset& ds, double box[4])
+{
+    double gt[6];
+    if (ds.GetGeoTransform(gt) != CE_None || gt[2] != 0.0 || gt[4] != 0.0)
+        return false;
+    const double x0 = gt[0], x1 = gt[0] + gt[1] * ds.GetRasterXSize();
+    const double y0 = gt[3], y1 = gt[3] + gt[5] * ds.GetRasterYSize();
+    box[0] = std::min(x0, x1);
+    box[1] = std::min(y0, y1);
+    box[2] = std::max(x0, x1);
+    box[3] = std::max(y0, y1);
+    return true;
+}
+
+// Copies source into the output parameter with GDALTranslate and args (format added).
+bool translateInto(GdalJob& job, GDALDataset& source, ToolArgs args, const QString& what)
+{
+    RasterTarget target;
+    if (!target.Prepare(job, kOut, false))
+        return false;
+    args << "-of" << target.ToolFormat();
+    TranslateOptions options(GDALTranslateOptionsNew(args.Argv(), nullptr));
+    if (!options)
+        return job.FailGdal(kBadParameter, QStringLiteral("%1: invalid options").arg(what));
+    GdalProgress progress(job, what);
+    GDALTranslateOptionsSetProgress(options.get(), &GdalProgress::Function, &progress);
+    int usageError = FALSE;
+    GDALDatasetUniquePtr result(GDALDataset::FromHandle(
+        GDALTranslate(target.ToolPath().constData(), GDALDataset::ToHandle(&source), options.get(), &usageError)));
+    if (!result)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("%1 into %2 failed").arg(what, target.Path()));
+    return target.Commit(job, std::move(result));
+}
+
+// Warps sources into the output parameter with GDALWarp and args (format added).
+bool warpInto(GdalJob& job, std::vector<GDALDatasetH> sources, ToolArgs args, const QString& what)
+{
+    RasterTarget target;
+    if (!target.Prepare(job, kOut))
+        return false;
+    args << "-of" << target.ToolFormat();
+    WarpOptions options(GDALWarpAppOptionsNew(args.Argv(), nullptr));
+    if (!options)
+        return job.FailGdal(kBadParameter, QStringLiteral("%1: invalid options").arg(what));
+    GdalProgress progress(job, what, 0.0, 90.0);
+    GDALWarpAppOptionsSetProgress(options.get(), &GdalProgress::Function, &progress);
+    int usageError = FALSE;
+    GDALDatasetUniquePtr result(GDALDataset::FromHandle(GDALWarp(target.ToolPath().constData(), nullptr, int(sources.size()),
+                                                                 sources.data(), options.get(), &usageError)));
+    if (!result)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("%1 into %2 failed").arg(what, target.Path()));
+    return target.Commit(job, std::move(result));
+}
+
+// The WKT of a spatial reference, in the version that keeps everything.
+QByteArray wktOf(const OGRSpatialReference& srs)
+{
+    char* text = nullptr;
+    const char* const options[] = {"FORMAT=WKT2_2018", nullptr};
+    srs.exportToWkt(&text, options);
+    const QByteArray wkt(text ? text : "");
+    CPLFree(text);
+    return wkt;
+}
+
+// ---------------------------------------------------------------------------------
+
+bool runTranslate(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src = job.OpenRaster(in);
+    if (!src)
+        return false;
+    ToolArgs args;
+    if (job.Has(QStringLiteral("Bands"))) {
+        std::vector<int> bands;
+        if (!job.Bands(QStringLiteral("Bands"), src->GetRasterCount(), &bands))
+            return false;
+        for (int b : bands)
+            args << "-b" << double(b);
+    }
+    if (job.Has(QStringLiteral("Extent"))) {
+        std::vector<double> e;
+        if (!job.Doubles(QStringLiteral("Extent"), 4, &e))
+            return false;
+        if (e[0] >= e[2] || e[1] >= e[3])
+            return job.Fail(kBadParameter, QStringLiteral("Extent must be xmin,ymin,xmax,ymax with min below max"));
+        args << "-projwin" << e[0] << e[3] << e[2] << e[1];
+    }
+    if (job.Has(QStringLiteral("Data Type"))) {
+        GDALDataType type = GDT_Unknown;
+        if (!job.DataType(QStringLiteral("Data Type"), &type))
+            return false;
+        args << "-ot" << GDALGetDataTypeName(type);
+    }
+    return translateInto(job, *src, std::move(args), QStringLiteral("Converting %1").arg(fileName(in)));
+}
+
+bool runWarp(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src = job.OpenRaster(in);
+    if (!src)
+        return false;
+    if (!src->GetSpatialRef())
+        return job.Fail(kCannotOpenInput, QStringLiteral("%1 has no spatial reference, so it cannot be reprojected").arg(in));
+    OGRSpatialReference target;
+    QString resampling;
+    if (!job.SpatialRef(QStringLiteral("Target SRS"), &target)
+        || !job.OneOf(QStringLiteral("Resampling"),
+                      {"near", "bilinear", "cubic", "cubicspline", "lanczos", "average", "mode", "min", "max", "med", "q1", "q3", "sum"},
+                      &resampling))
+        return false;
+    ToolArgs args;
+    args << "-t_srs" << wktOf(target) << "-r" << resampling;
+    if (job.Has(QStringLiteral("Resolution"))) {
+        double resolution = 0;
+        if (!job.Double(QStringLiteral("Resolution"), &resolution))
+            return false;
+        if (resolution <= 0)
+            return job.Fail(kBadParameter, QStringLiteral("Resolution must be positive, not %1").arg(resolution));
+        args << "-tr" << resolution << resolution;
+    }
+    return warpInto(job, {GDALDataset::ToHandle(src.get())}, std::move(args),
+                    QStringLiteral("Reprojecting %1").arg(fileName(in)));
+}
+
+bool runClipExtent(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src = job.OpenRaster(in);
+    if (!src)
+        return false;
+    double xmin, ymin, xmax, ymax;
+    if (!job.Double(QStringLiteral("X Min"), &xmin) || !job.Double(QStringLiteral("Y Min"), &ymin)
+        || !job.Double(QStringLiteral("X Max"), &xmax) || !job.Double(QStringLiteral("Y Max"), &ymax))
+        return false;
+    if (xmin >= xmax || ymin >= ymax)
+        return job.Fail(kBadParameter, QStringLiteral("X Min and Y Min must be below X Max and Y Max"));
+    double box[4];
+    if (!rasterExtent(*src, box))
+        return job.Fail(kCannotOpenInput, QStringLiteral("%1 is not a north-up georeferenced raster").arg(in));
+    // Clip to the overlap only: a window past the edge would pad the output with zeros.
+    const double cx0 = std::max(xmin, box[0]), cy0 = std::max(ymin, box[1]);
+    const double cx1 = std::min(xmax, box[2]), cy1 = std::min(ymax, box[3]);
+    if (cx0 >= cx1 || cy0 >= cy1)
+        return job.Fail(kBadParameter, QStringLiteral("The extent %1,%2,%3,%4 does not overlap %5 (%6,%7,%8,%9)")
+                                            .arg(formatNumber(xmin), formatNumber(ymin), formatNumber(xmax), formatNumber(ymax), in,
+                                                 formatNumber(box[0]), formatNumber(box[1]), formatNumber(box[2]), formatNumber(box[3])));
+    ToolArgs args;
+    args << "-projwin" << cx0 << cy1 << cx1 << cy0;
+    return translateInto(job, *src, std::move(args), QStringLiteral("Clipping %1").arg(fileName(in)));
+}
+
+bool runClipByPolygon(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    const QString maskPath = job.Text(QStringLiteral("Mask File"));
+    GDALDatasetUniquePtr src = job.OpenRaster(in);
+    if (!src)
+        return false;
+    GDALDatasetUniquePtr mask = job.OpenVector(maskPath);
+    if (!mask)
+        return false;
+    OGRLayer* layer = job.Layer(*mask, maskPath, QStringLiteral("Layer"));
+    if (!layer)
+        return false;
+    const OGRwkbGeometryType type = wkbFlatten(layer->GetGeomType());
+    if (type != wkbPolygon && type != wkbMultiPolygon && type != wkbUnknown && type != wkbCurvePolygon && type != wkbMultiSurface)
+        return job.Fail(kBadParameter, QStringLiteral("Layer %1 of %2 holds %3 geometries, not polygons")
+                                           .arg(QString::fromUtf8(layer->GetName()), maskPath,
+                                                QString::fromUtf8(OGRGeometryTypeToName(type))));
+    if (layer->GetFeatureCount() == 0)
+        return job.Fail(kBadParameter, QStringLiteral("Layer %1 of %2 holds no polygons").arg(QString::fromUtf8(layer->GetName()), maskPath));
+
+    double noData = 0.0;
+    if (job.Has(QStringLiteral("NoData"))) {
+        if (!job.Double(QStringLiteral("NoData"), &noData))
+            return false;
+    } else {
+        int hasNoData = FALSE;
+        const double v = src->GetRasterBand(1)->GetNoDataValue(&hasNoData);
+        if (hasNoData)
+            noData = v;
+    }
+    ToolArgs args;
+    args << "-cutline" << encoded(maskPath) << "-cl" << QByteArray(layer->GetName()) << "-crop_to_cutline"
+         << "-dstnodata" << noData;
+    return warpInto(job, {GDALDataset::ToHandle(src.get())}, std::move(args),
+                    QStringLiteral("Clipping %1").arg(fileName(in)));
+}
+
+bool runMosaic(GdalJob& job)
+{
+    const QStringList paths = SplitPaths(job.Text(QStringLiteral("In Files")));
+    if (paths.isEmpty())
+        return job.Fail(kBadParameter, QStringLiteral("In Files lists no raster"));
+    std::vector<GDALDatasetUniquePtr> sources;
+    std::vector<GDALDatasetH> handles;
+    for (const QString& path : paths) {
+        GDALDatasetUniquePtr ds = job.OpenRaster(path);
+        if (!ds)
+            return false;
+        if (!sources.empty()) {
+            GDALDataset& first = *sources.front();
+            if (ds->GetRasterCount() != first.GetRasterCount())
+                return job.Fail(kBadParameter, QStringLiteral("Cannot mosaic %1 (%2 band(s)) with %3 (%4 band(s))")
+                                                   .arg(path).arg(ds->GetRasterCount()).arg(paths.front()).arg(first.GetRasterCount()));
+            const OGRSpatialReference* a = first.GetSpatialRef();
+            const OGRSpatialReference* b = ds->GetSpatialRef();
+            if ((a == nullptr) != (b == nullptr) || (a && !a->IsSame(b)))
+                return job.Fail(kBadParameter, QStringLiteral("Cannot mosaic %1 with %2: their spatial references differ; reproject first")
+                                                   .arg(path, paths.front()));
+        }
+        handles.push_back(GDALDataset::ToHandle(ds.get()));
+        sources.push_back(std::move(ds));
+    }
+    ToolArgs vrtArgs;
+    vrtArgs << "-resolution" << "highest";
+    if (job.Has(QStringLiteral("NoData"))) {
+        double noData = 0;
+        if (!job.Double(QStringLiteral("NoData"), &noData))
+            return false;
+        vrtArgs << "-srcnodata" << noData << "-vrtnodata" << noData;
+    }
+    BuildVrtOptions options(GDALBuildVRTOptionsNew(vrtArgs.Argv(), nullptr));
+    int usageError = FALSE;
+    GDALDatasetUniquePtr vrt(GDALDataset::FromHandle(
+        GDALBuildVRT("", int(handles.size()), handles.data(), nullptr, options.get(), &usageError)));
+    if (!vrt)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot combine %1 rasters").arg(paths.size()));
+    return translateInto(job, *vrt, ToolArgs(), QStringLiteral("Mosaicking %1 rasters").arg(paths.size()));
+}
+
+// Runs one gdaldem mode on the band of parameter Band.
+bool runDem(GdalJob& job, const char* mode, ToolArgs args, const QString& what)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src = job.OpenRaster(in);
+    if (!src)
+        return false;
+    int band = 1;
+    if (!job.Int(kBand, &band) || !job.CheckBand(*src, kBand, band))
+        return false;
+    RasterTarget target;
+    if (!target.Prepare(job, kOut, false))
+        return false;
+    args << "-b" << double(band) << "-compute_edges" << "-of" << target.ToolFormat();
+    DemOptions options(GDALDEMProcessingOptionsNew(args.Argv(), nullptr));
+    if (!options)
+        return job.FailGdal(kBadParameter, QStringLiteral("%1: invalid options").arg(what));
+    GdalProgress progress(job, QStringLiteral("%1 of %2").arg(what, fileName(in)));
+    GDALDEMProcessingOptionsSetProgress(options.get(), &GdalProgress::Function, &progress);
+    int usageError = FALSE;
+    GDALDatasetUniquePtr result(GDALDataset::FromHandle(GDALDEMProcessing(
+        target.ToolPath().constData(), GDALDataset::ToHandle(src.get()), mode, nullptr, options.get(), &usageError)));
+    if (!result)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("%1 of %2 failed").arg(what, in));
+    return target.Commit(job, std::move(result));
+}
+
+bool runHillshade(GdalJob& job)
+{
+    double z, scale, azimuth, altitude;
+    if (!job.Double(QStringLiteral("Z Factor"), &z) || !job.Double(QStringLiteral("Scale"), &scale)
+        || !job.Double(QStringLiteral("Azimuth"), &azimuth) || !job.Double(QStringLiteral("Altitude"), &altitude))
+        return false;
+    if (scale <= 0)
+        return job.Fail(kBadParameter, QStringLiteral("Scale must be positive, not %1").arg(scale));
+    if (altitude < 0 || altitude > 90)
+        return job.Fail(kBadParameter, QStringLiteral("Altitude must be between 0 and 90 degrees, not %1").arg(altitude));
+    ToolArgs args;
+    args << "-z" << z << "-s" << scale << "-az" << azimuth << "-alt" << altitude;
+    return runDem(job, "hillshade", std::move(args), QStringLiteral("Hillshade"));
+}
+
+bool runSlope(GdalJob& job)
+{
+    double scale;
+    QString units;
+    if (!job.Double(QStringLiteral("Scale"), &scale) || !job.OneOf(QStringLiteral("Units"), {"degrees", "percent"}, &units))
+        return false;
+    if (scale <= 0)
+        return job.Fail(kBadParameter, QStringLiteral("Scale must be positive, not %1").arg(scale));
+    ToolArgs args;
+    args << "-s" << scale;
+    if (units == QLatin1String("percent"))
+        args << "-p";
+    return runDem(job, "slope", std::move(args), QStringLiteral("Slope"));
+}
+
+bool runAspect(GdalJob& job)
+{
+    return runDem(job, "aspect", ToolArgs(), QStringLiteral("Aspect"));
+}
+
+bool runNdvi(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src = job.OpenRaster(in);
+    if (!src)
+        return false;
+    int red = 0, nir = 0;
+    if (!job.Int(QStringLiteral("Red Band"), &red) || !job.CheckBand(*src, QStringLiteral("Red Band"), red)
+        || !job.Int(QStringLiteral("NIR Band"), &nir) || !job.CheckBand(*src, QStringLiteral("NIR Band"), nir))
+        return false;
+    RasterTarget target;
+    if (!target.Prepare(job, kOut))
+        return false;
+    const int width = src->GetRasterXSize(), height = src->GetRasterYSize();
+    GDALDatasetUniquePtr out = target.Create(job, width, height, 1, GDT_Float32);
+    if (!out)
+        return false;
+    double gt[6];
+    if (src->GetGeoTransform(gt) == CE_None)
+        out->SetGeoTransform(gt);
+    if (const OGRSpatialReference* srs = src->GetSpatialRef())
+        out->SetSpatialRef(srs);
+    GDALRasterBand* outBand = out->GetRasterBand(1);
+    outBand->SetNoDataValue(kNdviNoData);
+
+    GDALRasterBand* redBand = src->GetRasterBand(red);
+    GDALRasterBand* nirBand = src->GetRasterBand(nir);
+    const size_t count = static_cast<size_t>(width);
+    std::vector<double> r(count), n(count), v(count);
+    std::vector<GByte> redValid(count), nirValid(count);
+    GdalProgress progress(job, QStringLiteral("NDVI of %1").arg(fileName(in)), 0.0, 90.0);
+    for (int y = 0; y < height; ++y) {
+        if (redBand->RasterIO(GF_Read, 0, y, width, 1, r.data(), width, 1, GDT_Float64, 0, 0) != CE_None
+            || nirBand->RasterIO(GF_Read, 0, y, width, 1, n.data(), width, 1, GDT_Float64, 0, 0) != CE_None
+            || redBand->GetMaskBand()->RasterIO(GF_Read, 0, y, width, 1, redValid.data(), width, 1, GDT_Byte, 0, 0) != CE_None
+            || nirBand->GetMaskBand()->RasterIO(GF_Read, 0, y, width, 1, nirValid.data(), width, 1, GDT_Byte, 0, 0) != CE_None)
+            return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot read line %1 of %2").arg(y).arg(in));
+        for (size_t x = 0; x < count; ++x) {
+            const double sum = n[x] + r[x];
+            v[x] = redValid[x] && nirValid[x] && sum != 0.0 ? (n[x] - r[x]) / sum : kNdviNoData;
+        }
+        if (outBand->RasterIO(GF_Write, 0, y, width, 1, v.data(), width, 1, GDT_Float64, 0, 0) != CE_None)
+            return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot write %1").arg(target.Path()));
+        progress.Report((y + 1.0) / height);
+    }
+    return target.Commit(job, std::move(out));
+}
+
+// Exact statistics of one band over its valid pixels (mask and no-data respected).
+struct BandStats
+{
+    qint64 valid = 0;
+    qint64 invalid = 0;
+    double min = std::numeric_limits<double>::infinity();
+    double max = -std::numeric_limits<double>::infinity();
+    double sum = 0.0;
+    double mean = 0.0;
+    double m2 = 0.0; // Welford: sum of squared deviations from the running mean
+};
+
+bool computeStats(GdalJob& job, GDALRasterBand& band, GdalProgress& progress, double from, double to, BandStats* stats)
+{
+    const int width = band.GetXSize(), height = band.GetYSize();
+    const size_t count = static_cast<size_t>(width);
+    std::vector<double> values(count);
+    std::vector<GByte> valid(count);
+    for (int y = 0; y < height; ++y) {
+        if (band.RasterIO(GF_Read, 0, y, width, 1, values.data(), width, 1, GDT_Float64, 0, 0) != CE_None
+            || band.GetMaskBand()->RasterIO(GF_Read, 0, y, width, 1, valid.data(), width, 1, GDT_Byte, 0, 0) != CE_None)
+            return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot read line %1 of band %2").arg(y).arg(band.GetBand()));
+        for (size_t x = 0; x < count; ++x) {
+            const double v = values[x];
+            if (!valid[x] || std::isnan(v)) {
+                ++stats->invalid;
+                continue;
+            }
+            ++stats->valid;
+            stats->min = std::min(stats->min, v);
+            stats->max = std::max(stats->max, v);
+            stats->sum += v;
+            const double delta = v - stats->mean;
+            stats->mean += delta / double(stats->valid);
+            stats->m2 += delta * (v - stats->mean);
+        }
+        progress.Report((from + (to - from) * (y + 1.0) / height) / 100.0);
+    }
+    return true;
+}
+
+bool runBandStatistics(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src = job.OpenRaster(in);
+    if (!src)
+        return false;
+    std::vector<int> bands;
+    if (job.Has(kBand)) {
+        int band = 0;
+        if (!job.Int(kBand, &band) || !job.CheckBand(*src, kBand, band))
+            return false;
+        bands.push_back(band);
+    } else {
+        for (int b = 1; b <= src->GetRasterCount(); ++b)
+            bands.push_back(b);
+    }
+    QString out;
+    if (!job.PrepareOutput(kOut, &out))
+        return false;
+
+    QByteArray csv("band,valid_pixels,nodata_pixels,min,max,mean,stddev,sum\n");
+    GdalProgress progress(job, QStringLiteral("Statistics of %1").arg(fileName(in)));
+    const auto number = [](double v) { return QByteArray::number(v, 'g', 12); };
+    for (size_t i = 0; i < bands.size(); ++i) {
+        BandStats s;
+        const double from = 100.0 * double(i) / double(bands.size());
+        const double to = 100.0 * double(i + 1) / double(bands.size());
+        if (!computeStats(job, *src->GetRasterBand(bands[i]), progress, from, to, &s))
+            return false;
+        csv += QByteArray::number(bands[i]) + ',' + QByteArray::number(s.valid) + ',' + QByteArray::number(s.invalid);
+        if (s.valid > 0) {
+            const double stddev = std::sqrt(s.m2 / double(s.valid)); // of the population: every pixel is counted
+            csv += ',' + number(s.min) + ',' + number(s.max) + ',' + number(s.mean) + ',' + number(stddev) + ',' + number(s.sum);
+        } else {
+            csv += ",,,,,";
+        }
+        csv += '\n';
+    }
+    QFile file(out);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(csv) != csv.size() || !file.flush())
+        return job.Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: %2").arg(out, file.errorString()));
+    return true;
+}
+
+bool runPolygonize(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src = job.OpenRaster(in);
+    if (!src)
+        return false;
+    int bandNumber = 1;
+    QString connectedness;
+    const QString fieldName = job.Text(QStringLiteral("Field"));
+    if (!job.Int(kBand, &bandNumber) || !job.CheckBand(*src, kBand, bandNumber)
+        || !job.OneOf(QStringLiteral("Connectedness"), {"4", "8"}, &connectedness))
+        return false;
+    QString out;
+    if (!job.PrepareOutput(kOut, &out))
+        return false;
+    GDALDatasetUniquePtr ds = CreateVectorOutput(job, out);
+    if (!ds)
+        return false;
+    const QString driver = VectorDriverFor(out);
+    GDALRasterBand* band = src->GetRasterBand(bandNumber);
+    const bool floating = GDALDataTypeIsFloating(band->GetRasterDataType());
+    // CreateLayer clones the spatial reference; it only lacks the const.
+    OGRLayer* layer = ds->CreateLayer(QFileInfo(out).completeBaseName().toUtf8().constData(),
+                                      const_cast<OGRSpatialReference*>(src->GetSpatialRef()),
+                                      wkbPolygon, LayerOptionsFor(driver).List());
+    OGRFieldDefn field(fieldName.toUtf8().constData(), floating ? OFTReal : OFTInteger);
+    if (!layer || layer->CreateField(&field) != OGRERR_NONE)
+        return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create layer in %1").arg(out));
+
+    CPLStringList options;
+    if (connectedness == QLatin1String("8"))
+        options.SetNameValue("8CONNECTED", "8");
+    GDALRasterBand* mask = (band->GetMaskFlags() & GMF_ALL_VALID) ? nullptr : band->GetMaskBand();
+    GdalProgress progress(job, QStringLiteral("Polygonizing %1").arg(fileName(in)), 0.0, 95.0);
+    const bool transaction = ds->StartTransaction() == OGRERR_NONE; // GeoPackage is slow without one
+    const int fieldIndex = layer->GetLayerDefn()->GetFieldCount() - 1;
+    const auto polygonize = floating ? GDALFPolygonize : GDALPolygonize;
+    if (polygonize(GDALRasterBand::ToHandle(band), GDALRasterBand::ToHandle(mask), OGRLayer::ToHandle(layer), fieldIndex, options.List(), &GdalProgress::Function, &progress) != CE_None)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("Polygonizing %1 failed").arg(in));
+    if (transaction && ds->CommitTransaction() != OGRERR_NONE)
+        return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot write %1").arg(out));
+    const int failuresBefore = job.Errors().FailureCount();
+    ds.reset();
+    if (job.Errors().FailureCount() > failuresBefore)
+        return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot write %1").arg(out));
+    return true;
+}
+
+} // namespace
+
+void RegisterRasterAlgorithms()
+{
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.translate", "Convert raster",
+                     "Converts a raster to the format of the output's extension, optionally keeping some bands, a window or another data type.",
+                     {inRaster(), outRaster("Converted raster; the extension picks the format (.tif, .img, .asc, .png)"),
+                      Optional(InputParam(QStringLiteral("Bands"), QStringLiteral("string"),
+                                          QStringLiteral("Bands to keep, in output order, e.g. 3,2,1; empty keeps all"))),
+                      Optional(InputParam(QStringLiteral("Extent"), QStringLiteral("string"),
+                                          QStringLiteral("Window to keep as xmin,ymin,xmax,ymax in the raster's coordinates"))),
+                      Optional(InputParam(QStringLiteral("Data Type"), QStringLiteral("string"),
+                                          QStringLiteral("Output data type: Byte, UInt16, Int16, UInt32, Int32, Float32 or Float64")))}),
+        runTranslate);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.warp", "Reproject raster", "Reprojects a raster into another spatial reference.",
+                     {inRaster("Raster to reproject; it must have a spatial reference"),
+                      InputParam(QStringLiteral("Target SRS"), QStringLiteral("spatialReference"),
+                                 QStringLiteral("Spatial reference to reproject into: EPSG code (EPSG:4326), WKT or PROJ string")),
+                      outRaster("Reprojected raster"),
+                      Optional(number("Resolution", "float", "Output pixel size in target units; empty lets GDAL choose")),
+                      WithDefault(InputParam(QStringLiteral("Resampling"), QStringLiteral("string"),
+                                             QStringLiteral("near, bilinear, cubic, cubicspline, lanczos, average, mode, min, max, med, q1, q3 or sum")),
+                                  QStringLiteral("near"))}),
+        runWarp);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.clipExtent", "Clip raster by extent",
+                     "Cuts out the part of a raster inside a rectangle given in the raster's coordinates.",
+                     {inRaster(), number("X Min", "float", "West edge of the rectangle"),
+                      number("Y Min", "float", "South edge of the rectangle"), number("X Max", "float", "East edge of the rectangle"),
+                      number("Y Max", "float", "North edge of the rectangle"), outRaster("Clipped raster")}),
+        runClipExtent);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.clipByPolygon", "Clip raster by polygons",
+                     "Keeps the pixels of a raster inside the polygons of a vector layer and crops to their extent.",
+                     {inRaster(),
+                      InputParam(QStringLiteral("Mask File"), QStringLiteral("file"),
+                                 QStringLiteral("Vector layer with the polygons to keep"), QString::fromLatin1(kVectorInputFilter)),
+                      outRaster("Clipped raster"),
+                      Optional(InputParam(QStringLiteral("Layer"), QStringLiteral("string"),
+                                          QStringLiteral("Layer of the mask file; empty takes the first"))),
+                      Optional(number("NoData", "float",
+                                      "Value of pixels outside the polygons; empty takes the raster's no-data value, else 0"))}),
+        runClipByPolygon);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.mosaic", "Mosaic rasters",
+                     "Merges rasters with the same bands and spatial reference into one; where they overlap, later ones win.",
+                     {InputParam(QStringLiteral("In Files"), QStringLiteral("multiFile"),
+                                 QStringLiteral("Rasters to merge, separated by ';'"), QString::fromLatin1(kRasterInputFilter)),
+                      outRaster("Merged raster"),
+                      Optional(number("NoData", "float", "Value treated as empty in the inputs and written where none covers"))}),
+        runMosaic);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.hillshade", "Hillshade", "Computes a shaded relief (0-255) from an elevation model.",
+                     {inRaster("Elevation model"), bandParam(), outRaster("Shaded relief, Byte"),
+                      number("Z Factor", "float", "Vertical exaggeration", "1"),
+                      number("Scale", "float", "Horizontal units per vertical unit; 111120 for degrees over metres", "1"),
+                      number("Azimuth", "float", "Direction of the light in degrees clockwise from north", "315"),
+                      number("Altitude", "float", "Height of the light above the horizon in degrees", "45")}),
+        runHillshade);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.slope", "Slope", "Computes the slope of an elevation model in degrees or percent.",
+                     {inRaster("Elevation model"), bandParam(), outRaster("Slope, Float32"),
+                      WithDefault(InputParam(QStringLiteral("Units"), QStringLiteral("string"), QStringLiteral("degrees or percent")),
+                                  QStringLiteral("degrees")),
+                      number("Scale", "float", "Horizontal units per vertical unit; 111120 for degrees over metres", "1")}),
+        runSlope);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.aspect", "Aspect",
+                     "Computes the direction each cell of an elevation model faces, in degrees clockwise from north.",
+                     {inRaster("Elevation model"), bandParam(), outRaster("Aspect, Float32; flat cells are no-data")}),
+        runAspect);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.ndvi", "NDVI",
+                     "Computes the normalised difference vegetation index (NIR - red) / (NIR + red) as Float32.",
+                     {inRaster("Multi-band image"), number("Red Band", "int", "Band holding red", "3"),
+                      number("NIR Band", "int", "Band holding near infrared", "4"),
+                      outRaster("NDVI from -1 to 1; -9999 where an input is no-data or both bands are 0")}),
+        runNdvi);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.bandStatistics", "Band statistics",
+                     "Writes exact minimum, maximum, mean, standard deviation and pixel counts of raster bands to a CSV file.",
+                     {inRaster(), Optional(number("Band", "int", "Band to measure; empty measures all")),
+                      OutputParam(kOut, QStringLiteral("file"),
+                                  QStringLiteral("CSV table, one line per band: band,valid_pixels,nodata_pixels,min,max,mean,stddev,sum"),
+                                  QString::fromLatin1(kTableOutputFilter))}),
+        runBandStatistics);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.polygonize", "Polygonize raster",
+                     "Turns areas of equal pixel value into polygons carrying that value.",
+                     {inRaster(), bandParam(),
+                      OutputParam(kOut, QStringLiteral("file"), QStringLiteral("Polygon layer; the extension picks the format"),
+                                  QString::fromLatin1(kVectorOutputFilter)),
+                      WithDefault(InputParam(QStringLiteral("Field"), QStringLiteral("string"),
+                                             QStringLiteral("Name of the field that receives the pixel value")),
+                                  QStringLiteral("value")),
+                      WithDefault(InputParam(QStringLiteral("Connectedness"), QStringLiteral("int"),
+                                             QStringLiteral("4 joins pixels by edges, 8 also by corners")),
+                                  QStringLiteral("4"))}),
+        runPolygonize);
+}
 
 } // namespace HostRunner

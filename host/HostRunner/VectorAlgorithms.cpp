@@ -1,7 +1,344 @@
 #include "HostRunner/BuiltinAlgorithms.h"
+#include "HostRunner/GdalSupport.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <gdal_utils.h>
+#include <ogr_spatialref.h>
+#include <ogrsf_frmts.h>
+
+#include <cmath>
+#include <memory>
 
 namespace HostRunner {
 
-void RegisterVectorAlgorithms() {}
+namespace {
+
+using Plugin::AlgoConfig;
+using Plugin::Param;
+
+// Plain arrays, not QStrings: registration may run before this file's dynamic initialisers.
+constexpr char kIn[] = "In File";
+constexpr char kOut[] = "Out File";
+constexpr char kLayer[] = "Layer";
+
+// A raster as large as this is a wrong resolution, not a request.
+constexpr double kMaxRasterSide = 100000.0;
+
+struct VectorTranslateOptionsDeleter
+{
+    void operator()(GDALVectorTranslateOptions* o) const { GDALVectorTranslateOptionsFree(o); }
+};
+struct RasterizeOptionsDeleter
+{
+    void operator()(GDALRasterizeOptions* o) const { GDALRasterizeOptionsFree(o); }
+};
+using VectorTranslateOptions = std::unique_ptr<GDALVectorTranslateOptions, VectorTranslateOptionsDeleter>;
+using RasterizeOptions = std::unique_ptr<GDALRasterizeOptions, RasterizeOptionsDeleter>;
+
+AlgoConfig vectorConfig(const char* name, const char* displayText, const char* help, QList<Param> params)
+{
+    AlgoConfig c;
+    c.name = QString::fromLatin1(name);
+    c.displayText = QString::fromUtf8(displayText);
+    c.category = QStringLiteral("Vector");
+    c.help = QString::fromUtf8(help);
+    c.params = std::move(params);
+    return c;
+}
+
+Param inVector(const char* description = "Vector layer to read")
+{
+    return InputParam(kIn, QStringLiteral("file"), QString::fromUtf8(description), QString::fromLatin1(kVectorInputFilter));
+}
+
+Param outVector(const char* description)
+{
+    return OutputParam(kOut, QStringLiteral("file"), QString::fromUtf8(description), QString::fromLatin1(kVectorOutputFilter));
+}
+
+Param layerParam()
+{
+    return Optional(InputParam(kLayer, QStringLiteral("string"), QStringLiteral("Layer to read; empty takes the first")));
+}
+
+Param value(const char* name, const char* type, const char* description, const char* defaultValue = nullptr)
+{
+    Param p = InputParam(QString::fromLatin1(name), QString::fromLatin1(type), QString::fromUtf8(description));
+    return defaultValue ? WithDefault(p, QString::fromLatin1(defaultValue)) : p;
+}
+
+QString layerName(OGRLayer& layer)
+{
+    return QString::fromUtf8(layer.GetName());
+}
+
+QStringList fieldNames(OGRLayer& layer)
+{
+    QStringList names;
+    OGRFeatureDefn* defn = layer.GetLayerDefn();
+    for (int i = 0; i < defn->GetFieldCount(); ++i)
+        names << QString::fromUtf8(defn->GetFieldDefn(i)->GetNameRef());
+    return names;
+}
+
+QByteArray wktOf(const OGRSpatialReference& srs)
+{
+    char* text = nullptr;
+    const char* const options[] = {"FORMAT=WKT2_2018", nullptr};
+    srs.exportToWkt(&text, options);
+    const QByteArray wkt(text ? text : "");
+    CPLFree(text);
+    return wkt;
+}
+
+// Copies one layer of source into the output parameter with GDALVectorTranslate and
+// args (format, layer options and the layer's name added).
+bool vectorTranslateInto(GdalJob& job, GDALDataset& source, OGRLayer& layer, ToolArgs args, const QString& what)
+{
+    QString out;
+    if (!job.PrepareOutput(kOut, &out))
+        return false;
+    const QString driver = VectorDriverFor(out);
+    args << "-f" << driver;
+    const CPLStringList layerOptions = LayerOptionsFor(driver);
+    for (int i = 0; i < layerOptions.Count(); ++i)
+        args << "-lco" << layerOptions[i];
+    args << QByteArray(layer.GetName());
+    VectorTranslateOptions options(GDALVectorTranslateOptionsNew(args.Argv(), nullptr));
+    if (!options)
+        return job.FailGdal(kBadParameter, QStringLiteral("%1: invalid options").arg(what));
+    GdalProgress progress(job, what);
+    GDALVectorTranslateOptionsSetProgress(options.get(), &GdalProgress::Function, &progress);
+    GDALDatasetH sourceHandle = GDALDataset::ToHandle(&source);
+    int usageError = FALSE;
+    const QByteArray name = QFile::encodeName(out);
+    GDALDatasetUniquePtr result(GDALDataset::FromHandle(
+        GDALVectorTranslate(name.constData(), nullptr, 1, &sourceHandle, options.get(), &usageError)));
+    if (!result)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("%1 into %2 failed").arg(what, out));
+    const int failuresBefore = job.Errors().FailureCount();
+    result.reset();
+    if (job.Errors().FailureCount() > failuresBefore)
+        return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot write %1").arg(out));
+    return true;
+}
+
+// ---------------------------------------------------------------------------------
+
+bool runTranslate(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src = job.OpenVector(in);
+    if (!src)
+        return false;
+    OGRLayer* layer = job.Layer(*src, in, kLayer);
+    if (!layer)
+        return false;
+    ToolArgs args;
+    if (job.Has(QStringLiteral("Target SRS"))) {
+        OGRSpatialReference target;
+        if (!job.SpatialRef(QStringLiteral("Target SRS"), &target))
+            return false;
+        if (!layer->GetSpatialRef())
+            return job.Fail(kCannotOpenInput, QStringLiteral("Layer %1 of %2 has no spatial reference, so it cannot be reprojected")
+                                                  .arg(layerName(*layer), in));
+        args << "-t_srs" << wktOf(target);
+    }
+    return vectorTranslateInto(job, *src, *layer, std::move(args), QStringLiteral("Converting %1").arg(layerName(*layer)));
+}
+
+bool runAttributeFilter(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src = job.OpenVector(in);
+    if (!src)
+        return false;
+    OGRLayer* layer = job.Layer(*src, in, kLayer);
+    if (!layer)
+        return false;
+    // Try the clause here first: the converter would report a bad one less clearly.
+    const QString where = job.Text(QStringLiteral("Where"));
+    const QByteArray clause = where.toUtf8();
+    if (layer->SetAttributeFilter(clause.constData()) != OGRERR_NONE)
+        return job.FailGdal(kBadParameter, QStringLiteral("Where: invalid filter '%1' for layer %2 (fields: %3)")
+                                               .arg(where, layerName(*layer), fieldNames(*layer).join(QLatin1String(", "))));
+    layer->SetAttributeFilter(nullptr);
+    ToolArgs args;
+    args << "-where" << clause;
+    return vectorTranslateInto(job, *src, *layer, std::move(args), QStringLiteral("Filtering %1").arg(layerName(*layer)));
+}
+
+bool runBuffer(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src = job.OpenVector(in);
+    if (!src)
+        return false;
+    OGRLayer* layer = job.Layer(*src, in, kLayer);
+    if (!layer)
+        return false;
+    double distance = 0;
+    int segments = 8;
+    if (!job.Double(QStringLiteral("Distance"), &distance) || !job.Int(QStringLiteral("Segments"), &segments, 1, 1000))
+        return false;
+    QString out;
+    if (!job.PrepareOutput(kOut, &out))
+        return false;
+    GDALDatasetUniquePtr ds = CreateVectorOutput(job, out);
+    if (!ds)
+        return false;
+    // Multi-polygons throughout: a buffer may split or merge parts, and some formats
+    // refuse a multi-polygon in a polygon layer.
+    OGRLayer* target = ds->CreateLayer(QFileInfo(out).completeBaseName().toUtf8().constData(), layer->GetSpatialRef(),
+                                       wkbMultiPolygon, LayerOptionsFor(VectorDriverFor(out)).List());
+    if (!target)
+        return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create layer in %1").arg(out));
+    OGRFeatureDefn* sourceDefn = layer->GetLayerDefn();
+    std::vector<int> fieldMap;
+    for (int i = 0; i < sourceDefn->GetFieldCount(); ++i) {
+        if (target->CreateField(sourceDefn->GetFieldDefn(i)) != OGRERR_NONE)
+            return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create field %1 in %2")
+                                                        .arg(QString::fromUtf8(sourceDefn->GetFieldDefn(i)->GetNameRef()), out));
+        fieldMap.push_back(target->GetLayerDefn()->GetFieldCount() - 1); // formats may rename, so map by position
+    }
+
+    const bool transaction = ds->StartTransaction() == OGRERR_NONE; // GeoPackage is slow without one
+    const GIntBig total = std::max<GIntBig>(1, layer->GetFeatureCount());
+    GdalProgress progress(job, QStringLiteral("Buffering %1").arg(layerName(*layer)), 0.0, 95.0);
+    GIntBig done = 0;
+    layer->ResetReading();
+    for (OGRFeatureUniquePtr feature(layer->GetNextFeature()); feature; feature.reset(layer->GetNextFeature())) {
+        progress.Report(double(++done) / double(total));
+        const OGRGeometry* geometry = feature->GetGeometryRef();
+        if (!geometry || geometry->IsEmpty())
+            continue;
+        std::unique_ptr<OGRGeometry> buffered(geometry->Buffer(distance, segments));
+        if (!buffered)
+            return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot buffer feature %1 of %2").arg(feature->GetFID()).arg(in));
+        if (buffered->IsEmpty())
+            continue; // shrunk away by a negative distance
+        OGRFeatureUniquePtr result(OGRFeature::CreateFeature(target->GetLayerDefn()));
+        result->SetFrom(feature.get(), fieldMap.data(), TRUE);
+        result->SetGeometryDirectly(OGRGeometryFactory::forceToMultiPolygon(buffered.release()));
+        if (target->CreateFeature(result.get()) != OGRERR_NONE)
+            return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot write feature %1 to %2").arg(feature->GetFID()).arg(out));
+    }
+    if (transaction && ds->CommitTransaction() != OGRERR_NONE)
+        return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot write %1").arg(out));
+    const int failuresBefore = job.Errors().FailureCount();
+    ds.reset();
+    if (job.Errors().FailureCount() > failuresBefore)
+        return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot write %1").arg(out));
+    return true;
+}
+
+bool runRasterize(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src = job.OpenVector(in);
+    if (!src)
+        return false;
+    OGRLayer* layer = job.Layer(*src, in, kLayer);
+    if (!layer)
+        return false;
+    double resolution = 0, noData = 0;
+    GDALDataType type = GDT_Unknown;
+    if (!job.Double(QStringLiteral("Resolution"), &resolution) || !job.Double(QStringLiteral("NoData"), &noData)
+        || !job.DataType(QStringLiteral("Data Type"), &type))
+        return false;
+    if (resolution <= 0)
+        return job.Fail(kBadParameter, QStringLiteral("Resolution must be positive, not %1").arg(resolution));
+
+    ToolArgs args;
+    const QString attribute = job.Text(QStringLiteral("Attribute"));
+    if (!attribute.isEmpty()) {
+        if (layer->GetLayerDefn()->GetFieldIndex(attribute.toUtf8().constData()) < 0)
+            return job.Fail(kBadParameter, QStringLiteral("Attribute: no field '%1' in layer %2 (fields: %3)")
+                                               .arg(attribute, layerName(*layer), fieldNames(*layer).join(QLatin1String(", "))));
+        args << "-a" << attribute;
+    } else {
+        double burn = 1;
+        if (!job.Double(QStringLiteral("Burn Value"), &burn))
+            return false;
+        args << "-burn" << burn;
+    }
+    OGREnvelope extent;
+    if (layer->GetFeatureCount() == 0 || layer->GetExtent(&extent) != OGRERR_NONE)
+        return job.Fail(kCannotOpenInput, QStringLiteral("Layer %1 of %2 holds nothing to rasterize").arg(layerName(*layer), in));
+    // A whole number of pixels from the layer's west and north edges; GDAL's own
+    // choice would add half a pixel all round.
+    const double columns = std::max(1.0, std::ceil((extent.MaxX - extent.MinX) / resolution));
+    const double rows = std::max(1.0, std::ceil((extent.MaxY - extent.MinY) / resolution));
+    if (columns > kMaxRasterSide || rows > kMaxRasterSide)
+        return job.Fail(kBadParameter, QStringLiteral("Resolution %1 would make a raster of %2 x %3 pixels; choose a coarser one")
+                                           .arg(resolution).arg(columns, 0, 'f', 0).arg(rows, 0, 'f', 0));
+
+    RasterTarget target;
+    if (!target.Prepare(job, kOut))
+        return false;
+    args << "-l" << QByteArray(layer->GetName()) << "-te" << extent.MinX << extent.MaxY - rows * resolution
+         << extent.MinX + columns * resolution << extent.MaxY << "-tr" << resolution << resolution << "-a_nodata" << noData
+         << "-init" << noData << "-ot" << GDALGetDataTypeName(type) << "-of" << target.ToolFormat();
+    RasterizeOptions options(GDALRasterizeOptionsNew(args.Argv(), nullptr));
+    if (!options)
+        return job.FailGdal(kBadParameter, QStringLiteral("Rasterize: invalid options"));
+    GdalProgress progress(job, QStringLiteral("Rasterizing %1").arg(layerName(*layer)), 0.0, 90.0);
+    GDALRasterizeOptionsSetProgress(options.get(), &GdalProgress::Function, &progress);
+    int usageError = FALSE;
+    GDALDatasetUniquePtr result(GDALDataset::FromHandle(
+        GDALRasterize(target.ToolPath().constData(), nullptr, GDALDataset::ToHandle(src.get()), options.get(), &usageError)));
+    if (!result)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("Rasterizing %1 into %2 failed").arg(in, target.Path()));
+    return target.Commit(job, std::move(result));
+}
+
+} // namespace
+
+void RegisterVectorAlgorithms()
+{
+    RegisterGdalAlgorithm(
+        vectorConfig("vector.translate", "Convert vector layer",
+                     "Copies a vector layer into the format of the output's extension, optionally reprojecting it.",
+                     {inVector(), outVector("Converted layer; the extension picks the format (.shp, .gpkg, .geojson, .csv)"),
+                      Optional(InputParam(QStringLiteral("Target SRS"), QStringLiteral("spatialReference"),
+                                          QStringLiteral("Spatial reference to reproject into; empty keeps the layer's"))),
+                      layerParam()}),
+        runTranslate);
+
+    RegisterGdalAlgorithm(
+        vectorConfig("vector.attributeFilter", "Select by attribute",
+                     "Copies the features of a vector layer that match an SQL where clause.",
+                     {inVector(),
+                      InputParam(QStringLiteral("Where"), QStringLiteral("string"),
+                                 QStringLiteral("SQL where clause on the layer's fields, e.g. population > 1000 AND type = 'city'")),
+                      outVector("Matching features"), layerParam()}),
+        runAttributeFilter);
+
+    RegisterGdalAlgorithm(
+        vectorConfig("vector.buffer", "Buffer",
+                     "Replaces every geometry of a vector layer by the area within a distance of it, keeping attributes.",
+                     {inVector(),
+                      value("Distance", "float", "Buffer distance in layer units; negative shrinks polygons, which may vanish"),
+                      outVector("Buffered polygons"),
+                      value("Segments", "int", "Segments per quarter circle", "8"), layerParam()}),
+        runBuffer);
+
+    RegisterGdalAlgorithm(
+        vectorConfig("vector.rasterize", "Rasterize",
+                     "Burns the features of a vector layer into a new raster covering the layer, from a field or a fixed value.",
+                     {inVector(),
+                      OutputParam(kOut, QStringLiteral("file"), QStringLiteral("Raster to create; the extension picks the format"),
+                                  QString::fromLatin1(kRasterOutputFilter)),
+                      value("Resolution", "float", "Pixel size in layer units"),
+                      Optional(InputParam(QStringLiteral("Attribute"), QStringLiteral("string"),
+                                          QStringLiteral("Numeric field to burn; empty burns Burn Value"))),
+                      value("Burn Value", "float", "Value burnt where there is no Attribute", "1"),
+                      value("NoData", "float", "Value of pixels no feature covers", "0"),
+                      value("Data Type", "string", "Byte, UInt16, Int16, UInt32, Int32, Float32 or Float64", "Float32"),
+                      layerParam()}),
+        runRasterize);
+}
 
 } // namespace HostRunner

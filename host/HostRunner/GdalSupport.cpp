@@ -1,0 +1,601 @@
+#include "HostRunner/GdalSupport.h"
+
+#include "HostCatalog/AlgoRunContext.h"
+#include "HostCatalog/AlgorithmRegistry.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QRegularExpression>
+
+#include <ogr_spatialref.h>
+#include <ogrsf_frmts.h>
+
+#include <algorithm>
+#include <cmath>
+#include <mutex>
+
+namespace HostRunner {
+
+const char* const kRasterInputFilter = "Rasters (*.tif *.tiff *.img *.vrt *.asc *.png *.jpg);;All files (*)";
+const char* const kRasterOutputFilter = "GeoTIFF (*.tif *.tiff);;Erdas Imagine (*.img);;Arc/Info ASCII grid (*.asc);;"
+                                        "PNG (*.png);;GeoPackage (*.gpkg)";
+const char* const kVectorInputFilter = "Vector layers (*.shp *.gpkg *.geojson *.json *.csv *.kml *.gml *.fgb);;"
+                                       "All files (*)";
+const char* const kVectorOutputFilter = "Shapefile (*.shp);;GeoPackage (*.gpkg);;GeoJSON (*.geojson *.json);;"
+                                        "CSV (*.csv);;FlatGeobuf (*.fgb)";
+const char* const kTableOutputFilter = "CSV (*.csv);;Text (*.txt)";
+
+namespace {
+
+struct ExtensionDriver
+{
+    const char* extension;
+    const char* driver;
+};
+
+const ExtensionDriver kRasterDrivers[] = {
+    {"tif", "GTiff"}, {"tiff", "GTiff"}, {"img", "HFA"},  {"asc", "AAIGrid"},
+    {"png", "PNG"},   {"jpg", "JPEG"},   {"jpeg", "JPEG"}, {"gpkg", "GPKG"},
+};
+
+const ExtensionDriver kVectorDrivers[] = {
+    {"shp", "ESRI Shapefile"}, {"gpkg", "GPKG"}, {"geojson", "GeoJSON"}, {"json", "GeoJSON"},
+    {"csv", "CSV"},            {"kml", "KML"},   {"gml", "GML"},         {"fgb", "FlatGeobuf"},
+    {"tab", "MapInfo File"},   {"sqlite", "SQLite"},
+};
+
+template <size_t N>
+QString driverFor(const QString& path, const ExtensionDriver (&table)[N], const char* fallback)
+{
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    for (const ExtensionDriver& e : table) {
+        if (suffix == QLatin1String(e.extension))
+            return QString::fromLatin1(e.driver);
+    }
+    return QString::fromLatin1(fallback);
+}
+
+QByteArray encoded(const QString& path)
+{
+    return QFile::encodeName(path);
+}
+
+bool isVirtualPath(const QString& path)
+{
+    return path.startsWith(QLatin1String("/vsi"));
+}
+
+// The path as the file system knows it, so that two spellings of one file compare equal.
+QString canonical(const QString& path)
+{
+    const QFileInfo fi(path);
+    const QString c = fi.canonicalFilePath();
+    return c.isEmpty() ? fi.absoluteFilePath() : c;
+}
+
+// Removes a dataset with all its files (a shapefile's sidecars, a GeoTIFF's .aux.xml).
+void deleteDataset(const QString& path)
+{
+    const QByteArray name = encoded(path);
+    if (GDALDriverH driver = GDALIdentifyDriverEx(name.constData(), GDAL_OF_RASTER | GDAL_OF_VECTOR, nullptr, nullptr))
+        GDALDeleteDataset(driver, name.constData());
+    if (QFileInfo::exists(path) || QFileInfo(path).isSymLink())
+        QFile::remove(path);
+}
+
+void ensureGdalRegistered()
+{
+    static std::once_flag once;
+    std::call_once(once, [] { GDALAllRegister(); });
+}
+
+Plugin::Param makeParam(const QString& name, const QString& type, int direction, const QString& description,
+                        const QString& filter)
+{
+    Plugin::Param p;
+    p.name = name;
+    p.type = type;
+    p.direction = direction;
+    p.description = description;
+    QJsonObject typeParam{{QStringLiteral("direction"), QString::number(direction)}};
+    if (!filter.isEmpty())
+        typeParam.insert(QStringLiteral("filter"), filter);
+    p.typeParam = QString::fromUtf8(QJsonDocument(typeParam).toJson(QJsonDocument::Compact));
+    return p;
+}
+
+} // namespace
+
+QString RasterDriverFor(const QString& path)
+{
+    return driverFor(path, kRasterDrivers, "GTiff");
+}
+
+QString VectorDriverFor(const QString& path)
+{
+    return driverFor(path, kVectorDrivers, "ESRI Shapefile");
+}
+
+QStringList SplitPaths(const QString& value)
+{
+    QStringList paths;
+    for (const QString& part : value.split(QLatin1Char(';'))) {
+        const QString path = part.trimmed();
+        if (!path.isEmpty())
+            paths << path;
+    }
+    return paths;
+}
+
+Plugin::Param InputParam(const QString& name, const QString& type, const QString& description, const QString& filter)
+{
+    return makeParam(name, type, 0, description, filter);
+}
+
+Plugin::Param OutputParam(const QString& name, const QString& type, const QString& description, const QString& filter)
+{
+    return makeParam(name, type, 1, description, filter);
+}
+
+Plugin::Param WithDefault(Plugin::Param param, const QString& defaultValue)
+{
+    param.defaultValue = defaultValue;
+    return param;
+}
+
+Plugin::Param Optional(Plugin::Param param, const QString& defaultValue)
+{
+    param.isOptional = true;
+    param.defaultValue = defaultValue;
+    return param;
+}
+
+GDALDatasetUniquePtr CreateVectorOutput(GdalJob& job, const QString& path)
+{
+    const QString format = VectorDriverFor(path);
+    GDALDriver* driver = GetGDALDriverManager()->GetDriverByName(format.toLatin1().constData());
+    if (!driver || !driver->GetMetadataItem(GDAL_DCAP_CREATE)) {
+        job.Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: format %2 is not available").arg(path, format));
+        return nullptr;
+    }
+    const QByteArray name = encoded(path);
+    GDALDatasetUniquePtr ds(driver->Create(name.constData(), 0, 0, 0, GDT_Unknown, nullptr));
+    if (!ds)
+        job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create %1").arg(path));
+    return ds;
+}
+
+CPLStringList LayerOptionsFor(const QString& driver)
+{
+    CPLStringList options;
+    if (driver == QLatin1String("CSV"))
+        options.AddString("GEOMETRY=AS_WKT");
+    return options;
+}
+
+// ---------------------------------------------------------------------------------
+// GdalErrorCapture
+
+GdalErrorCapture::GdalErrorCapture()
+{
+    CPLErrorReset();
+    CPLPushErrorHandlerEx(&GdalErrorCapture::Handler, this);
+    CPLSetCurrentErrorHandlerCatchDebug(FALSE);
+}
+
+GdalErrorCapture::~GdalErrorCapture()
+{
+    CPLPopErrorHandler();
+}
+
+QString GdalErrorCapture::LastMessage() const
+{
+    return m_lastFailure.isEmpty() ? m_lastWarning : m_lastFailure;
+}
+
+void CPL_STDCALL GdalErrorCapture::Handler(CPLErr level, CPLErrorNum, const char* message)
+{
+    auto* self = static_cast<GdalErrorCapture*>(CPLGetErrorHandlerUserData());
+    if (!self || level == CE_Debug || level == CE_None)
+        return;
+    const QString text = QString::fromUtf8(message ? message : "").trimmed();
+    if (level == CE_Warning) {
+        self->m_lastWarning = text;
+    } else {
+        self->m_lastFailure = text;
+        ++self->m_failures;
+    }
+}
+
+// ---------------------------------------------------------------------------------
+// GdalProgress
+
+GdalProgress::GdalProgress(GdalJob& job, const QString& text, double from, double to)
+    : m_job(job), m_text(text), m_from(from), m_to(to)
+{
+}
+
+int CPL_STDCALL GdalProgress::Function(double fraction, const char*, void* self)
+{
+    if (self)
+        static_cast<GdalProgress*>(self)->Report(fraction);
+    return TRUE;
+}
+
+void GdalProgress::Report(double fraction)
+{
+    if (!std::isfinite(fraction))
+        return;
+    const double percent = m_from + (m_to - m_from) * std::clamp(fraction, 0.0, 1.0);
+    const int whole = int(percent);
+    if (whole == m_lastWhole)
+        return;
+    m_lastWhole = whole;
+    m_job.Progress(percent, m_text);
+}
+
+// ---------------------------------------------------------------------------------
+// GdalJob
+
+GdalJob::GdalJob(const Plugin::AlgoConfig& config, const QJsonObject& params, Plugin::AlgoRunContext& ctx)
+    : m_config(config), m_params(params), m_ctx(ctx)
+{
+}
+
+bool GdalJob::CheckRequired()
+{
+    for (const Plugin::Param& p : m_config.params) {
+        if (!p.isOptional && Text(p.name).isEmpty())
+            return Fail(kBadParameter, QStringLiteral("%1 needs a value").arg(p.name));
+    }
+    return true;
+}
+
+QString GdalJob::Text(const QString& name) const
+{
+    const QJsonValue v = m_params.value(name);
+    QString text = v.isDouble() ? QString::number(v.toDouble(), 'g', 17) : v.toString().trimmed();
+    if (!text.isEmpty())
+        return text;
+    for (const Plugin::Param& p : m_config.params) {
+        if (p.name == name)
+            return p.defaultValue.trimmed();
+    }
+    return QString();
+}
+
+bool GdalJob::Int(const QString& name, int* out, int min, int max)
+{
+    bool ok = false;
+    const QString text = Text(name);
+    const int value = text.toInt(&ok);
+    if (!ok)
+        return Fail(kBadParameter, QStringLiteral("%1 must be a whole number, not '%2'").arg(name, text));
+    if (value < min || value > max)
+        return Fail(kBadParameter, QStringLiteral("%1 must be between %2 and %3, not %4").arg(name).arg(min).arg(max).arg(value));
+    *out = value;
+    return true;
+}
+
+bool GdalJob::Double(const QString& name, double* out)
+{
+    bool ok = false;
+    const QString text = Text(name);
+    const double value = text.toDouble(&ok);
+    if (!ok || !std::isfinite(value))
+        return Fail(kBadParameter, QStringLiteral("%1 must be a number, not '%2'").arg(name, text));
+    *out = value;
+    return true;
+}
+
+bool GdalJob::Doubles(const QString& name, int count, std::vector<double>* out)
+{
+    const QString text = Text(name);
+    const QStringList parts = text.split(QRegularExpression(QStringLiteral("[,\\s]+")), Qt::SkipEmptyParts);
+    std::vector<double> values;
+    for (const QString& part : parts) {
+        bool ok = false;
+        const double v = part.toDouble(&ok);
+        if (!ok || !std::isfinite(v))
+            break;
+        values.push_back(v);
+    }
+    if (int(values.size()) != count || parts.size() != count)
+        return Fail(kBadParameter, QStringLiteral("%1 must be %2 numbers separated by commas, not '%3'").arg(name).arg(count).arg(text));
+    *out = std::move(values);
+    return true;
+}
+
+bool GdalJob::Bands(const QString& name, int bandCount, std::vector<int>* out)
+{
+    const QString text = Text(name);
+    std::vector<int> bands;
+    for (const QString& part : text.split(QRegularExpression(QStringLiteral("[,\\s]+")), Qt::SkipEmptyParts)) {
+        bool ok = false;
+        const int band = part.toInt(&ok);
+        if (!ok)
+            return Fail(kBadParameter, QStringLiteral("%1 must list band numbers separated by commas, not '%2'").arg(name, text));
+        if (band < 1 || band > bandCount)
+            return Fail(kBadParameter, QStringLiteral("%1: band %2 does not exist; the raster has %3 band(s)").arg(name).arg(band).arg(bandCount));
+        bands.push_back(band);
+    }
+    *out = std::move(bands);
+    return true;
+}
+
+bool GdalJob::OneOf(const QString& name, const QStringList& allowed, QString* out)
+{
+    const QString text = Text(name);
+    for (const QString& a : allowed) {
+        if (a.compare(text, Qt::CaseInsensitive) == 0) {
+            *out = a;
+            return true;
+        }
+    }
+    return Fail(kBadParameter, QStringLiteral("%1 must be one of %2, not '%3'").arg(name, allowed.join(QLatin1String(", ")), text));
+}
+
+bool GdalJob::SpatialRef(const QString& name, OGRSpatialReference* out)
+{
+    QString text = Text(name);
+    bool isNumber = false;
+    text.toInt(&isNumber);
+    if (isNumber)
+        text.prepend(QLatin1String("EPSG:")); // a bare code is the common shorthand
+    out->SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
+    const QByteArray input = text.toUtf8();
+    if (out->SetFromUserInput(input.constData(), OGRSpatialReference::SET_FROM_USER_INPUT_LIMITATIONS_get()) != OGRERR_NONE)
+        return Fail(kBadParameter, QStringLiteral("%1: unknown spatial reference '%2'").arg(name, Text(name)));
+    return true;
+}
+
+bool GdalJob::DataType(const QString& name, GDALDataType* out)
+{
+    const QString text = Text(name);
+    const GDALDataType type = GDALGetDataTypeByName(text.toLatin1().constData());
+    if (type == GDT_Unknown || GDALDataTypeIsComplex(type))
+        return Fail(kBadParameter, QStringLiteral("%1 must be Byte, UInt16, Int16, UInt32, Int32, Float32 or Float64, not '%2'").arg(name, text));
+    *out = type;
+    return true;
+}
+
+GDALDatasetUniquePtr GdalJob::OpenRaster(const QString& path)
+{
+    if (!isVirtualPath(path) && !QFileInfo::exists(path)) {
+        Fail(kCannotOpenInput, QStringLiteral("Cannot open raster %1: no such file").arg(path));
+        return nullptr;
+    }
+    const QByteArray name = encoded(path);
+    GDALDatasetUniquePtr ds(GDALDataset::Open(name.constData(), GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR));
+    if (!ds) {
+        FailGdal(kCannotOpenInput, QStringLiteral("Cannot open raster %1").arg(path));
+        return nullptr;
+    }
+    m_inputs << canonical(path);
+    return ds;
+}
+
+GDALDatasetUniquePtr GdalJob::OpenVector(const QString& path)
+{
+    if (!isVirtualPath(path) && !QFileInfo::exists(path)) {
+        Fail(kCannotOpenInput, QStringLiteral("Cannot open vector layer %1: no such file").arg(path));
+        return nullptr;
+    }
+    const QByteArray name = encoded(path);
+    GDALDatasetUniquePtr ds(GDALDataset::Open(name.constData(), GDAL_OF_VECTOR | GDAL_OF_VERBOSE_ERROR));
+    if (!ds) {
+        FailGdal(kCannotOpenInput, QStringLiteral("Cannot open vector layer %1").arg(path));
+        return nullptr;
+    }
+    m_inputs << canonical(path);
+    return ds;
+}
+
+bool GdalJob::CheckBand(GDALDataset& raster, const QString& name, int band)
+{
+    if (band >= 1 && band <= raster.GetRasterCount())
+        return true;
+    return Fail(kBadParameter, QStringLiteral("%1 %2 does not exist: %3 has %4 band(s)")
+                                   .arg(name).arg(band)
+                                   .arg(QFile::decodeName(raster.GetDescription()))
+                                   .arg(raster.GetRasterCount()));
+}
+
+OGRLayer* GdalJob::Layer(GDALDataset& dataset, const QString& path, const QString& layerName)
+{
+    const QString wanted = Text(layerName);
+    if (wanted.isEmpty()) {
+        if (dataset.GetLayerCount() > 0)
+            return dataset.GetLayer(0);
+        Fail(kCannotOpenInput, QStringLiteral("%1 holds no vector layer").arg(path));
+        return nullptr;
+    }
+    const QByteArray name = wanted.toUtf8();
+    if (OGRLayer* layer = dataset.GetLayerByName(name.constData()))
+        return layer;
+    QStringList names;
+    for (int i = 0; i < dataset.GetLayerCount(); ++i)
+        names << QString::fromUtf8(dataset.GetLayer(i)->GetName());
+    Fail(kBadParameter, QStringLiteral("%1: no layer '%2' in %3 (it has %4)")
+                            .arg(layerName, wanted, path, names.join(QLatin1String(", "))));
+    return nullptr;
+}
+
+bool GdalJob::IsInput(const QString& path) const
+{
+    return m_inputs.contains(canonical(path));
+}
+
+bool GdalJob::PrepareOutput(const QString& name, QString* path)
+{
+    const QString text = Text(name);
+    if (text.isEmpty())
+        return Fail(kBadParameter, QStringLiteral("%1 needs a value").arg(name));
+    const QFileInfo file(text);
+    const QFileInfo folder(file.absolutePath());
+    if (folder.exists() && !folder.isDir())
+        return Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: %2 is not a folder").arg(text, folder.filePath()));
+    if (!folder.isDir())
+        return Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: folder %2 does not exist").arg(text, folder.filePath()));
+    if (!folder.isWritable())
+        return Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: folder %2 is not writable").arg(text, folder.filePath()));
+    if (file.isDir())
+        return Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: it is a folder").arg(text));
+    if (IsInput(text))
+        return Fail(kBadParameter, QStringLiteral("%1 %2 is also an input; choose another output").arg(name, text));
+    if (file.exists() || file.isSymLink()) {
+        deleteDataset(file.absoluteFilePath());
+        if (QFileInfo::exists(file.absoluteFilePath()))
+            return Fail(kCannotWriteOutput, QStringLiteral("Cannot replace existing %1").arg(text));
+    }
+    m_outputs << file.absoluteFilePath();
+    *path = text;
+    return true;
+}
+
+void GdalJob::RemoveOutputs()
+{
+    for (const QString& path : qAsConst(m_outputs)) {
+        if (QFileInfo::exists(path))
+            deleteDataset(path);
+    }
+    m_outputs.clear();
+}
+
+bool GdalJob::Fail(int code, const QString& message)
+{
+    return m_ctx.Fail(code, message);
+}
+
+bool GdalJob::FailGdal(int code, const QString& message)
+{
+    // GDAL often starts with the file name, which the message already gives.
+    static const QRegularExpression leadingPath(QStringLiteral("^(?:`([^']+)'|(/[^:]+):)\\s+"));
+    QString detail = m_errors.LastMessage();
+    const QRegularExpressionMatch m = leadingPath.match(detail);
+    if (m.hasMatch() && message.contains(m.captured(1) + m.captured(2)))
+        detail.remove(0, m.capturedLength());
+    return Fail(code, detail.isEmpty() ? message : QStringLiteral("%1: %2").arg(message, detail));
+}
+
+void GdalJob::Progress(double percent, const QString& text)
+{
+    m_lastPercent = std::max(percent, m_lastPercent);
+    m_ctx.Progress(m_lastPercent, text);
+}
+
+// ---------------------------------------------------------------------------------
+// RasterTarget
+
+bool RasterTarget::Prepare(GdalJob& job, const QString& name, bool allowStaging)
+{
+    if (!job.PrepareOutput(name, &m_path))
+        return false;
+    m_driver = RasterDriverFor(m_path);
+    GDALDriver* driver = GetGDALDriverManager()->GetDriverByName(m_driver.toLatin1().constData());
+    if (!driver)
+        return job.Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: format %2 is not available").arg(m_path, m_driver));
+    m_staged = allowStaging && driver->GetMetadataItem(GDAL_DCAP_CREATE) == nullptr;
+    return true;
+}
+
+QByteArray RasterTarget::ToolFormat() const
+{
+    return m_staged ? QByteArray("MEM") : m_driver.toLatin1();
+}
+
+QByteArray RasterTarget::ToolPath() const
+{
+    return m_staged ? QByteArray() : encoded(m_path);
+}
+
+GDALDatasetUniquePtr RasterTarget::Create(GdalJob& job, int width, int height, int bands, GDALDataType type)
+{
+    const QByteArray format = ToolFormat();
+    GDALDriver* driver = GetGDALDriverManager()->GetDriverByName(format.constData());
+    GDALDatasetUniquePtr ds(driver ? driver->Create(ToolPath().constData(), width, height, bands, type, nullptr) : nullptr);
+    if (!ds)
+        job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create %1").arg(m_path));
+    return ds;
+}
+
+bool RasterTarget::Commit(GdalJob& job, GDALDatasetUniquePtr dataset, double from, double to)
+{
+    if (!dataset)
+        return job.Fail(kProcessingFailed, QStringLiteral("Nothing to write to %1").arg(m_path));
+    const int failuresBefore = job.Errors().FailureCount();
+    if (m_staged) {
+        GDALDriver* driver = GetGDALDriverManager()->GetDriverByName(m_driver.toLatin1().constData());
+        GdalProgress progress(job, QStringLiteral("Writing %1").arg(QFileInfo(m_path).fileName()), from, to);
+        const QByteArray name = encoded(m_path);
+        GDALDatasetUniquePtr copy(driver->CreateCopy(name.constData(), dataset.get(), FALSE, nullptr,
+                                                     &GdalProgress::Function, &progress));
+        dataset.reset();
+        if (!copy)
+            return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot write %1").arg(m_path));
+    } else {
+        dataset.reset(); // closing flushes the last blocks
+    }
+    if (job.Errors().FailureCount() > failuresBefore)
+        return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot write %1").arg(m_path));
+    return true;
+}
+
+// ---------------------------------------------------------------------------------
+// ToolArgs
+
+ToolArgs& ToolArgs::operator<<(const char* text)
+{
+    m_args.emplace_back(text);
+    return *this;
+}
+
+ToolArgs& ToolArgs::operator<<(const QString& text)
+{
+    m_args.push_back(text.toUtf8());
+    return *this;
+}
+
+ToolArgs& ToolArgs::operator<<(const QByteArray& text)
+{
+    m_args.push_back(text);
+    return *this;
+}
+
+ToolArgs& ToolArgs::operator<<(double value)
+{
+    m_args.push_back(QByteArray::number(value, 'g', 17));
+    return *this;
+}
+
+char** ToolArgs::Argv()
+{
+    m_argv.clear();
+    for (QByteArray& a : m_args)
+        m_argv.push_back(a.data());
+    m_argv.push_back(nullptr);
+    return m_argv.data();
+}
+
+// ---------------------------------------------------------------------------------
+
+void RegisterGdalAlgorithm(const Plugin::AlgoConfig& config, GdalRunFn run)
+{
+    Plugin::AlgorithmRegistry::Instance().Register(
+        config, [config, run](const QJsonObject& params, Plugin::AlgoRunContext& ctx) {
+            ensureGdalRegistered();
+            GdalJob job(config, params, ctx);
+            job.Progress(0.0, config.displayText);
+            if (!job.CheckRequired() || !run(job)) {
+                job.RemoveOutputs();
+                return false;
+            }
+            if (job.LastProgress() < 100.0)
+                job.Progress(100.0, QStringLiteral("Done"));
+            return true;
+        });
+}
+
+} // namespace HostRunner

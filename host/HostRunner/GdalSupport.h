@@ -1,0 +1,222 @@
+#pragma once
+
+// What the GDAL algorithms share: output formats by extension, catalogue helpers,
+// per-call error capture, the progress bridge and the checks every run needs.
+// Internal to HostRunner.
+
+#include "HostCatalog/AlgoConfig.h"
+
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+
+#include <cpl_error.h>
+#include <cpl_string.h>
+#include <gdal_priv.h>
+
+#include <climits>
+#include <functional>
+#include <vector>
+
+class OGRLayer;
+class OGRSpatialReference;
+
+namespace Plugin {
+class AlgoRunContext;
+}
+
+namespace HostRunner {
+
+// The error codes of every GDAL algorithm.
+enum GdalErrorCode {
+    kBadParameter = 20,      // a value is missing, malformed or out of range
+    kCannotOpenInput = 21,   // an input does not open or lacks what the algorithm needs
+    kCannotWriteOutput = 22, // the output cannot be created, replaced or written
+    kProcessingFailed = 23,  // GDAL failed while processing valid input
+};
+
+// Name filters for the catalogue's file widgets. Plain C strings: registration runs
+// during static initialisation, before any QString constant of another file exists.
+extern const char* const kRasterInputFilter;
+extern const char* const kRasterOutputFilter;
+extern const char* const kVectorInputFilter;
+extern const char* const kVectorOutputFilter;
+extern const char* const kTableOutputFilter;
+
+// The GDAL driver for an output path, from its extension: GTiff, resp. ESRI Shapefile,
+// when the extension is unknown or missing.
+QString RasterDriverFor(const QString& path);
+QString VectorDriverFor(const QString& path);
+
+// The paths of a "multiFile" value: separated by ';', blanks dropped.
+QStringList SplitPaths(const QString& value);
+
+// Catalogue parameters. A file parameter's filter goes into its typeParam.
+Plugin::Param InputParam(const QString& name, const QString& type, const QString& description,
+                         const QString& filter = QString());
+Plugin::Param OutputParam(const QString& name, const QString& type, const QString& description,
+                          const QString& filter);
+Plugin::Param WithDefault(Plugin::Param param, const QString& defaultValue);
+Plugin::Param Optional(Plugin::Param param, const QString& defaultValue = QString());
+
+// Collects the GDAL errors raised on the calling thread while it lives, instead of
+// letting GDAL print them. GDAL's handler stack is per thread, so concurrent runs
+// do not see each other's errors. Debug messages pass through to the previous handler.
+class GdalErrorCapture
+{
+public:
+    GdalErrorCapture();
+    ~GdalErrorCapture();
+    GdalErrorCapture(const GdalErrorCapture&) = delete;
+    GdalErrorCapture& operator=(const GdalErrorCapture&) = delete;
+
+    // The last failure's text, else the last warning's; empty when GDAL said nothing.
+    QString LastMessage() const;
+    // How many failures were raised so far: compare before and after a call.
+    int FailureCount() const { return m_failures; }
+
+private:
+    static void CPL_STDCALL Handler(CPLErr level, CPLErrorNum number, const char* message);
+
+    QString m_lastFailure;
+    QString m_lastWarning;
+    int m_failures = 0;
+};
+
+class GdalJob;
+
+// Forwards a GDAL progress (0..1) to the job as [from, to] percent, at most once per
+// whole percent. Pass Function() and this to GDAL's *SetProgress / pfnProgress.
+class GdalProgress
+{
+public:
+    GdalProgress(GdalJob& job, const QString& text, double from = 0.0, double to = 100.0);
+
+    static int CPL_STDCALL Function(double fraction, const char* message, void* self);
+    void Report(double fraction);
+
+private:
+    GdalJob& m_job;
+    QString m_text;
+    double m_from;
+    double m_to;
+    int m_lastWhole = -1;
+};
+
+// One run of a GDAL algorithm: its parameters with the catalogue's defaults, its
+// error capture, and the checks every algorithm needs. A failing check records a
+// code and a message naming the parameter or file in the run context and returns
+// false (or null), so algorithms can simply return.
+class GdalJob
+{
+public:
+    GdalJob(const Plugin::AlgoConfig& config, const QJsonObject& params, Plugin::AlgoRunContext& ctx);
+
+    // Fails for the first required parameter without a value.
+    bool CheckRequired();
+
+    // The trimmed value of name, or its default when the value is empty.
+    QString Text(const QString& name) const;
+    bool Has(const QString& name) const { return !Text(name).isEmpty(); }
+    bool Int(const QString& name, int* out, int min = INT_MIN, int max = INT_MAX);
+    bool Double(const QString& name, double* out);
+    // count numbers separated by ',' (or blanks).
+    bool Doubles(const QString& name, int count, std::vector<double>* out);
+    // Band numbers separated by ',' (or blanks), each in 1..bandCount.
+    bool Bands(const QString& name, int bandCount, std::vector<int>* out);
+    // One of allowed, compared case-insensitively; out gets the allowed spelling.
+    bool OneOf(const QString& name, const QStringList& allowed, QString* out);
+    // An EPSG code, WKT or PROJ string; files and network look-ups are refused.
+    bool SpatialRef(const QString& name, OGRSpatialReference* out);
+    bool DataType(const QString& name, GDALDataType* out);
+
+    // Opens an input read-only; remembers its path so no output can overwrite it.
+    GDALDatasetUniquePtr OpenRaster(const QString& path);
+    GDALDatasetUniquePtr OpenVector(const QString& path);
+    // Fails unless band (taken from parameter name) exists in raster.
+    bool CheckBand(GDALDataset& raster, const QString& name, int band);
+    // The layer named by parameter layerName, or the first one. Owned by dataset.
+    OGRLayer* Layer(GDALDataset& dataset, const QString& path, const QString& layerName);
+
+    // The output path of parameter name, ready to be written: its folder exists and is
+    // writable, it is no input, and what was there (a shapefile with its sidecars) is
+    // gone. Call after opening the inputs.
+    bool PrepareOutput(const QString& name, QString* path);
+
+    bool Fail(int code, const QString& message);
+    // Fails with GDAL's last message appended, when there is one.
+    bool FailGdal(int code, const QString& message);
+    const GdalErrorCapture& Errors() const { return m_errors; }
+    // Deletes the outputs PrepareOutput handed out, so a failed run leaves no half file.
+    void RemoveOutputs();
+
+    // Reports progress, never going backwards.
+    void Progress(double percent, const QString& text = QString());
+    double LastProgress() const { return m_lastPercent; }
+
+private:
+    bool IsInput(const QString& path) const;
+
+    const Plugin::AlgoConfig& m_config;
+    const QJsonObject& m_params;
+    Plugin::AlgoRunContext& m_ctx;
+    GdalErrorCapture m_errors;
+    QStringList m_inputs;  // canonical paths
+    QStringList m_outputs; // absolute paths
+    double m_lastPercent = -1.0;
+};
+
+// A raster output made with Create when its format can, else built in memory and
+// copied into the file by Commit(), for formats such as PNG or AAIGrid that only copy.
+class RasterTarget
+{
+public:
+    // Resolves output parameter name as GdalJob::PrepareOutput does, and its format.
+    // allowStaging false: the caller's utility copies into copy-only formats itself.
+    bool Prepare(GdalJob& job, const QString& name, bool allowStaging = true);
+
+    const QString& Path() const { return m_path; }
+    // What a GDAL utility writes with: the file's format and path, or MEM when staged.
+    QByteArray ToolFormat() const;
+    QByteArray ToolPath() const;
+    GDALDatasetUniquePtr Create(GdalJob& job, int width, int height, int bands, GDALDataType type);
+    // Writes out a dataset made by Create or by a utility given ToolFormat/ToolPath,
+    // and closes it; a staged one is copied with progress in [from, to].
+    bool Commit(GdalJob& job, GDALDatasetUniquePtr dataset, double from = 90.0, double to = 100.0);
+
+private:
+    QString m_path;
+    QString m_driver;
+    bool m_staged = false;
+};
+
+// Creates the vector dataset at a path from GdalJob::PrepareOutput, in the format of
+// its extension; null (and the job failed) when the format cannot be created.
+GDALDatasetUniquePtr CreateVectorOutput(GdalJob& job, const QString& path);
+
+// Layer creation options a vector format needs for our outputs (CSV keeps geometry).
+CPLStringList LayerOptionsFor(const QString& driver);
+
+// Runs a GDAL utility's arguments; owns the strings. Values may be QStrings (UTF-8).
+class ToolArgs
+{
+public:
+    ToolArgs& operator<<(const char* text);
+    ToolArgs& operator<<(const QString& text);
+    ToolArgs& operator<<(const QByteArray& text);
+    ToolArgs& operator<<(double value);
+    // A null-terminated argv for the *OptionsNew functions; valid while this lives.
+    char** Argv();
+
+private:
+    std::vector<QByteArray> m_args;
+    std::vector<char*> m_argv;
+};
+
+using GdalRunFn = std::function<bool(GdalJob& job)>;
+
+// Registers an algorithm whose runs get a GdalJob: GDAL's drivers registered, errors
+// captured for the call, required parameters checked, and 100 % reported on success.
+void RegisterGdalAlgorithm(const Plugin::AlgoConfig& config, GdalRunFn run);
+
+} // namespace HostRunner

@@ -1,0 +1,261 @@
+#include "host/GdalTestData.h"
+
+#include "HostRunner/ExcuteAlgo.h"
+#include "HostRunner/RunRecord.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+
+#include <gdal_priv.h>
+#include <ogr_spatialref.h>
+#include <ogrsf_frmts.h>
+
+#include <cstring>
+#include <memory>
+#include <mutex>
+
+namespace GdalTestData {
+
+namespace {
+
+void registerOnce()
+{
+    static std::once_flag once;
+    std::call_once(once, [] { GDALAllRegister(); });
+}
+
+QByteArray name(const QString& path)
+{
+    return QFile::encodeName(path);
+}
+
+int epsgOf(const OGRSpatialReference* srs)
+{
+    if (!srs)
+        return 0;
+    OGRSpatialReference copy(*srs);
+    const char* code = copy.GetAuthorityCode(nullptr);
+    if (!code && copy.AutoIdentifyEPSG() == OGRERR_NONE)
+        code = copy.GetAuthorityCode(nullptr);
+    if (code)
+        return std::atoi(code);
+    int count = 0;
+    int* confidence = nullptr;
+    OGRSpatialReferenceH* matches = copy.FindMatches(nullptr, &count, &confidence);
+    int epsg = 0;
+    if (count > 0 && confidence[0] >= 90) {
+        const char* c = OSRGetAuthorityCode(matches[0], nullptr);
+        epsg = c ? std::atoi(c) : 0;
+    }
+    OSRFreeSRSArray(matches);
+    CPLFree(confidence);
+    return epsg;
+}
+
+QString vectorDriver(const QString& path)
+{
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    if (suffix == QLatin1String("gpkg"))
+        return QStringLiteral("GPKG");
+    if (suffix == QLatin1String("geojson") || suffix == QLatin1String("json"))
+        return QStringLiteral("GeoJSON");
+    return QStringLiteral("ESRI Shapefile");
+}
+
+int onProgress(double percent, const char*, void* user)
+{
+    static_cast<RunResult*>(user)->progress.push_back(percent);
+    return 1;
+}
+
+} // namespace
+
+bool WriteRaster(const QString& path, const Grid& grid, const PixelFn& value)
+{
+    registerOnce();
+    GDALDriver* driver = GetGDALDriverManager()->GetDriverByName("GTiff");
+    GDALDatasetUniquePtr ds(driver->Create(name(path).constData(), grid.width, grid.height, grid.bands,
+                                           GDALGetDataTypeByName(grid.dataType), nullptr));
+    if (!ds)
+        return false;
+    double gt[6] = {grid.originX, grid.pixelSize, 0.0, grid.originY, 0.0, -grid.pixelSize};
+    ds->SetGeoTransform(gt);
+    if (grid.epsg) {
+        OGRSpatialReference srs;
+        srs.importFromEPSG(grid.epsg);
+        ds->SetSpatialRef(&srs);
+    }
+    std::vector<double> row(static_cast<size_t>(grid.width));
+    for (int b = 1; b <= grid.bands; ++b) {
+        GDALRasterBand* band = ds->GetRasterBand(b);
+        if (grid.hasNoData)
+            band->SetNoDataValue(grid.noData);
+        for (int y = 0; y < grid.height; ++y) {
+            for (int x = 0; x < grid.width; ++x)
+                row[static_cast<size_t>(x)] = value(b, x, y);
+            if (band->RasterIO(GF_Write, 0, y, grid.width, 1, row.data(), grid.width, 1, GDT_Float64, 0, 0) != CE_None)
+                return false;
+        }
+    }
+    return true;
+}
+
+RasterInfo ReadRasterInfo(const QString& path)
+{
+    registerOnce();
+    RasterInfo info;
+    GDALDatasetUniquePtr ds(GDALDataset::Open(name(path).constData(), GDAL_OF_RASTER));
+    if (!ds || ds->GetRasterCount() == 0)
+        return info;
+    info.ok = true;
+    info.driver = QString::fromLatin1(ds->GetDriver()->GetDescription());
+    info.width = ds->GetRasterXSize();
+    info.height = ds->GetRasterYSize();
+    info.bands = ds->GetRasterCount();
+    info.dataType = QString::fromLatin1(GDALGetDataTypeName(ds->GetRasterBand(1)->GetRasterDataType()));
+    double gt[6];
+    if (ds->GetGeoTransform(gt) == CE_None)
+        info.geoTransform.assign(gt, gt + 6);
+    info.epsg = epsgOf(ds->GetSpatialRef());
+    int hasNoData = FALSE;
+    info.noData = ds->GetRasterBand(1)->GetNoDataValue(&hasNoData);
+    info.hasNoData = hasNoData != 0;
+    return info;
+}
+
+std::vector<double> ReadBand(const QString& path, int band)
+{
+    registerOnce();
+    GDALDatasetUniquePtr ds(GDALDataset::Open(name(path).constData(), GDAL_OF_RASTER));
+    if (!ds || band < 1 || band > ds->GetRasterCount())
+        return {};
+    const int w = ds->GetRasterXSize(), h = ds->GetRasterYSize();
+    std::vector<double> values(static_cast<size_t>(w) * static_cast<size_t>(h));
+    if (ds->GetRasterBand(band)->RasterIO(GF_Read, 0, 0, w, h, values.data(), w, h, GDT_Float64, 0, 0) != CE_None)
+        return {};
+    return values;
+}
+
+bool WriteVector(const QString& path, int epsg, const QList<Field>& fields, const std::vector<Feature>& features)
+{
+    registerOnce();
+    GDALDriver* driver = GetGDALDriverManager()->GetDriverByName(vectorDriver(path).toLatin1().constData());
+    GDALDatasetUniquePtr ds(driver->Create(name(path).constData(), 0, 0, 0, GDT_Unknown, nullptr));
+    if (!ds)
+        return false;
+    OGRSpatialReference srs;
+    if (epsg) {
+        srs.importFromEPSG(epsg);
+        srs.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
+    }
+    // The geometry type of the first feature, so that points make a point layer.
+    OGRwkbGeometryType type = wkbUnknown;
+    if (!features.empty()) {
+        OGRGeometry* g = nullptr;
+        const QByteArray wkt = features.front().wkt.toLatin1();
+        if (OGRGeometryFactory::createFromWkt(wkt.constData(), nullptr, &g) == OGRERR_NONE) {
+            type = g->getGeometryType();
+            OGRGeometryFactory::destroyGeometry(g);
+        }
+    }
+    OGRLayer* layer = ds->CreateLayer(QFileInfo(path).completeBaseName().toUtf8().constData(), epsg ? &srs : nullptr, type, nullptr);
+    if (!layer)
+        return false;
+    for (const Field& f : fields) {
+        OGRFieldDefn defn(f.name.toUtf8().constData(), f.type == Field::Integer ? OFTInteger : f.type == Field::Real ? OFTReal : OFTString);
+        if (layer->CreateField(&defn) != OGRERR_NONE)
+            return false;
+    }
+    for (const Feature& f : features) {
+        OGRFeatureUniquePtr feature(OGRFeature::CreateFeature(layer->GetLayerDefn()));
+        for (auto it = f.attributes.begin(); it != f.attributes.end(); ++it) {
+            const QByteArray field = it.key().toUtf8();
+            if (it.value().type() == QVariant::Int)
+                feature->SetField(field.constData(), it.value().toInt());
+            else if (it.value().type() == QVariant::Double)
+                feature->SetField(field.constData(), it.value().toDouble());
+            else
+                feature->SetField(field.constData(), it.value().toString().toUtf8().constData());
+        }
+        OGRGeometry* g = nullptr;
+        const QByteArray wkt = f.wkt.toLatin1();
+        if (OGRGeometryFactory::createFromWkt(wkt.constData(), nullptr, &g) != OGRERR_NONE)
+            return false;
+        feature->SetGeometryDirectly(g);
+        if (layer->CreateFeature(feature.get()) != OGRERR_NONE)
+            return false;
+    }
+    return true;
+}
+
+VectorInfo ReadVector(const QString& path)
+{
+    registerOnce();
+    VectorInfo info;
+    GDALDatasetUniquePtr ds(GDALDataset::Open(name(path).constData(), GDAL_OF_VECTOR));
+    if (!ds || ds->GetLayerCount() == 0)
+        return info;
+    OGRLayer* layer = ds->GetLayer(0);
+    info.ok = true;
+    info.driver = QString::fromLatin1(ds->GetDriver()->GetDescription());
+    info.layerName = QString::fromUtf8(layer->GetName());
+    info.epsg = epsgOf(layer->GetSpatialRef());
+    OGREnvelope env;
+    if (layer->GetExtent(&env) == OGRERR_NONE) {
+        info.extent[0] = env.MinX;
+        info.extent[1] = env.MinY;
+        info.extent[2] = env.MaxX;
+        info.extent[3] = env.MaxY;
+    }
+    OGRFeatureDefn* defn = layer->GetLayerDefn();
+    for (auto& feature : *layer) {
+        Feature f;
+        for (int i = 0; i < defn->GetFieldCount(); ++i) {
+            const QString field = QString::fromUtf8(defn->GetFieldDefn(i)->GetNameRef());
+            switch (defn->GetFieldDefn(i)->GetType()) {
+            case OFTInteger:
+            case OFTInteger64:
+                f.attributes[field] = feature->GetFieldAsInteger(i);
+                break;
+            case OFTReal:
+                f.attributes[field] = feature->GetFieldAsDouble(i);
+                break;
+            default:
+                f.attributes[field] = QString::fromUtf8(feature->GetFieldAsString(i));
+            }
+        }
+        if (const OGRGeometry* g = feature->GetGeometryRef()) {
+            char* wkt = nullptr;
+            g->exportToWkt(&wkt);
+            f.wkt = QString::fromLatin1(wkt);
+            CPLFree(wkt);
+            if (OGR_GT_IsSurface(wkbFlatten(g->getGeometryType())) || wkbFlatten(g->getGeometryType()) == wkbMultiPolygon)
+                f.area = OGR_G_Area(OGRGeometry::ToHandle(const_cast<OGRGeometry*>(g)));
+        }
+        info.features.push_back(f);
+    }
+    return info;
+}
+
+QString Box(double xmin, double ymin, double xmax, double ymax)
+{
+    return QStringLiteral("POLYGON ((%1 %2,%3 %2,%3 %4,%1 %4,%1 %2))")
+        .arg(xmin, 0, 'f', 6).arg(ymin, 0, 'f', 6).arg(xmax, 0, 'f', 6).arg(ymax, 0, 'f', 6);
+}
+
+RunResult RunAlgorithm(const char* algorithm, const QJsonObject& params)
+{
+    RunResult result;
+    HostRunner::RunRecord record;
+    std::memset(&record, 0, sizeof record);
+    record.callback = &onProgress;
+    record.userData = &result;
+    const QByteArray json = QJsonDocument(params).toJson(QJsonDocument::Compact);
+    result.ok = HostRunner::ExcuteAlgo(algorithm, json.constData(), &record);
+    result.code = record.errorCode;
+    result.message = QString::fromUtf8(record.errorMessage);
+    return result;
+}
+
+} // namespace GdalTestData

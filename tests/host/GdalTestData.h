@@ -1,0 +1,95 @@
+#pragma once
+
+// Small rasters and vector layers made at test time through GDAL, readers that give
+// their content back, and a runner that drives an algorithm through ExcuteAlgo.
+
+#include <QJsonObject>
+#include <QList>
+#include <QString>
+#include <QVariantMap>
+
+#include <functional>
+#include <vector>
+
+namespace GdalTestData {
+
+// A north-up grid. Pixel (x, y) covers [originX + x*pixelSize, +pixelSize) eastwards
+// and [originY - y*pixelSize, -pixelSize) southwards.
+struct Grid
+{
+    int width = 8;
+    int height = 8;
+    int bands = 1;
+    const char* dataType = "Float32";
+    double originX = 500000.0;
+    double originY = 4000000.0;
+    double pixelSize = 10.0;
+    int epsg = 32633; // 0: no spatial reference
+    bool hasNoData = false;
+    double noData = 0.0;
+};
+
+using PixelFn = std::function<double(int band, int x, int y)>;
+
+// Writes a GeoTIFF whose band b (from 1) holds value(b, x, y).
+bool WriteRaster(const QString& path, const Grid& grid, const PixelFn& value);
+
+struct RasterInfo
+{
+    bool ok = false;
+    QString driver;
+    int width = 0;
+    int height = 0;
+    int bands = 0;
+    QString dataType;
+    std::vector<double> geoTransform; // six values
+    int epsg = 0;                     // 0 when none or not identifiable
+    bool hasNoData = false;
+    double noData = 0.0;
+};
+RasterInfo ReadRasterInfo(const QString& path);
+// Band values row by row; empty when the file or band does not open.
+std::vector<double> ReadBand(const QString& path, int band);
+
+struct Field
+{
+    enum Type { Integer, Real, String };
+    QString name;
+    Type type = String;
+};
+
+struct Feature
+{
+    QString wkt;
+    QVariantMap attributes; // by field name
+    double area = 0.0;      // filled by ReadVector
+};
+
+// Writes a one-layer vector file in the format of its extension (.shp, .gpkg, .geojson).
+bool WriteVector(const QString& path, int epsg, const QList<Field>& fields, const std::vector<Feature>& features);
+
+struct VectorInfo
+{
+    bool ok = false;
+    QString driver;
+    QString layerName;
+    int epsg = 0;
+    std::vector<Feature> features;
+    double extent[4] = {0, 0, 0, 0}; // xmin, ymin, xmax, ymax
+};
+VectorInfo ReadVector(const QString& path);
+
+// A rectangle polygon as WKT.
+QString Box(double xmin, double ymin, double xmax, double ymax);
+
+struct RunResult
+{
+    int ok = 0;
+    int code = 0;
+    QString message;
+    std::vector<double> progress;
+};
+// Runs an algorithm through HostRunner::ExcuteAlgo with params (string values).
+RunResult RunAlgorithm(const char* algorithm, const QJsonObject& params);
+
+} // namespace GdalTestData

@@ -1,0 +1,459 @@
+#include "HostCatalog/AlgorithmRegistry.h"
+#include "HostRunner/AlgorithmList.h"
+#include "host/GdalTestData.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QTemporaryDir>
+#include <QtConcurrent>
+#include <gtest/gtest.h>
+
+#include "support/TestSupport.h"
+
+#include <cmath>
+#include <map>
+
+using namespace GdalTestData;
+
+namespace {
+
+// Progress starts at 0, never goes back and ends at 100; a run over many lines also
+// shows the work in between.
+void ExpectProgress(const RunResult& r, bool inBetween)
+{
+    ASSERT_GE(r.progress.size(), 2u);
+    EXPECT_EQ(r.progress.front(), 0.0);
+    EXPECT_EQ(r.progress.back(), 100.0);
+    EXPECT_TRUE(std::is_sorted(r.progress.begin(), r.progress.end()));
+    if (inBetween) {
+        EXPECT_TRUE(std::any_of(r.progress.begin(), r.progress.end(), [](double p) { return p > 0 && p < 100; }));
+    }
+}
+
+class RasterAlgorithms : public ::testing::Test
+{
+protected:
+    QString Path(const QString& name) const { return dir.filePath(name); }
+    // A raster in dir with pixel value f(band, x, y).
+    QString Make(const QString& name, Grid grid, const PixelFn& f)
+    {
+        const QString p = Path(name);
+        EXPECT_TRUE(WriteRaster(p, grid, f)) << name.toStdString();
+        return p;
+    }
+    static Grid Sized(int w, int h, int bands = 1, const char* type = "Float32")
+    {
+        Grid g;
+        g.width = w;
+        g.height = h;
+        g.bands = bands;
+        g.dataType = type;
+        return g;
+    }
+    QTemporaryDir dir;
+};
+
+// value = x + 100 y + 1000 band, so every pixel tells where it came from.
+double Where(int b, int x, int y)
+{
+    return x + 100 * y + 1000 * b;
+}
+
+} // namespace
+
+TEST_F(RasterAlgorithms, TranslateKeepsBandsTypeAndWindow)
+{
+    const QString in = Make("in.tif", Sized(10, 10, 3, "UInt16"), Where);
+    struct Case { const char* name; QJsonObject params; QString driver; int w, h; QString type; std::vector<int> from; int x0, y0; };
+    const std::vector<Case> cases = {
+        {"bands reordered, other format", {{"Bands", "3,1"}, {"Out File", Path("a.img")}}, "HFA", 10, 10, "UInt16", {3, 1}, 0, 0},
+        {"data type", {{"Bands", "1"}, {"Data Type", "Float64"}, {"Out File", Path("b.tif")}}, "GTiff", 10, 10, "Float64", {1}, 0, 0},
+        {"window", {{"Extent", "500020,3999930,500050,3999980"}, {"Out File", Path("c.tif")}}, "GTiff", 3, 5, "UInt16", {1, 2, 3}, 2, 2},
+    };
+    for (Case c : cases) {
+        SCOPED_TRACE(c.name);
+        c.params["In File"] = in;
+        const RunResult r = RunAlgorithm("raster.translate", c.params);
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        ExpectProgress(r, false);
+        const QString out = c.params["Out File"].toString();
+        const RasterInfo info = ReadRasterInfo(out);
+        EXPECT_EQ(info.driver, c.driver);
+        EXPECT_EQ(info.width, c.w);
+        EXPECT_EQ(info.height, c.h);
+        EXPECT_EQ(info.dataType, c.type);
+        EXPECT_EQ(info.epsg, 32633);
+        ASSERT_EQ(info.bands, int(c.from.size()));
+        for (int b = 1; b <= info.bands; ++b)
+            EXPECT_EQ(ReadBand(out, b)[0], Where(c.from[size_t(b - 1)], c.x0, c.y0)) << "band " << b;
+    }
+}
+
+TEST_F(RasterAlgorithms, WarpReprojectsAndKeepsValues)
+{
+    Grid g = Sized(20, 20);
+    g.hasNoData = true;
+    g.noData = -1;
+    const QString in = Make("utm.tif", g, [](int, int, int) { return 42.0; });
+    for (const char* srs : {"EPSG:4326", "4326"}) {
+        SCOPED_TRACE(srs);
+        const QString out = Path("geo.tif");
+        const RunResult r = RunAlgorithm("raster.warp", {{"In File", in}, {"Out File", out}, {"Target SRS", srs}, {"Resolution", "0.0001"}});
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        ExpectProgress(r, true);
+        const RasterInfo info = ReadRasterInfo(out);
+        EXPECT_EQ(info.epsg, 4326);
+        ASSERT_EQ(info.geoTransform.size(), 6u);
+        EXPECT_DOUBLE_EQ(info.geoTransform[1], 0.0001);
+        EXPECT_NEAR(info.geoTransform[0], 15.0, 0.01); // UTM 33N's central meridian
+        EXPECT_NEAR(info.geoTransform[3], 36.14, 0.02);
+        const std::vector<double> v = ReadBand(out, 1);
+        EXPECT_GT(std::count(v.begin(), v.end(), 42.0), long(v.size() / 2));
+        EXPECT_EQ(std::count(v.begin(), v.end(), 42.0) + std::count(v.begin(), v.end(), -1.0), long(v.size()));
+    }
+}
+
+TEST_F(RasterAlgorithms, ClipExtentKeepsOnlyTheOverlap)
+{
+    const QString in = Make("in.tif", Sized(10, 10), Where);
+    struct Case { const char* name; double xmin, ymin, xmax, ymax; int w, h, x0, y0; };
+    const std::vector<Case> cases = {
+        {"inside", 500020, 3999930, 500050, 3999980, 3, 5, 2, 2},
+        {"past the north-east corner", 500070, 3999960, 600000, 4100000, 3, 4, 7, 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const QString out = Path("clip.tif");
+        const RunResult r = RunAlgorithm("raster.clipExtent", {{"In File", in}, {"Out File", out}, {"X Min", QString::number(c.xmin)},
+                                                      {"Y Min", QString::number(c.ymin)}, {"X Max", QString::number(c.xmax)},
+                                                      {"Y Max", QString::number(c.ymax)}});
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        const RasterInfo info = ReadRasterInfo(out);
+        EXPECT_EQ(info.width, c.w);
+        EXPECT_EQ(info.height, c.h);
+        EXPECT_EQ(ReadBand(out, 1)[0], Where(1, c.x0, c.y0));
+    }
+}
+
+TEST_F(RasterAlgorithms, ClipByPolygonMasksOutsideAndCrops)
+{
+    const QString in = Make("in.tif", Sized(10, 10), Where);
+    // No pixel centre lies on the triangle's slanted edge, so inside and outside are clear.
+    struct Case { const char* name; QString wkt; int w, h, top, expectedNoData; };
+    const std::vector<Case> cases = {
+        {"square", Box(500020, 3999940, 500060, 3999980), 4, 4, 2, 0},
+        {"triangle", "POLYGON ((500020 3999940,500060 3999940,500020 3999970,500020 3999940))", 4, 3, 3, 6},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const QString mask = Path("mask.shp");
+        QFile::remove(mask);
+        ASSERT_TRUE(WriteVector(mask, 32633, {}, {{c.wkt, {}}}));
+        const QString out = Path("clipped.tif");
+        const RunResult r = RunAlgorithm("raster.clipByPolygon", {{"In File", in}, {"Mask File", mask}, {"Out File", out}});
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        const RasterInfo info = ReadRasterInfo(out);
+        EXPECT_EQ(info.width, c.w);
+        EXPECT_EQ(info.height, c.h);
+        EXPECT_TRUE(info.hasNoData);
+        const std::vector<double> v = ReadBand(out, 1);
+        int noData = 0;
+        for (int i = 0; i < int(v.size()); ++i) {
+            if (v[size_t(i)] == info.noData)
+                ++noData;
+            else
+                EXPECT_EQ(v[size_t(i)], Where(1, 2 + i % c.w, c.top + i / c.w)) << "pixel " << i;
+        }
+        EXPECT_EQ(noData, c.expectedNoData);
+    }
+}
+
+TEST_F(RasterAlgorithms, MosaicJoinsNeighboursAndLaterInputsWin)
+{
+    const auto tile = [this](const char* name, double originX, double value) {
+        Grid g = Sized(5, 2);
+        g.originX = originX;
+        return Make(name, g, [value](int, int, int) { return value; });
+    };
+    const QString a = tile("a.tif", 500000, 1), b = tile("b.tif", 500050, 2), c = tile("c.tif", 500030, 3);
+    struct Case { const char* name; QString inputs; std::vector<double> row; };
+    const std::vector<Case> cases = {
+        {"adjacent", a + ";" + b, {1, 1, 1, 1, 1, 2, 2, 2, 2, 2}},
+        {"overlap, blanks in list", a + " ; " + b + ";;" + c, {1, 1, 1, 3, 3, 3, 3, 3, 2, 2}},
+    };
+    for (const Case& k : cases) {
+        SCOPED_TRACE(k.name);
+        const QString out = Path("mosaic.tif");
+        const RunResult r = RunAlgorithm("raster.mosaic", {{"In Files", k.inputs}, {"Out File", out}});
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        const std::vector<double> v = ReadBand(out, 1);
+        ASSERT_EQ(v.size(), 20u);
+        EXPECT_EQ(std::vector<double>(v.begin(), v.begin() + 10), k.row);
+        EXPECT_EQ(ReadRasterInfo(out).geoTransform[0], 500000.0);
+    }
+}
+
+TEST_F(RasterAlgorithms, TerrainOfAnInclinedPlane)
+{
+    // Rises 1 m per 10 m pixel eastwards: slope atan(0.1), facing west.
+    const QString east = Make("east.tif", Sized(12, 12), [](int, int x, int) { return double(x); });
+    const QString west = Make("west.tif", Sized(12, 12), [](int, int x, int) { return double(12 - x); });
+    struct Case { const char* name; const char* algorithm; QJsonObject params; double expected; double tolerance; };
+    const std::vector<Case> cases = {
+        {"slope in degrees", "raster.slope", {}, std::atan(0.1) * 180.0 / M_PI, 1e-3},
+        {"slope in percent", "raster.slope", {{"Units", "percent"}}, 10.0, 1e-3},
+        {"aspect", "raster.aspect", {}, 270.0, 1e-3},
+        {"hillshade lit from the west", "raster.hillshade", {{"Azimuth", "270"}, {"Altitude", "45"}}, 1 + 254 * std::sin(M_PI / 4 + std::atan(0.1)), 1.0},
+    };
+    for (Case c : cases) {
+        SCOPED_TRACE(c.name);
+        const QString out = Path("terrain.tif");
+        c.params["In File"] = east;
+        c.params["Out File"] = out;
+        const RunResult r = RunAlgorithm(c.algorithm, c.params);
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        ExpectProgress(r, true);
+        const RasterInfo info = ReadRasterInfo(out);
+        const std::vector<double> v = ReadBand(out, 1);
+        ASSERT_EQ(v.size(), 144u);
+        for (int y = 0; y < 12; ++y) {
+            for (int x = 0; x < 12; ++x) {
+                const double value = v[size_t(y * 12 + x)];
+                EXPECT_FALSE(info.hasNoData && value == info.noData) << x << "," << y; // edges are computed too
+                if (x > 0 && y > 0 && x < 11 && y < 11) { // edges see only half the neighbours
+                    ASSERT_NEAR(value, c.expected, c.tolerance) << x << "," << y;
+                }
+            }
+        }
+    }
+    // With the light in the north-west, the face looking west is the brighter one.
+    ASSERT_EQ(RunAlgorithm("raster.hillshade", {{"In File", east}, {"Out File", Path("lit.tif")}}).ok, 1);
+    ASSERT_EQ(RunAlgorithm("raster.hillshade", {{"In File", west}, {"Out File", Path("dark.tif")}}).ok, 1);
+    EXPECT_GT(ReadBand(Path("lit.tif"), 1)[40], ReadBand(Path("dark.tif"), 1)[40] + 20);
+}
+
+TEST_F(RasterAlgorithms, NdviFromChosenBandsWithNoData)
+{
+    const double none = -9999;
+    Grid g = Sized(6, 5, 4, "UInt16");
+    g.hasNoData = true; // 0 marks a missing reading
+    const QString scene = Make("scene.tif", g, [](int b, int x, int y) {
+        if (x == 0 && y == 0)
+            return 0.0;
+        return b == 3 ? 10.0 * (x + 1) : b == 4 ? 10.0 * (y + 1) : 7.0;
+    });
+    const QString pair = Make("pair.tif", Sized(2, 1, 2), [](int b, int x, int) { return x == 0 ? 0.0 : 5.0 * b; });
+    struct Case { const char* name; QString in; const char* red; const char* nir; std::vector<double> expected; };
+    std::vector<double> sceneNdvi;
+    for (int y = 0; y < 5; ++y)
+        for (int x = 0; x < 6; ++x)
+            sceneNdvi.push_back(x == 0 && y == 0 ? none : (10.0 * (y + 1) - 10.0 * (x + 1)) / (10.0 * (x + y + 2)));
+    const std::vector<Case> cases = {
+        {"default bands, no-data", scene, "", "", sceneNdvi},
+        {"bands 1 and 2, zero sum", pair, "1", "2", {none, 5.0 / 15.0}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const QString out = Path("ndvi.tif");
+        const RunResult r = RunAlgorithm("raster.ndvi", {{"In File", c.in}, {"Red Band", c.red}, {"NIR Band", c.nir}, {"Out File", out}});
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        const RasterInfo info = ReadRasterInfo(out);
+        EXPECT_EQ(info.dataType, "Float32");
+        EXPECT_EQ(info.noData, none);
+        const std::vector<double> v = ReadBand(out, 1);
+        ASSERT_EQ(v.size(), c.expected.size());
+        for (size_t i = 0; i < v.size(); ++i)
+            EXPECT_NEAR(v[i], c.expected[i], 1e-6) << "pixel " << i;
+    }
+}
+
+TEST_F(RasterAlgorithms, BandStatisticsAreExactAndLeaveTheInputAlone)
+{
+    Grid g = Sized(4, 4, 2);
+    g.hasNoData = true;
+    const QString in = Make("in.tif", g, [](int b, int x, int y) { return b == 1 ? 1.0 + x + 4 * y : double(x); });
+    const QString all = "band,valid_pixels,nodata_pixels,min,max,mean,stddev,sum\n"
+                        "1,16,0,1,16,8.5,4.60977222865,136\n"
+                        "2,12,4,1,3,2,0.816496580928,24\n";
+    struct Case { const char* name; const char* band; QString expected; };
+    const std::vector<Case> cases = {
+        {"all bands", "", all},
+        {"band 2", "2", all.section('\n', 0, 0) + '\n' + all.section('\n', 2, 2) + '\n'},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const QString out = Path("stats.csv");
+        const RunResult r = RunAlgorithm("raster.bandStatistics", {{"In File", in}, {"Band", c.band}, {"Out File", out}});
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        EXPECT_EQ(QString::fromUtf8(TestSupport::ReadAll(out)), c.expected);
+    }
+    EXPECT_FALSE(QFileInfo::exists(in + ".aux.xml"));
+}
+
+TEST_F(RasterAlgorithms, PolygonizeByConnectednessIntoFormats)
+{
+    Grid g = Sized(3, 3, 1, "Byte");
+    g.hasNoData = true;
+    // A diagonal of 5 in a field of 7; one corner is no-data.
+    const QString in = Make("in.tif", g, [](int, int x, int y) { return x == 2 && y == 0 ? 0.0 : x == y ? 5.0 : 7.0; });
+    struct Case { const char* name; QString out; const char* connectedness; std::map<int, int> polygonsByValue; };
+    const std::vector<Case> cases = {
+        {"4 connected, shapefile", Path("p4.shp"), "4", {{5, 3}, {7, 3}}},
+        {"8 connected, GeoPackage", Path("p8.gpkg"), "8", {{5, 1}, {7, 1}}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const RunResult r = RunAlgorithm("raster.polygonize", {{"In File", in}, {"Out File", c.out}, {"Connectedness", c.connectedness}});
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        const VectorInfo info = ReadVector(c.out);
+        EXPECT_EQ(info.epsg, 32633);
+        std::map<int, int> counts;
+        double area = 0;
+        for (const Feature& f : info.features) {
+            ++counts[f.attributes.value("value").toInt()];
+            area += f.area;
+        }
+        EXPECT_EQ(counts, c.polygonsByValue);
+        EXPECT_DOUBLE_EQ(area, 8 * 100.0); // all but the no-data pixel
+    }
+}
+
+TEST_F(RasterAlgorithms, BadInputGivesCodeAndMessageAndNoOutput)
+{
+    const QString in = Make("in.tif", Sized(4, 4), Where);
+    Grid bare = Sized(4, 4);
+    bare.epsg = 0;
+    const QString unreferenced = Make("bare.tif", bare, Where);
+    const QString other = Make("other.tif", Sized(4, 4, 2), Where);
+    const QString text = Path("notes.txt");
+    TestSupport::WriteAll(text, "not a raster");
+    const QString out = Path("out.tif");
+    struct Case { const char* name; const char* algorithm; QJsonObject params; int code; QStringList inMessage; };
+    const std::vector<Case> cases = {
+        {"missing file", "raster.hillshade", {{"In File", Path("none.tif")}}, 21, {"Cannot open raster", Path("none.tif")}},
+        {"not a raster", "raster.slope", {{"In File", text}}, 21, {"Cannot open raster", text}},
+        {"missing parameter", "raster.aspect", {}, 20, {"In File needs a value"}},
+        {"band past the end", "raster.slope", {{"In File", in}, {"Band", "5"}}, 20, {"Band 5", "1 band"}},
+        {"NIR band past the end", "raster.ndvi", {{"In File", in}, {"Red Band", "1"}, {"NIR Band", "9"}}, 20, {"NIR Band 9"}},
+        {"band list with a word", "raster.translate", {{"In File", in}, {"Bands", "1,x"}}, 20, {"Bands", "1,x"}},
+        {"not a number", "raster.hillshade", {{"In File", in}, {"Azimuth", "north"}}, 20, {"Azimuth", "north"}},
+        {"unknown projection", "raster.warp", {{"In File", in}, {"Target SRS", "EPSG:999999"}}, 20, {"Target SRS", "EPSG:999999"}},
+        {"no projection to warp from", "raster.warp", {{"In File", unreferenced}, {"Target SRS", "EPSG:4326"}}, 21, {unreferenced, "no spatial reference"}},
+        {"unknown resampling", "raster.warp", {{"In File", in}, {"Target SRS", "EPSG:4326"}, {"Resampling", "best"}}, 20, {"Resampling", "best"}},
+        {"extent outside", "raster.clipExtent", {{"In File", in}, {"X Min", "0"}, {"Y Min", "0"}, {"X Max", "1"}, {"Y Max", "1"}}, 20, {"does not overlap"}},
+        {"extent upside down", "raster.clipExtent", {{"In File", in}, {"X Min", "2"}, {"Y Min", "0"}, {"X Max", "1"}, {"Y Max", "1"}}, 20, {"X Max"}},
+        {"mosaic with a missing tile", "raster.mosaic", {{"In Files", in + ";" + Path("gone.tif")}}, 21, {Path("gone.tif")}},
+        {"mosaic of unlike bands", "raster.mosaic", {{"In Files", in + ";" + other}}, 20, {other, "2 band(s)"}},
+        {"mosaic of unlike projections", "raster.mosaic", {{"In Files", in + ";" + unreferenced}}, 20, {"spatial references differ"}},
+        {"mask that is no vector", "raster.clipByPolygon", {{"In File", in}, {"Mask File", text}}, 21, {"Cannot open vector layer", text}},
+        {"folder missing", "raster.slope", {{"In File", in}, {"Out File", Path("no/such/out.tif")}}, 22, {"does not exist", Path("no/such/out.tif")}},
+        {"folder is a file", "raster.ndvi", {{"In File", other}, {"Red Band", "1"}, {"NIR Band", "2"}, {"Out File", text + "/x.tif"}}, 22, {"is not a folder"}},
+        {"output is the input", "raster.translate", {{"In File", in}, {"Out File", in}}, 20, {"also an input"}},
+        {"format refuses the bands", "raster.translate", {{"In File", other}, {"Out File", Path("out.asc")}}, 23, {"out.asc", "band"}},
+    };
+    const QByteArray original = TestSupport::ReadAll(in);
+    for (Case c : cases) {
+        SCOPED_TRACE(c.name);
+        if (!c.params.contains("Out File"))
+            c.params["Out File"] = out;
+        const RunResult r = RunAlgorithm(c.algorithm, c.params);
+        EXPECT_EQ(r.ok, 0);
+        EXPECT_EQ(r.code, c.code);
+        for (const QString& part : c.inMessage)
+            EXPECT_TRUE(r.message.contains(part)) << r.message.toStdString() << " lacks " << part.toStdString();
+        EXPECT_FALSE(QFileInfo::exists(out));
+        EXPECT_FALSE(QFileInfo::exists(Path("out.asc")));
+    }
+    EXPECT_EQ(TestSupport::ReadAll(in), original);
+}
+
+TEST_F(RasterAlgorithms, ReplacesAnExistingOutput)
+{
+    const QString in = Make("in.tif", Sized(4, 4, 2), Where);
+    const QString out = Path("out.tif");
+    ASSERT_EQ(RunAlgorithm("raster.translate", {{"In File", in}, {"Out File", out}}).ok, 1);
+    ASSERT_EQ(RunAlgorithm("raster.translate", {{"In File", in}, {"Bands", "2"}, {"Out File", out}}).ok, 1);
+    EXPECT_EQ(ReadRasterInfo(out).bands, 1);
+    EXPECT_EQ(ReadBand(out, 1)[0], Where(2, 0, 0));
+}
+
+TEST_F(RasterAlgorithms, ConcurrentRunsKeepTheirOwnResultsAndErrors)
+{
+    const QString in = Make("in.tif", Sized(32, 32, 4, "UInt16"), [](int b, int x, int y) { return 10.0 * b + x + y; });
+    // Odd runs fail: each must report its own missing file, not a neighbour's.
+    std::vector<QFuture<RunResult>> runs;
+    for (int i = 0; i < 8; ++i) {
+        const QString source = i % 2 ? Path(QStringLiteral("missing-%1.tif").arg(i)) : in;
+        const QString out = Path(QStringLiteral("ndvi-%1.tif").arg(i));
+        runs.push_back(QtConcurrent::run([source, out] { return RunAlgorithm("raster.ndvi", {{"In File", source}, {"Out File", out}}); }));
+    }
+    std::vector<RunResult> results;
+    for (QFuture<RunResult>& run : runs)
+        results.push_back(run.result());
+    for (int i = 0; i < 8; ++i) {
+        SCOPED_TRACE(i);
+        EXPECT_EQ(results[size_t(i)].ok, i % 2 ? 0 : 1);
+        if (i % 2) {
+            EXPECT_TRUE(results[size_t(i)].message.endsWith(QStringLiteral("missing-%1.tif: no such file").arg(i))) << results[size_t(i)].message.toStdString();
+        } else {
+            EXPECT_NEAR(ReadBand(Path(QStringLiteral("ndvi-%1.tif").arg(i)), 1)[0], 10.0 / 70.0, 1e-6);
+        }
+    }
+}
+
+TEST(AlgorithmCatalogue, EveryBuiltinIsDescribedConsistently)
+{
+    const QStringList types = {"file", "filePath", "folder", "multiFile", "string", "int", "float", "spatialReference"};
+    int builtins = 0;
+    auto& registry = Plugin::AlgorithmRegistry::Instance();
+    for (const QString& name : registry.Names()) {
+        const Plugin::AlgoConfig* c = registry.Config(name);
+        if (c->category == "Test" || name.startsWith("test."))
+            continue;
+        SCOPED_TRACE(name.toStdString());
+        ++builtins;
+        EXPECT_TRUE(c->category == "Raster" || c->category == "Vector");
+        EXPECT_TRUE(name.startsWith(c->category.toLower() + "."));
+        EXPECT_FALSE(c->displayText.isEmpty());
+        EXPECT_TRUE(c->help.endsWith('.'));
+        int outputs = 0;
+        QStringList seen;
+        for (const Plugin::Param& p : c->params) {
+            SCOPED_TRACE(p.name.toStdString());
+            EXPECT_FALSE(seen.contains(p.name));
+            seen << p.name;
+            EXPECT_TRUE(types.contains(p.type));
+            EXPECT_FALSE(p.description.isEmpty());
+            const QJsonObject typeParam = QJsonDocument::fromJson(p.typeParam.toUtf8()).object();
+            EXPECT_EQ(typeParam.value("direction").toString(), QString::number(p.direction));
+            EXPECT_EQ(typeParam.contains("filter"), p.type == "file" || p.type == "multiFile");
+            outputs += p.direction == 1;
+            EXPECT_FALSE(p.direction == 1 && p.isOptional);
+        }
+        EXPECT_EQ(outputs, 1);
+    }
+    EXPECT_GE(builtins, 12);
+}
+
+TEST(AlgorithmCatalogue, MarkdownListGroupsBuiltinsByCategory)
+{
+    const QString md = HostRunner::AlgorithmListMarkdown();
+    EXPECT_FALSE(md.contains("test.noop"));
+    EXPECT_FALSE(md.contains("### Test"));
+    const int raster = md.indexOf("### Raster\n"), vector = md.indexOf("### Vector\n");
+    ASSERT_GE(raster, 0);
+    ASSERT_GT(vector, raster);
+    for (const QString& name : Plugin::AlgorithmRegistry::Instance().Names()) {
+        const int at = md.indexOf("`" + name + "`");
+        if (name.startsWith("raster.")) {
+            EXPECT_TRUE(at > raster && at < vector) << name.toStdString();
+        } else if (name.startsWith("vector.")) {
+            EXPECT_GT(at, vector) << name.toStdString();
+        }
+    }
+    EXPECT_TRUE(md.contains("  - `Red Band` (int, input, default `3`): Band holding red"));
+    EXPECT_TRUE(md.contains("  - `Bands` (string, input, optional)"));
+    EXPECT_TRUE(md.contains("  - `Out File` (file, output)"));
+}

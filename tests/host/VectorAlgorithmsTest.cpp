@@ -1,0 +1,217 @@
+#include "host/GdalTestData.h"
+
+#include <QFileInfo>
+#include <QSet>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include "support/TestSupport.h"
+
+#include <cmath>
+
+using namespace GdalTestData;
+
+namespace {
+
+class VectorAlgorithms : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        const QList<Field> fields = {{"name", Field::String}, {"pop", Field::Integer}};
+        towns = Path("towns.shp");
+        ASSERT_TRUE(WriteVector(towns, 32633, fields,
+                                {{"POINT (500000 4000000)", {{"name", "A"}, {"pop", 50}}},
+                                 {"POINT (500100 4000000)", {{"name", "B"}, {"pop", 150}}},
+                                 {"POINT (500200 4000100)", {{"name", "C"}, {"pop", 1200}}},
+                                 {"POINT (500300 4000200)", {{"name", "D"}, {"pop", 90}}},
+                                 {"POINT (500400 4000300)", {{"name", "E"}, {"pop", 300}}}}));
+        halves = Path("halves.shp");
+        ASSERT_TRUE(WriteVector(halves, 32633, {{"class", Field::Integer}},
+                                {{Box(500000, 4000000, 500050, 4000100), {{"class", 3}}},
+                                 {Box(500050, 4000000, 500100, 4000100), {{"class", 7}}}}));
+    }
+
+    QString Path(const QString& name) const { return dir.filePath(name); }
+
+    static QSet<QString> Names(const VectorInfo& info)
+    {
+        QSet<QString> names;
+        for (const Feature& f : info.features)
+            names << f.attributes.value("name").toString();
+        return names;
+    }
+
+    QTemporaryDir dir;
+    QString towns, halves;
+};
+
+} // namespace
+
+TEST_F(VectorAlgorithms, TranslateChangesFormatAndProjection)
+{
+    struct Case { const char* name; QString out; const char* srs; QString driver; int epsg; double xmin, ymin; double tolerance; };
+    const std::vector<Case> cases = {
+        {"GeoJSON in WGS 84", Path("towns.geojson"), "EPSG:4326", "GeoJSON", 4326, 15.0, 36.14, 0.01},
+        {"GeoPackage as it is", Path("towns.gpkg"), "", "GPKG", 32633, 500000, 4000000, 0},
+        {"CSV with geometry", Path("towns.csv"), "", "CSV", 32633, 500000, 4000000, 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const RunResult r = RunAlgorithm("vector.translate", {{"In File", towns}, {"Out File", c.out}, {"Target SRS", c.srs}});
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        EXPECT_EQ(r.progress.back(), 100.0);
+        const VectorInfo info = ReadVector(c.out);
+        EXPECT_EQ(info.driver, c.driver);
+        EXPECT_EQ(info.epsg, c.epsg);
+        EXPECT_EQ(Names(info), (QSet<QString>{"A", "B", "C", "D", "E"}));
+        EXPECT_NEAR(info.extent[0], c.xmin, c.tolerance);
+        EXPECT_NEAR(info.extent[1], c.ymin, c.tolerance);
+        ASSERT_EQ(info.features.size(), 5u);
+        EXPECT_EQ(info.features[2].attributes.value("pop").toString(), "1200");
+    }
+}
+
+TEST_F(VectorAlgorithms, AttributeFilterKeepsMatchingFeatures)
+{
+    struct Case { const char* name; const char* where; QSet<QString> expected; };
+    const std::vector<Case> cases = {
+        {"comparison", "pop > 100", {"B", "C", "E"}},
+        {"list of strings", "name IN ('A', 'D')", {"A", "D"}},
+        {"nothing matches", "pop > 10000", {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const QString out = Path("selected.shp");
+        const RunResult r = RunAlgorithm("vector.attributeFilter", {{"In File", towns}, {"Where", c.where}, {"Out File", out}});
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        const VectorInfo info = ReadVector(out);
+        ASSERT_TRUE(info.ok);
+        EXPECT_EQ(Names(info), c.expected);
+        EXPECT_EQ(info.epsg, 32633);
+    }
+}
+
+TEST_F(VectorAlgorithms, BufferGrowsAndShrinksKeepingAttributes)
+{
+    const QString squares = Path("squares.shp");
+    ASSERT_TRUE(WriteVector(squares, 32633, {{"name", Field::String}},
+                            {{Box(500000, 4000000, 500010, 4000010), {{"name", "big"}}},
+                             {Box(500100, 4000000, 500104, 4000004), {{"name", "small"}}}}));
+    struct Case { const char* name; QString in; QJsonObject params; QString out; std::vector<QString> names; double area; double tolerance; };
+    const std::vector<Case> cases = {
+        {"round", towns, {{"Distance", "10"}}, Path("round.shp"), {"A", "B", "C", "D", "E"}, M_PI * 100, 0.01 * M_PI * 100},
+        {"one segment per quarter", towns, {{"Distance", "10"}, {"Segments", "1"}}, Path("diamond.gpkg"), {"A", "B", "C", "D", "E"}, 200, 1e-6},
+        {"shrinking, the small one vanishes", squares, {{"Distance", "-3"}}, Path("shrunk.geojson"), {"big"}, 16, 1e-6},
+    };
+    for (Case c : cases) {
+        SCOPED_TRACE(c.name);
+        c.params["In File"] = c.in;
+        c.params["Out File"] = c.out;
+        const RunResult r = RunAlgorithm("vector.buffer", c.params);
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        EXPECT_EQ(r.progress.back(), 100.0);
+        const VectorInfo info = ReadVector(c.out);
+        EXPECT_EQ(info.epsg, 32633);
+        ASSERT_EQ(info.features.size(), c.names.size());
+        for (size_t i = 0; i < c.names.size(); ++i) {
+            EXPECT_EQ(info.features[i].attributes.value("name").toString(), c.names[i]);
+            if (info.driver != "ESRI Shapefile") { // which cannot tell a polygon from a multi-polygon of one part
+                EXPECT_TRUE(info.features[i].wkt.startsWith("MULTIPOLYGON")) << info.features[i].wkt.toStdString();
+            }
+            EXPECT_NEAR(info.features[i].area, c.area, c.tolerance);
+        }
+    }
+}
+
+TEST_F(VectorAlgorithms, RasterizeBurnsFieldsOrValues)
+{
+    const QString apart = Path("apart.shp");
+    ASSERT_TRUE(WriteVector(apart, 32633, {}, {{Box(500000, 4000000, 500020, 4000020), {}}, {Box(500040, 4000040, 500060, 4000060), {}}}));
+    struct Case { const char* name; QString in; QJsonObject params; QString out; QString driver; QString type; int size; std::vector<double> firstRow; int burnt; };
+    const std::vector<Case> cases = {
+        {"from a field", halves, {{"Attribute", "class"}}, Path("classes.tif"), "GTiff", "Float32", 10, {3, 3, 3, 3, 3, 7, 7, 7, 7, 7}, 100},
+        {"a value as Byte", apart, {{"Burn Value", "9"}, {"NoData", "255"}, {"Data Type", "Byte"}}, Path("mask.tif"), "GTiff", "Byte", 6,
+         {255, 255, 255, 255, 9, 9}, 8},
+        // The grid format keeps no type: whole numbers read back as Int32.
+        {"into a copy-only format", halves, {{"Attribute", "class"}, {"Data Type", "Int16"}}, Path("classes.asc"), "AAIGrid", "Int32", 10,
+         {3, 3, 3, 3, 3, 7, 7, 7, 7, 7}, 100},
+    };
+    for (Case c : cases) {
+        SCOPED_TRACE(c.name);
+        c.params["In File"] = c.in;
+        c.params["Out File"] = c.out;
+        c.params["Resolution"] = "10";
+        const RunResult r = RunAlgorithm("vector.rasterize", c.params);
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        EXPECT_EQ(r.progress.back(), 100.0);
+        const RasterInfo info = ReadRasterInfo(c.out);
+        EXPECT_EQ(info.driver, c.driver);
+        EXPECT_EQ(info.dataType, c.type);
+        EXPECT_EQ(info.width, c.size);
+        EXPECT_EQ(info.height, c.size);
+        ASSERT_EQ(info.geoTransform.size(), 6u);
+        EXPECT_EQ(info.geoTransform[0], 500000.0);
+        EXPECT_EQ(info.geoTransform[1], 10.0);
+        const std::vector<double> v = ReadBand(c.out, 1);
+        ASSERT_EQ(v.size(), size_t(c.size * c.size));
+        EXPECT_EQ(std::vector<double>(v.begin(), v.begin() + c.size), c.firstRow);
+        EXPECT_EQ(std::count_if(v.begin(), v.end(), [&](double x) { return !info.hasNoData || x != info.noData; }), c.burnt);
+    }
+}
+
+TEST_F(VectorAlgorithms, ReplacesAnExistingOutput)
+{
+    for (const QString& out : {Path("again.shp"), Path("again.geojson")}) {
+        SCOPED_TRACE(out.toStdString());
+        ASSERT_EQ(RunAlgorithm("vector.attributeFilter", {{"In File", towns}, {"Where", "pop > 100"}, {"Out File", out}}).ok, 1);
+        const RunResult r = RunAlgorithm("vector.attributeFilter", {{"In File", towns}, {"Where", "pop < 100"}, {"Out File", out}});
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        EXPECT_EQ(Names(ReadVector(out)), (QSet<QString>{"A", "D"}));
+    }
+}
+
+TEST_F(VectorAlgorithms, BadInputGivesCodeAndMessageAndNoOutput)
+{
+    const QString bare = Path("bare.shp");
+    ASSERT_TRUE(WriteVector(bare, 0, {}, {{"POINT (1 2)", {}}}));
+    const QString empty = Path("empty.gpkg");
+    ASSERT_TRUE(WriteVector(empty, 32633, {}, {}));
+    const QString raster = Path("grid.tif");
+    ASSERT_TRUE(WriteRaster(raster, Grid(), [](int, int, int) { return 1.0; }));
+    const QString out = Path("out.shp");
+    struct Case { const char* name; const char* algorithm; QJsonObject params; int code; QStringList inMessage; };
+    const std::vector<Case> cases = {
+        {"missing file", "vector.translate", {{"In File", Path("none.shp")}}, 21, {"Cannot open vector layer", Path("none.shp")}},
+        {"a raster", "vector.buffer", {{"In File", raster}, {"Distance", "1"}}, 21, {"Cannot open vector layer", raster}},
+        {"unknown layer", "vector.translate", {{"In File", towns}, {"Layer", "roads"}}, 20, {"roads", "towns"}},
+        {"bad where syntax", "vector.attributeFilter", {{"In File", towns}, {"Where", "pop >>> 3"}}, 20, {"Where", "pop >>> 3", "name, pop"}},
+        {"where on an unknown field", "vector.attributeFilter", {{"In File", towns}, {"Where", "height > 3"}}, 20, {"Where", "height > 3"}},
+        {"unknown projection", "vector.translate", {{"In File", towns}, {"Target SRS", "not a crs"}}, 20, {"Target SRS", "not a crs"}},
+        {"nothing to reproject from", "vector.translate", {{"In File", bare}, {"Target SRS", "EPSG:4326"}}, 21, {"no spatial reference"}},
+        {"distance in words", "vector.buffer", {{"In File", towns}, {"Distance", "ten"}}, 20, {"Distance", "ten"}},
+        {"no segments", "vector.buffer", {{"In File", towns}, {"Distance", "1"}, {"Segments", "0"}}, 20, {"Segments", "between 1"}},
+        {"unknown field to burn", "vector.rasterize", {{"In File", halves}, {"Resolution", "10"}, {"Attribute", "height"}, {"Out File", Path("out.tif")}}, 20, {"height", "class"}},
+        {"zero resolution", "vector.rasterize", {{"In File", halves}, {"Resolution", "0"}, {"Out File", Path("out.tif")}}, 20, {"Resolution"}},
+        {"absurd resolution", "vector.rasterize", {{"In File", halves}, {"Resolution", "0.0001"}, {"Out File", Path("out.tif")}}, 20, {"coarser"}},
+        {"unknown data type", "vector.rasterize", {{"In File", halves}, {"Resolution", "10"}, {"Data Type", "Float128"}, {"Out File", Path("out.tif")}}, 20, {"Data Type", "Float128"}},
+        {"empty layer", "vector.rasterize", {{"In File", empty}, {"Resolution", "10"}, {"Out File", Path("out.tif")}}, 21, {"nothing to rasterize"}},
+        {"folder missing", "vector.buffer", {{"In File", towns}, {"Distance", "1"}, {"Out File", Path("gone/out.shp")}}, 22, {"does not exist"}},
+        {"output is the input", "vector.translate", {{"In File", towns}, {"Out File", towns}}, 20, {"also an input"}},
+    };
+    const QByteArray original = TestSupport::ReadAll(towns);
+    for (Case c : cases) {
+        SCOPED_TRACE(c.name);
+        if (!c.params.contains("Out File"))
+            c.params["Out File"] = out;
+        const RunResult r = RunAlgorithm(c.algorithm, c.params);
+        EXPECT_EQ(r.ok, 0);
+        EXPECT_EQ(r.code, c.code);
+        for (const QString& part : c.inMessage)
+            EXPECT_TRUE(r.message.contains(part)) << r.message.toStdString() << " lacks " << part.toStdString();
+        EXPECT_FALSE(QFileInfo::exists(out));
+        EXPECT_FALSE(QFileInfo::exists(Path("out.tif")));
+    }
+    EXPECT_EQ(TestSupport::ReadAll(towns), original);
+    EXPECT_EQ(ReadVector(towns).features.size(), 5u);
+}
