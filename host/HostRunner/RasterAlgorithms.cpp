@@ -576,7 +576,7 @@ void RegisterRasterAlgorithms()
                       Optional(InputParam(QStringLiteral("Extent"), QStringLiteral("string"),
                                           QStringLiteral("Window to keep as xmin,ymin,xmax,ymax in the raster's coordinates"))),
                       Optional(InputParam(QStringLiteral("Data Type"), QStringLiteral("string"),
-                                          QStringLiteral("Output data type: Byte, UInt16, Int16, UInt32, Int32, Float32 or Float64")))}),
+                                          QStringLiteral("Output data type: Byte, UInt16, Int16, UInt32, Int32, Float32 or Float64; values outside its range are clipped")))}),
         runTranslate);
 
     RegisterGdalAlgorithm(
