@@ -1,0 +1,155 @@
+// The function catalogue shown by the function dialog: names, argument counts and
+// help texts, which are kept exactly as shipped, oddities included.
+#include "functions/APCFun.h"
+#include "functions/FunctionInfo.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QTemporaryDir>
+#include <QTranslator>
+#include <gtest/gtest.h>
+
+#include <memory>
+
+using namespace Plugin;
+
+namespace {
+
+// Marks every text of the catalogue's context that goes through translation.
+class MarkingTranslator : public QTranslator
+{
+public:
+    bool isEmpty() const override { return false; }
+    QString translate(const char* context, const char* sourceText, const char* disambiguation = nullptr,
+                      int n = -1) const override
+    {
+        if (qstrcmp(context, "APCFunFactory") != 0)
+            return QString();
+        return QStringLiteral("T:") + QString::fromUtf8(sourceText);
+    }
+};
+
+TEST(FunctionCatalogue, NamesAndCounts)
+{
+    const QList<FunctionInfo> list = APCFun::GetFunctionList();
+    const QList<QPair<QString, int>> expected = {
+        {"$SubDirectory", 2},    {"$ReplaceExtension", 2}, {"$AppendSuffix", 2},    {"$ReplaceSuffix", 3},
+        {"$ReplaceDirectory", 2}, {"$SelectDirectory", 2},  {"$SelectDirectory2", 3}, {"$APCFun_UnionFilePath", 3},
+    };
+    ASSERT_EQ(list.size(), expected.size());
+    for (int i = 0; i < list.size(); ++i) {
+        SCOPED_TRACE(expected.at(i).first.toStdString());
+        EXPECT_EQ(list.at(i).name, expected.at(i).first);
+        EXPECT_EQ(list.at(i).argCount, expected.at(i).second);
+    }
+}
+
+TEST(FunctionCatalogue, WholeTexts)
+{
+    const QList<FunctionInfo> list = APCFun::GetFunctionList();
+    ASSERT_EQ(list.size(), 8);
+    const QString subDirectory =
+        "$SubDirectory(%filePath%, 'subName')\n"
+        "    The function is used to add the subdirectory for the current path of the input file with the specified "
+        "string, and to generate a new string based on the subdirectory and the file name,which is used as the "
+        "function return value.\n"
+        "The format of string is:\n"
+        "    Path + the subdirectory name+ the file name + the file extension\r\n"
+        "$SubDirectory('c:/test/x.tif', 'tmp')\n"
+        "return: 'c:/test/tmp/x.tif'\n"
+        "Path :'c:/test'\n"
+        "The subdirectory name:'tmp'\n"
+        "The file name :'x'\n"
+        "The File extension :'.tif'\n"
+        "The return result of the Function :'c:/test/tmp/x.tif'";
+    const QString appendSuffix =
+        "$AppendSuffix(%filePath%, '_suffix')\n"
+        "    The function is using the input files and the specified suffixes to generate a new string, which is used "
+        "as the function return value.\n"
+        "The format of string is: \n"
+        "    Path + the file name + the suffix + the file extension\r\n"
+        "$AppendSuffix('c:/test/x.tif', '_a')\n"
+        "return: 'c:/test/x_a.tif'\n"
+        "Path :'c:/test'\n"
+        "The suffix :'_a'\n"
+        "The File extension :'.tif'\n"
+        "The return result of the Function :'c:/test/a_b.tif'";
+    const QString unionFilePath =
+        "$UnionFilePath(%filePath1%, %filePath2%, '_')\n"
+        "    The function is to extract information from two strings consisting of the path and name of two input "
+        "data in the same folder and generate a new string,which is used as the function return value.\n"
+        "The format of string is: \n"
+        "    Path + the same part of the file name + the separator + the file extension.\r\n"
+        "UnionFilePath('c:/test/a_b_x.tif', 'c:/test/a_b_y.tif', '_')\n"
+        "return: 'c:/test/a_b.tif'\n"
+        "Path :'c:/test'\n"
+        "The same part of the file name:the character 'a' and 'b'\n"
+        "The File extension :'.tif'\n"
+        "The Separator :'_'\n"
+        "The return result of the Function :'c:/test/a_b.tif'";
+    EXPECT_EQ(list.at(0).help.toStdString(), subDirectory.toStdString());
+    EXPECT_EQ(list.at(2).help.toStdString(), appendSuffix.toStdString());
+    EXPECT_EQ(list.at(7).help.toStdString(), unionFilePath.toStdString());
+}
+
+// Every text: the line count, one carriage return behind line 4 and no line end
+// at the end, the signature first, and an example whose value is the one shown.
+TEST(FunctionCatalogue, TextStructure)
+{
+    const int lineCounts[] = {11, 10, 10, 11, 10, 11, 12, 11};
+    QTemporaryDir tmp; // $SubDirectory's example makes its directory
+    ASSERT_TRUE(tmp.isValid());
+    const QString before = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(tmp.path()));
+    const QList<FunctionInfo> list = APCFun::GetFunctionList();
+    ASSERT_EQ(list.size(), 8);
+    for (int i = 0; i < list.size(); ++i) {
+        const FunctionInfo& info = list.at(i);
+        SCOPED_TRACE(info.name.toStdString());
+        const QStringList lines = info.help.split('\n');
+        EXPECT_EQ(lines.size(), lineCounts[i]);
+        EXPECT_EQ(info.help.count('\r'), 1);
+        EXPECT_TRUE(lines.value(3).endsWith('\r'));
+        EXPECT_FALSE(info.help.endsWith('\n'));
+        EXPECT_TRUE(lines.value(1).startsWith("    The function is "));
+        EXPECT_TRUE(lines.value(2).startsWith("The format of string is:"));
+        EXPECT_EQ(lines.value(2).endsWith(' '), i != 0);
+
+        const QString call = QString(info.name).remove("APCFun_") + '(';
+        EXPECT_TRUE(lines.value(0).startsWith(call));
+        QString example = lines.value(4);
+        if (!example.startsWith('$'))
+            example.prepend('$');
+        std::unique_ptr<APCFun> fun(APCFun::Create(example));
+        ASSERT_NE(fun, nullptr);
+        EXPECT_EQ(fun->Params().size(), info.argCount);
+        const QString value = fun->Evaluate();
+        const QString shown = lines.value(5).mid(QStringLiteral("return: '").size()).chopped(1);
+        EXPECT_TRUE(lines.value(5).startsWith("return: '"));
+        // $SubDirectory makes its result absolute.
+        EXPECT_TRUE(i == 0 ? value.endsWith('/' + shown) : value == shown) << value.toStdString();
+    }
+    QDir::setCurrent(before);
+}
+
+TEST(FunctionCatalogue, TranslatedLines)
+{
+    // Lines that are examples or signatures stay as they are.
+    const QList<int> untranslated = {0, 4, 5};
+    MarkingTranslator translator;
+    ASSERT_NE(QCoreApplication::instance(), nullptr);
+    QCoreApplication::installTranslator(&translator);
+    const QList<FunctionInfo> list = APCFun::GetFunctionList();
+    QCoreApplication::removeTranslator(&translator);
+    ASSERT_EQ(list.size(), 8);
+    for (int i = 0; i < list.size(); ++i) {
+        SCOPED_TRACE(list.at(i).name.toStdString());
+        const QStringList lines = list.at(i).help.split('\n');
+        for (int l = 0; l < lines.size(); ++l)
+            EXPECT_EQ(lines.at(l).startsWith("T:"), !untranslated.contains(l)) << "line " << l + 1;
+    }
+    // Without the translator the texts are the source texts again.
+    EXPECT_FALSE(APCFun::GetFunctionList().first().help.contains("T:"));
+}
+
+} // namespace

@@ -1,0 +1,173 @@
+// The expression parser: which texts give a function, and how arguments are cut
+// and classified. The language has no quoting, so several odd texts are accepted
+// or rejected on purpose.
+#include "functions/APCFun.h"
+#include "functions/APCFunExpParam.h"
+#include "functions/APCFunStringParam.h"
+#include "functions/APCFunVarParam.h"
+#include "functions/APCFun_AppendSuffix.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+using namespace Plugin;
+
+namespace {
+
+std::unique_ptr<APCFun> Parse(const QString& text) { return std::unique_ptr<APCFun>(APCFun::Create(text)); }
+
+TEST(ExpressionParser, AcceptsAndRejects)
+{
+    struct Case
+    {
+        const char* name;
+        QString text;
+        bool valid;
+    };
+    const Case cases[] = {
+        {"plain call", "$AppendSuffix(%a%, '_x')", true},
+        {"whitespace beside arguments", "   $AppendSuffix(  %a%   ,\t\n '_x'  )  ", true},
+        {"no blank after comma", "$AppendSuffix(%a%,'_x')", true},
+        {"too few arguments", "$AppendSuffix(%a%)", false},
+        {"too many arguments", "$AppendSuffix(%a%, 'x', 'y')", false},
+        {"no arguments", "$AppendSuffix()", false},
+        {"unknown name", "$Nope(%a%, 'x')", false},
+        {"name is case-sensitive", "$appendSuffix(%a%, 'x')", false},
+        {"blank before name", "$ AppendSuffix(%a%, 'x')", false},
+        {"blank before parenthesis", "$AppendSuffix (%a%, 'x')", false},
+        {"no dollar", "AppendSuffix(%a%, 'x')", false},
+        {"bare var reference", "%a%", false},
+        {"bare string", "'text'", false},
+        {"empty", "", false},
+        {"only whitespace", " \t\n ", false},
+        {"comma inside quotes cuts", "$AppendSuffix(%a%, 'x,y')", false},
+        {"nested call keeps its commas", "$SubDirectory($AppendSuffix(%a%, '_x'), 'tmp')", true},
+        {"nested call with wrong count", "$SubDirectory($AppendSuffix(%a%), 'tmp')", false},
+        {"nested unknown function", "$SubDirectory($Nope(%a%, 'x'), 'tmp')", false},
+        {"parenthesis inside quotes counts", "$AppendSuffix(%a%, 'a)b')", false},
+        {"balanced parentheses inside quotes", "$AppendSuffix(%a%, '(b)')", true},
+        {"text behind the call", "$AppendSuffix(%a%, '_x') trailing", false},
+        {"extra closing parenthesis", "$AppendSuffix(%a%, '_x'))", false},
+        {"doubled parentheses", "$AppendSuffix((%a%, '_x'))", false},
+        {"bare word argument", "$AppendSuffix(%a%, _x)", false},
+        {"empty argument between commas", "$AppendSuffix(%a%,, '_x')", false},
+        {"percent signs inside a string", "$AppendSuffix(%a%, '%x%')", true},
+        {"empty string literal", "$SubDirectory(%a%, '')", true},
+        // A lone delimiter starts and ends with itself: an empty reference or literal.
+        {"lone delimiters", "$AppendSuffix(%, ')", true},
+        // A group behind the call cuts only arguments that end the classification.
+        {"group behind the call", "$AppendSuffix(%a%, '_x') (y)", true},
+        {"adjacent group behind the call", "$AppendSuffix(%a%, '_x')(y)", true},
+        {"catalogue name is not a function name", "$APCFun_UnionFilePath('a', 'b', '_')", false},
+        {"three-argument function", "$UnionFilePath('a', 'b', '_')", true},
+        {"every function name",
+         "$ReplaceDirectory($SelectDirectory('d', $SelectDirectory2('a', 'b', 'c')), "
+         "$ReplaceSuffix($ReplaceExtension('x', 'y'), 'p', $UnionFilePath('a', 'b', '_')))",
+         true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(Parse(c.text) != nullptr, c.valid);
+    }
+}
+
+TEST(ExpressionParser, ClassifiesArguments)
+{
+    struct Case
+    {
+        const char* name;
+        QString text;
+        // One letter per parameter (v: var, s: string, e: expression) and its text.
+        QList<QPair<char, QString>> params;
+    };
+    const Case cases[] = {
+        {"var and string", "$AppendSuffix(%a%, '_x')", {{'v', "a"}, {'s', "_x"}}},
+        {"percent signs inside a string stay a string", "$AppendSuffix(%a%, '%x%')", {{'v', "a"}, {'s', "%x%"}}},
+        {"whitespace runs inside a string collapse", "$AppendSuffix('c:/a   b/x.tif', ' _ x ')",
+         {{'s', "c:/a b/x.tif"}, {'s', " _ x "}}},
+        {"lone delimiters are empty", "$AppendSuffix(%, ')", {{'v', ""}, {'s', ""}}},
+        {"nested call keeps its simplified text", "$SubDirectory( $AppendSuffix(%a%,   '_x') , 'tmp')",
+         {{'e', "$AppendSuffix(%a%, '_x')"}, {'s', "tmp"}}},
+        {"var id with blanks", "$AppendSuffix(% my  id %, 'x')", {{'v', " my id "}, {'s', "x"}}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const auto fun = Parse(c.text);
+        ASSERT_NE(fun, nullptr);
+        ASSERT_EQ(fun->Params().size(), c.params.size());
+        for (int i = 0; i < c.params.size(); ++i) {
+            APCFunParam* p = fun->Params().at(i);
+            const char kind = dynamic_cast<APCFunVarParam*>(p)      ? 'v'
+                              : dynamic_cast<APCFunStringParam*>(p) ? 's'
+                              : dynamic_cast<APCFunExpParam*>(p)    ? 'e'
+                                                                    : '?';
+            EXPECT_EQ(kind, c.params.at(i).first) << "parameter " << i;
+            EXPECT_EQ(p->GetText().toStdString(), c.params.at(i).second.toStdString()) << "parameter " << i;
+        }
+    }
+}
+
+// The constructor keeps what it parsed before an argument it couldn't classify;
+// the count test of the function decides.
+TEST(ExpressionParser, KeepsParametersBeforeTheFirstBadArgument)
+{
+    struct Case
+    {
+        const char* name;
+        QString text;
+        int params;
+    };
+    const Case cases[] = {
+        {"comma inside quotes", "$AppendSuffix(%a%, 'x,y')", 1},
+        {"invalid nested call", "$AppendSuffix('a', $Nope('x'), 'b')", 1},
+        {"empty argument", "$AppendSuffix('a', , 'b')", 1},
+        {"unclosed list", "$AppendSuffix('a', 'b'", 0},
+        {"closed too early", "$AppendSuffix('a)', 'b')", 0},
+        {"text behind the call", "$AppendSuffix('a', 'b') z", 2},
+        {"parenthesis at the very start", "('a')", 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        APCFun_AppendSuffix fun(c.text);
+        EXPECT_EQ(fun.Params().size(), c.params);
+        EXPECT_EQ(fun.IsValid(), c.params == 2);
+    }
+}
+
+TEST(ExpressionParser, ArgumentClasses)
+{
+    EXPECT_EQ(APCFunStringParam("'a b'").GetText(), "a b");
+    EXPECT_EQ(APCFunStringParam("''").GetText(), "");
+    EXPECT_EQ(APCFunStringParam("'").GetText(), "");
+    EXPECT_EQ(APCFunStringParam("'''").GetText(), "'");
+    EXPECT_EQ(APCFunVarParam("%%").GetText(), "");
+    EXPECT_EQ(APCFunVarParam("%{a}%").GetText(), "{a}");
+
+    APCFunVarParam unbound("%a%");
+    EXPECT_TRUE(unbound.IsValid());
+    EXPECT_EQ(unbound.Evaluate(), "");
+    unbound.SetModel(nullptr);
+    EXPECT_EQ(unbound.GetVar(), nullptr);
+
+    APCFunExpParam bad("$Nope('x')");
+    EXPECT_EQ(bad.GetFun(), nullptr);
+    EXPECT_FALSE(bad.IsValid());
+    EXPECT_EQ(bad.Evaluate(), "");
+    bad.SetModel(nullptr);
+
+    EXPECT_FALSE(APCFunParam("x").IsValid());
+    EXPECT_EQ(APCFunParam("x").Evaluate(), "");
+}
+
+TEST(ExpressionParser, DeepNesting)
+{
+    QString text = "'x.tif'";
+    for (int i = 0; i < 200; ++i)
+        text = "$AppendSuffix(" + text + ", '_')";
+    const auto fun = Parse(text);
+    ASSERT_NE(fun, nullptr);
+    EXPECT_EQ(fun->Evaluate(), "x" + QString(200, '_') + ".tif");
+}
+
+} // namespace
