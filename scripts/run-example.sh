@@ -1,5 +1,21 @@
 #!/usr/bin/env bash
-# The main job: runs the shipped example model on the shipped sample data.
+# The main job: runs the shipped example model on the shipped sample scenes. For
+# every scene it computes an NDVI raster and a statistics table in out/.
 set -euo pipefail
 build=${1:-build}
-echo "The example run will execute examples/*.apc with $build/bin/mbrun on sample data."
+root=$(cd "$(dirname "$0")/.." && pwd)
+scenes="$root/examples/data/scenes"
+out="$root/$build/out"
+mkdir -p "$out"
+model="$root/$build/Model/apc/scene_ndvi.apc"
+
+echo "== Inputs of $model"
+"$root/$build/bin/mbrun" "$model" --list
+echo
+echo "== Running it on $scenes"
+"$root/$build/bin/mbrun" "$model" \
+  --set "Scene folders={\"$scenes\":{\"subdir\":\"0\",\"enabled\":\"1\"}}" \
+  --set "Output folder=$out"
+echo
+echo "== Outputs in $out"
+ls -l "$out"

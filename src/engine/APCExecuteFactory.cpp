@@ -33,16 +33,16 @@ void APCExecuteFactory::Start(IAPCExecute* executable)
     auto* watcher = new QFutureWatcher<bool>;
     QObject::connect(watcher, &QFutureWatcher<bool>::finished, watcher, [this, executable] { OnFinished(executable); });
     QObject::connect(watcher, &QFutureWatcher<bool>::canceled, watcher, [this, executable] { OnCanceled(executable); });
-    {
-        // The lock also orders what the caller wrote before Start ahead of the
-        // pool thread's reads (it takes the same lock first).
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_executables.append(executable);
-        m_watchers.append(watcher);
-        ++m_busy[executable];
-    }
-    watcher->setFuture(QtConcurrent::run(QThreadPool::globalInstance(),
-                                         boost::bind(&APCExecuteFactory::RunOnPool, this, executable)));
+    std::lock_guard<std::mutex> lock(m_mutex);
+    SweepLocked();
+    m_executables.append(executable);
+    m_watchers.append(watcher);
+    // Under the lock: the pool thread takes it first, so what the caller wrote
+    // before Start is visible to Execute.
+    const QFuture<bool> future = QtConcurrent::run(QThreadPool::globalInstance(),
+                                                   boost::bind(&APCExecuteFactory::RunOnPool, this, executable));
+    m_tasks[executable].append(future);
+    watcher->setFuture(future);
 }
 
 bool APCExecuteFactory::RunOnPool(IAPCExecute* executable)
@@ -52,15 +52,41 @@ bool APCExecuteFactory::RunOnPool(IAPCExecute* executable)
     bool orphaned = false;
     {
         std::lock_guard<std::mutex> lock(m_mutex);
-        if (--m_busy[executable] <= 0) {
-            m_busy.remove(executable);
-            orphaned = m_orphans.remove(executable);
-        }
+        orphaned = m_orphans.remove(executable) > 0;
     }
-    m_idle.notify_all();
     if (orphaned)
         delete executable;
     return result;
+}
+
+void APCExecuteFactory::SweepLocked()
+{
+    for (auto it = m_tasks.begin(); it != m_tasks.end();) {
+        QList<QFuture<bool>>& futures = it.value();
+        for (int i = futures.size() - 1; i >= 0; --i)
+            if (futures[i].isFinished())
+                futures.removeAt(i);
+        it = futures.isEmpty() ? m_tasks.erase(it) : std::next(it);
+    }
+    for (auto it = m_orphans.begin(); it != m_orphans.end();) {
+        if (it.value().isFinished()) {
+            delete it.key();
+            it = m_orphans.erase(it);
+        } else {
+            ++it;
+        }
+    }
+}
+
+bool APCExecuteFactory::BusyLocked(IAPCExecute* executable)
+{
+    auto it = m_tasks.constFind(executable);
+    if (it == m_tasks.constEnd())
+        return false;
+    for (const QFuture<bool>& f : it.value())
+        if (!f.isFinished())
+            return true;
+    return false;
 }
 
 QFutureWatcher<bool>* APCExecuteFactory::Detach(IAPCExecute* executable)
@@ -153,27 +179,27 @@ void APCExecuteFactory::Dispose(IAPCExecute* executable)
     }
     {
         std::lock_guard<std::mutex> lock(m_mutex);
-        if (m_busy.contains(executable)) {
-            m_orphans.insert(executable);
+        SweepLocked();
+        if (BusyLocked(executable)) {
+            m_orphans.insert(executable, m_tasks.value(executable).last());
             return;
         }
+        m_tasks.remove(executable);
     }
     delete executable;
 }
 
-} // namespace Plugin
-
-namespace Plugin {
-
 void APCExecuteFactory::WaitUntilIdle(const QList<IAPCExecute*>& executables)
 {
-    std::unique_lock<std::mutex> lock(m_mutex);
-    m_idle.wait(lock, [&] {
+    QList<QFuture<bool>> futures;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
         for (IAPCExecute* e : executables)
-            if (m_busy.contains(e))
-                return false;
-        return true;
-    });
+            futures += m_tasks.value(e);
+    }
+    // A task cancelled before it started is finished here without running.
+    for (QFuture<bool>& f : futures)
+        f.waitForFinished();
 }
 
 } // namespace Plugin

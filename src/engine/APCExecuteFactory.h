@@ -2,9 +2,9 @@
 
 #include <QList>
 #include <QHash>
+#include <QFuture>
 #include <QSet>
 
-#include <condition_variable>
 #include <mutex>
 
 template <typename T>
@@ -49,11 +49,16 @@ private:
     QFutureWatcher<bool>* Detach(IAPCExecute* executable);
 
     std::mutex m_mutex; // guards every field below
-    std::condition_variable m_idle;
+
     QList<IAPCExecute*> m_executables;          // not owned
     QList<QFutureWatcher<bool>*> m_watchers;    // owned
-    QHash<IAPCExecute*, int> m_busy;            // executables inside Execute on the pool
-    QSet<IAPCExecute*> m_orphans;               // to delete when their Execute returns
+    // The pool tasks of each executable that may not have ended yet. A task whose
+    // watcher was cancelled before it started never calls Execute, so "busy" is
+    // judged by the future, not by our own counting.
+    QHash<IAPCExecute*, QList<QFuture<bool>>> m_tasks;
+    QHash<IAPCExecute*, QFuture<bool>> m_orphans; // disposed while busy; deleted when done
+    void SweepLocked(); // drops ended tasks and deletes orphans whose task ended unheard
+    bool BusyLocked(IAPCExecute* executable);
 };
 
 } // namespace Plugin

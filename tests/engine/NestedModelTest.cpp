@@ -1,0 +1,283 @@
+#include "HostCore/_ptr_t.h"
+#include "HostShell/EnvironmentSetting.h"
+#include "HostTask/IHostTask.h"
+#include "engine/APCAlgo.h"
+#include "engine/APCLog.h"
+#include "engine/APCModelFile.h"
+#include "engine/APCRasterFileIterator.h"
+#include "engine/ModelAlgo.h"
+#include "engine/STModelAlgoData.h"
+#include "engine/SequenceControl.h"
+#include "model/APCModel.h"
+#include "model/APCVar.h"
+#include "support/ModelFixtures.h"
+#include "support/TestSupport.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+#include <QThreadPool>
+#include <gtest/gtest.h>
+
+extern "C" HostTask::IHostTask* GetAlgoObj(const QString& name);
+
+using namespace Plugin;
+using namespace TestSupport;
+using TaskPtr = HostCore::_ptr_t<HostTask::IHostTask>;
+
+namespace {
+
+// An installation in a temporary folder: bin/ and Model/apc/ below the root.
+class NestedModels : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        QDir(m_dir.path()).mkpath("bin");
+        QDir(m_dir.path()).mkpath("Model/apc");
+        HostShell::EnvironmentSetting::Instance()->SetAppBinDir(m_dir.filePath("bin"));
+    }
+    void TearDown() override
+    {
+        QThreadPool::globalInstance()->waitForDone();
+        HostShell::EnvironmentSetting::Instance()->SetAppBinDir(QString());
+    }
+    QString ModelPath(const QString& name) const { return m_dir.filePath("Model/apc/" + name); }
+    QString File(const QString& name) const { return m_dir.filePath(name); }
+
+    // copy.apc: copies its free input "Source" to its free output "Target".
+    void WriteCopyModel()
+    {
+        APCModel m;
+        APCAlgo* step = AddAlgo(m, "test.copyText");
+        VarOf(m, step, "In File")->SetDescription("Source");
+        VarOf(m, step, "Out File")->SetDescription("Target");
+        ASSERT_TRUE(m.SaveFile(ModelPath("copy.apc")));
+    }
+
+    // An outer model with one step running name, its parameters fed by constants.
+    APCModelFile* AddModelStep(APCModel& outer, const QString& name, const QMap<QString, QString>& values)
+    {
+        auto* step = new APCModelFile;
+        step->SetClass("model");
+        step->SetProcessName("Model/apc/" + name);
+        outer.AddProcess(step);
+        for (APCParameter& p : step->GetParameters()) {
+            APCVar* v = outer.FindVar(QString(p.value).remove('%'));
+            if (v && values.contains(p.description))
+                SetConstant(v, values[p.description]);
+        }
+        return step;
+    }
+
+    QTemporaryDir m_dir;
+};
+
+STModelAlgoData dataOf(TaskPtr& task)
+{
+    return boost::any_cast<STModelAlgoData>(task->GetParams());
+}
+
+} // namespace
+
+TEST_F(NestedModels, ParametersMirrorTheFreeVarsOfTheFile)
+{
+    WriteCopyModel();
+    APCModelFile step;
+    step.SetProcessName("Model/apc/copy.apc");
+    EXPECT_EQ(step.GetModelPath(), m_dir.filePath("bin") + "/../Model/apc/copy.apc");
+    ASSERT_EQ(step.GetParameters().size(), 2);
+    EXPECT_EQ(step.GetParameters()[0].description, "Source");
+    EXPECT_EQ(step.GetParameters()[0].direction, 0);
+    EXPECT_EQ(step.GetParameters()[1].description, "Target");
+    EXPECT_EQ(step.GetParameters()[1].direction, 1); // written inside the nested model
+    EXPECT_TRUE(step.GetParameters()[0].value.startsWith("%{"));
+    EXPECT_TRUE(step.Check());
+
+    // Reloading keeps the stored values of parameters that still exist.
+    step.GetParameters()[0].value = "kept";
+    EXPECT_TRUE(step.LoadParameters());
+    EXPECT_EQ(step.GetParameters()[0].value, "kept");
+    EXPECT_FALSE(step.SetModelPath(File("missing.apc")));
+    EXPECT_FALSE(step.Check());
+}
+
+TEST_F(NestedModels, ValuesGoInAndFilesComeOut)
+{
+    WriteCopyModel();
+    WriteAll(File("in.txt"), "nested payload");
+    APCModel outer;
+    AddModelStep(outer, "copy.apc", {{"Source", File("in.txt")}, {"Target", File("out.txt")}});
+    SequenceControl control;
+    std::vector<double> progress;
+    control.NodeProgress.connect([&](SequenceNode*, double v) { progress.push_back(v); });
+    const RunResult r = RunModel(control, outer);
+    ASSERT_TRUE(r.finished);
+    EXPECT_EQ(ReadAll(File("out.txt")), QByteArray("nested payload"));
+    EXPECT_TRUE(r.log.contains("Algorithm: model\n"));
+    EXPECT_TRUE(r.log.contains("Result of execution: Succeed"));
+    ASSERT_FALSE(progress.empty());
+    EXPECT_EQ(progress.back(), 100.0);
+}
+
+TEST_F(NestedModels, AFailingNestedStepFailsTheOuterStep)
+{
+    WriteCopyModel();
+    APCModel outer;
+    APCModelFile* step = AddModelStep(outer, "copy.apc", {{"Source", File("nothing.txt")}, {"Target", File("out.txt")}});
+    step->SetDescription("Nested copy");
+    SequenceControl control;
+    const RunResult r = RunModel(control, outer);
+    ASSERT_TRUE(r.finished);
+    EXPECT_TRUE(r.log.contains("Error number: 10\nError message: Copy text file : Cannot open " + File("nothing.txt")));
+    EXPECT_TRUE(r.log.contains("Fail: 1"));
+    // The nested step stays "succeeded", so the outer error is the last node's.
+    EXPECT_EQ(r.code, 10);
+}
+
+TEST_F(NestedModels, IteratorLastInTheNestedModelEndsWithItsError)
+{
+    for (const char* name : {"a.tif", "b.tif"})
+        WriteAll(File(name), name);
+    APCModel nested;
+    APCAlgo* append = AddAlgo(nested, "test.appendLine");
+    SetConstant(VarOf(nested, append, "Out File"), File("seen.txt"));
+    auto* it = new APCRasterFileIterator;
+    nested.AddProcess(it);
+    SetConstant(nested.GetVars()[2], QStringLiteral(R"({"%1":{"subdir":"0","enabled":"1"}})").arg(m_dir.path()));
+    Connect(nested, nested.GetVars()[3], append, "Text");
+    ASSERT_TRUE(nested.SaveFile(ModelPath("iterate.apc")));
+
+    APCModel outer;
+    AddModelStep(outer, "iterate.apc", {});
+    SequenceControl control;
+    const RunResult r = RunModel(control, outer);
+    ASSERT_TRUE(r.finished);
+    EXPECT_EQ(ReadAll(File("seen.txt")), (File("a.tif") + "\n" + File("b.tif") + "\n").toUtf8());
+    EXPECT_TRUE(r.log.contains("Error number: -1\nError message: End of the iteration"));
+}
+
+TEST_F(NestedModels, AModelThatContainsItselfFailsCleanly)
+{
+    APCModel self;
+    auto* step = new APCModelFile;
+    step->SetClass("model");
+    self.AddProcess(step);
+    // Written by hand: the step names the very file it is in.
+    for (APCProcess* p : self.GetProcesses())
+        p->SetDescription("Myself");
+    ASSERT_TRUE(self.SaveFile(ModelPath("self.apc")));
+    QByteArray bytes = ReadAll(ModelPath("self.apc"));
+    bytes.replace("processName=\"\"", "processName=\"Model/apc/self.apc\"");
+    WriteAll(ModelPath("self.apc"), bytes);
+
+    APCModel loaded;
+    ASSERT_TRUE(loaded.LoadFile(ModelPath("self.apc")));
+    ASSERT_EQ(loaded.GetProcesses().size(), 1);
+    EXPECT_FALSE(loaded.GetProcesses()[0]->Check());
+
+    // Run anyway: the nested copy of itself is found invalid instead of recursing.
+    APCModel outer;
+    APCModelFile* nestedStep = AddModelStep(outer, "self.apc", {});
+    EXPECT_FALSE(nestedStep->Check());
+    EXPECT_FALSE(nestedStep->Execute());
+    SequenceControl control;
+    const RunResult r = RunModel(control, outer);
+    ASSERT_TRUE(r.finished);
+    EXPECT_TRUE(r.log.contains("Algorithm: model\n"));
+}
+
+TEST_F(NestedModels, StoppingTheOuterRunReleasesTheNestedOne)
+{
+    APCModel nested;
+    APCAlgo* sleep = AddAlgo(nested, "test.sleep");
+    SetLiteral(nested, sleep, "Milliseconds", "300");
+    APCAlgo* after = AddAlgo(nested, "test.sleep");
+    (void)after;
+    ASSERT_TRUE(nested.SaveFile(ModelPath("slow.apc")));
+
+    APCModel outer;
+    AddModelStep(outer, "slow.apc", {});
+    SequenceControl control;
+    control.SetName("outer");
+    control.Build(&outer);
+    control.Start();
+    WaitUntil([] { return false; }, 100);
+    control.Stop();
+    QElapsedTimer timer;
+    timer.start();
+    // Without the release the pool thread would wait in the nested loop forever.
+    EXPECT_TRUE(QThreadPool::globalInstance()->waitForDone(5000));
+    EXPECT_LT(timer.elapsed(), 5000);
+    EXPECT_TRUE(control.GetLog()->GetLogText().contains("End the model: outer"));
+}
+
+TEST_F(NestedModels, HeadlessObjectsAsAHostCallsThem)
+{
+    WriteCopyModel();
+    EXPECT_EQ(GetAlgoObj("ModelInfoAlgo"), nullptr);
+    EXPECT_EQ(GetAlgoObj("modelalgo"), nullptr);
+
+    TaskPtr info(GetAlgoObj("ModelAlgoInfo"));
+    ASSERT_TRUE(info);
+    STModelAlgoData request;
+    request.file = ModelPath("copy.apc");
+    info->SetParams(request);
+    ASSERT_TRUE(info->Execute());
+    STModelAlgoData inputs = dataOf(info);
+    ASSERT_EQ(inputs.params.size(), 2);
+    EXPECT_EQ(inputs.params[0].description, "Source");
+    EXPECT_EQ(inputs.params[0].type, "file");
+    EXPECT_TRUE(inputs.params[0].value.isEmpty());
+
+    WriteAll(File("in.txt"), "headless");
+    inputs.params[0].value = File("in.txt");
+    inputs.params[1].value = File("out.txt");
+    TaskPtr run(GetAlgoObj("ModelAlgo"));
+    std::vector<double> progress;
+    run->Progress.connect([&](double v, const QString&, void*) { progress.push_back(v); return 0; });
+    run->SetParams(inputs);
+    EXPECT_TRUE(run->Execute());
+    EXPECT_EQ(ReadAll(File("out.txt")), QByteArray("headless"));
+    ASSERT_FALSE(progress.empty());
+    EXPECT_EQ(progress.back(), 100.0);
+    int code = -1;
+    QString message;
+    run->GetErrorInfo(code, message);
+    EXPECT_EQ(code, 0);
+}
+
+TEST_F(NestedModels, HeadlessObjectsRejectWrongRecordsWithCode100)
+{
+    WriteCopyModel();
+    STModelAlgoData good;
+    good.file = ModelPath("copy.apc");
+    good.params = {{"a", "", "", "", "x"}, {"b", "", "", "", "y"}};
+    STModelAlgoData missingFile;
+    missingFile.file = File("none.apc");
+    STModelAlgoData shortList = good;
+    shortList.params.removeLast();
+
+    struct Case { const char* name; const char* object; boost::any slot; bool result; int code; };
+    const std::vector<Case> cases = {
+        {"info: empty slot", "ModelAlgoInfo", boost::any(), false, 100},
+        {"info: a QString", "ModelAlgoInfo", boost::any(QString("x")), false, 100},
+        {"info: missing file is silent", "ModelAlgoInfo", boost::any(missingFile), false, 0},
+        {"run: empty slot", "ModelAlgo", boost::any(), false, 100},
+        {"run: a QString", "ModelAlgo", boost::any(QString("x")), false, 100},
+        {"run: missing file", "ModelAlgo", boost::any(missingFile), false, 100},
+        {"run: wrong count", "ModelAlgo", boost::any(shortList), false, 100},
+        {"run: unknown names", "ModelAlgo", boost::any(good), false, 100},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        TaskPtr task(GetAlgoObj(c.object));
+        task->SetParams(c.slot);
+        EXPECT_EQ(task->Execute(), c.result);
+        int code = -1;
+        QString message;
+        task->GetErrorInfo(code, message);
+        EXPECT_EQ(code, c.code);
+        EXPECT_TRUE(message.isEmpty());
+    }
+}
