@@ -12,6 +12,9 @@
 #include <QSet>
 #include <QUuid>
 
+#include <algorithm>
+#include <vector>
+
 namespace Plugin {
 
 namespace {
@@ -222,39 +225,73 @@ bool APCFileIterator::BuildRounds()
         QString key;
         QString filter;
         QStringList files;
-        QStringList names; // file names, for the containment test
+        // The file names joined by line feeds, and where each starts: the first
+        // name holding a capture is then one substring search away.
+        QString joined;
+        std::vector<int> starts;
+        bool plainNames = true; // no line feed inside a name
+
+        // The first file (in list order) whose name contains every capture, or -1.
+        int FirstContaining(const QStringList& captures) const
+        {
+            if (!plainNames) {
+                for (int i = 0; i < files.size(); ++i)
+                    if (ContainsAll(files[i], captures))
+                        return i;
+                return -1;
+            }
+            const QString* longest = &captures.first();
+            for (const QString& c : captures)
+                if (c.size() > longest->size())
+                    longest = &c;
+            int from = 0;
+            while (from < joined.size()) {
+                const int at = longest->isEmpty() ? from : joined.indexOf(*longest, from);
+                if (at < 0)
+                    return -1;
+                const int i = int(std::upper_bound(starts.begin(), starts.end(), at) - starts.begin()) - 1;
+                if (i < 0 || i >= files.size())
+                    return -1;
+                const int end = i + 1 < int(starts.size()) ? starts[i + 1] - 1 : joined.size();
+                if (at + longest->size() <= end && ContainsAll(files[i], captures))
+                    return i;
+                from = i + 1 < int(starts.size()) ? starts[i + 1] : joined.size();
+            }
+            return -1;
+        }
     };
     for (const Directory& d : directories) {
         if (!d.enabled || !QDir(d.path).exists())
             continue;
         QList<Group> groups;
         for (const Filter& f : filters) {
-            Group g{f.first, f.second, FindFiles(d.path, f.second, d.subdir), {}};
-            for (const QString& file : g.files)
-                g.names.append(QFileInfo(file).fileName());
+            Group g;
+            g.key = f.first;
+            g.filter = f.second;
+            g.files = FindFiles(d.path, f.second, d.subdir);
+            for (const QString& file : g.files) {
+                const QString name = QFileInfo(file).fileName();
+                g.plainNames = g.plainNames && !name.contains(QLatin1Char('\n'));
+                g.starts.push_back(g.joined.size());
+                g.joined += name;
+                g.joined += QLatin1Char('\n');
+            }
             groups.append(g);
         }
         const Group& first = groups.first();
         for (const QString& file : first.files) {
             const QStringList captures = CaptureWildcards(file, first.filter);
+            if (captures.isEmpty())
+                continue; // ContainsAll is false for every file
             QMap<QString, QString> round;
-            bool complete = !captures.isEmpty();
-            for (int g = 0; complete && g < groups.size(); ++g) {
-                int hit = -1;
-                for (int i = 0; i < groups[g].names.size() && hit < 0; ++i) {
-                    bool all = true;
-                    for (const QString& c : captures)
-                        if (!groups[g].names[i].contains(c, Qt::CaseSensitive)) {
-                            all = false;
-                            break;
-                        }
-                    if (all)
-                        hit = i;
-                }
-                if (hit < 0)
+            bool complete = true;
+            for (const Group& g : groups) {
+                const int hit = g.FirstContaining(captures);
+                if (hit < 0) {
                     complete = false;
-                else
-                    round.insert(groups[g].key, groups[g].files[hit]);
+                    break;
+                }
+                round.insert(g.key, g.files[hit]);
             }
             if (complete && !round.isEmpty())
                 m_rounds.append(round);

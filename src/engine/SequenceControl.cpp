@@ -89,6 +89,16 @@ void SequenceControl::Build(APCModel* model)
     }
 
     const QString kVar = QStringLiteral("var"), kProcess = QStringLiteral("process");
+    // The arrows of each var in list order, as ArrowsOfVar gives them, in one pass.
+    QHash<QString, QList<APCArrow*>> arrowsOfVar;
+    for (APCArrow* arrow : model->GetArrows()) {
+        const bool atHead = arrow->GetHeadType() == kVar;
+        const bool atTail = arrow->GetTailType() == kVar;
+        if (atHead)
+            arrowsOfVar[arrow->GetHead()].append(arrow);
+        if (atTail && !(atHead && arrow->GetTail() == arrow->GetHead()))
+            arrowsOfVar[arrow->GetTail()].append(arrow);
+    }
     for (APCArrow* arrow : model->GetArrows()) {
         if (arrow->GetHeadType() != kVar || arrow->GetTailType() != kProcess)
             continue;
@@ -97,7 +107,7 @@ void SequenceControl::Build(APCModel* model)
         SequenceNode* writerNode = writer ? byName.value(writer->GetName()) : nullptr;
         if (!var || !writer || !writerNode)
             return;
-        for (APCArrow* other : model->ArrowsOfVar(var)) {
+        for (APCArrow* other : arrowsOfVar.value(var->GetName())) {
             if (other == arrow)
                 continue;
             // A second writer of the same var: the graph is not runnable.

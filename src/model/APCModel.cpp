@@ -6,6 +6,8 @@
 #include "model/APCVar.h"
 #include "model/APCVarFactory.h"
 
+#include <QThread>
+
 #include <vector>
 
 namespace Plugin {
@@ -133,8 +135,49 @@ QString APCModel::ObjectType(APCObject* object)
     return QString();
 }
 
+QSet<QString> APCModel::IteratorOutputIds() const
+{
+    QSet<QString> ids;
+    for (APCArrow* a : m_arrows)
+        if (a->GetHeadType() == kVar && a->GetTailType() == kProcess && dynamic_cast<APCIterator*>(FindProcess(a->GetTail())))
+            ids.insert(a->GetHead());
+    return ids;
+}
+
+namespace {
+// Installs a pass's iterator outputs on the model for the current thread.
+class PassOutputs
+{
+public:
+    PassOutputs(const QSet<QString>*& slot, Qt::HANDLE& thread, const QSet<QString>& ids)
+        : m_slot(slot), m_thread(thread), m_ids(ids)
+    {
+        m_active = m_slot == nullptr;
+        if (m_active) {
+            m_slot = &m_ids;
+            m_thread = QThread::currentThreadId();
+        }
+    }
+    ~PassOutputs()
+    {
+        if (m_active) {
+            m_slot = nullptr;
+            m_thread = nullptr;
+        }
+    }
+
+private:
+    const QSet<QString>*& m_slot;
+    Qt::HANDLE& m_thread;
+    QSet<QString> m_ids;
+    bool m_active = false;
+};
+} // namespace
+
 bool APCModel::IsIteratorOutput(const QString& varId) const
 {
+    if (m_passOutputs && m_passThread == QThread::currentThreadId())
+        return m_passOutputs->contains(varId);
     for (APCArrow* a : m_arrows) {
         const bool ofVar = (a->GetHeadType() == kVar && a->GetHead() == varId) ||
                            (a->GetTailType() == kVar && a->GetTail() == varId);
@@ -146,6 +189,7 @@ bool APCModel::IsIteratorOutput(const QString& varId) const
 
 QList<APCVar*> APCModel::GetFreeVars() const
 {
+    PassOutputs pass(m_passOutputs, m_passThread, IteratorOutputIds());
     QList<APCVar*> result;
     for (APCVar* v : m_vars)
         if (v->IsFree())
@@ -430,6 +474,7 @@ void APCModel::ResetVarValues()
 
 bool APCModel::ResolveVarValues(const QList<APCVar*>& inputs)
 {
+    PassOutputs pass(m_passOutputs, m_passThread, IteratorOutputIds());
     QHash<QString, QString> given; // the last input of an id wins, as in a linear pass
     for (APCVar* in : inputs)
         given.insert(in->GetName(), in->GetValue());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QHash>
+#include <QSet>
 #include <QList>
 #include <QString>
 #include <boost/signals2.hpp>
@@ -99,6 +100,9 @@ private:
     void ReadVars(const QDomNode& node);
     void ReadArrows(const QDomNode& node);
 
+    // Ids of the vars an iterator writes, from one pass over the arrows.
+    QSet<QString> IteratorOutputIds() const;
+
     template <class T>
     T* Lookup(const QList<T*>& list, QHash<QString, int>& index, const QString& id) const;
 
@@ -107,6 +111,11 @@ private:
     QList<APCArrow*> m_arrows;
 
     // id -> position of its first holder; checked against the list on every hit.
+    // While ResolveVarValues or GetFreeVars runs, the iterator outputs are computed
+    // once for the pass (arrows do not change meanwhile), for the thread running it.
+    mutable const QSet<QString>* m_passOutputs = nullptr;
+    mutable Qt::HANDLE m_passThread = nullptr;
+
     mutable std::mutex m_indexMutex;
     mutable QHash<QString, int> m_processIndex;
     mutable QHash<QString, int> m_varIndex;
