@@ -19,3 +19,10 @@ echo "== Running it on $scenes"
 echo
 echo "== Outputs in $out"
 ls -l "$out"
+
+echo
+echo "== The same scenes through a model nested in another ($build/Model/apc/batch_nested.apc)"
+"$root/$build/bin/mbrun" "$root/$build/Model/apc/batch_nested.apc" \
+  --set "Scene folders={\"$scenes\":{\"subdir\":\"0\",\"enabled\":\"1\"}}" \
+  --set "Output folder=$out" | tail -n 3
+ls "$out"/*_nested.tif
