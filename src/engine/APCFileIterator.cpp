@@ -303,6 +303,19 @@ bool APCFileIterator::BuildRounds()
 bool APCFileIterator::Execute()
 {
     if (GetIteratorState() == NotRun) {
+        // A setting that names a var the model does not have cannot be read: say
+        // so instead of iterating over nothing.
+        for (const QString& name : {kDir, kFilter}) {
+            const QString value = GetParameter(name).value;
+            if (!value.startsWith(QLatin1Char('%')))
+                continue;
+            const QString id = QString(value).remove(QLatin1Char('%'));
+            if (!GetModel() || !GetModel()->FindVar(id)) {
+                SetError(-2, QCoreApplication::translate("APCFileIterator", "The setting %1 names the variable %2, which the model does not have")
+                                 .arg(GetParameter(name).description, id));
+                return false;
+            }
+        }
         BuildRounds();
         m_total = m_rounds.size();
     }

@@ -200,3 +200,19 @@ TEST(FileIterator, AnUnwiredOutputFailsTheStepWithAMessage)
     EXPECT_NE(code, -1);
     EXPECT_TRUE(message.contains("Out File"));
 }
+
+TEST(FileIterator, ASettingNamingAMissingVarFailsTheStepWithAMessage)
+{
+    APCModel model;
+    auto* it = new APCRasterFileIterator;
+    setParam(*it, "strDir", "%{not-in-the-model}%");
+    model.GetProcesses().append(it);
+    it->SetModel(&model);
+    EXPECT_FALSE(it->Execute());
+    int code = 0;
+    QString message;
+    it->GetError(code, message);
+    EXPECT_EQ(code, -2);
+    EXPECT_TRUE(message.contains("{not-in-the-model}"));
+    EXPECT_FALSE(it->IsEnded()); // a failure, logged as such, not the end of the iteration
+}
