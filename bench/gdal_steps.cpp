@@ -1,0 +1,147 @@
+// A model of real GDAL steps run by the engine against the same algorithms called
+// one after another without it: the engine's overhead, and its gain on branches.
+#include "BenchSupport.h"
+
+#include "HostRunner/ExcuteAlgo.h"
+#include "engine/APCAlgo.h"
+#include "engine/SequenceControl.h"
+#include "model/APCArrow.h"
+#include "model/APCModel.h"
+#include "model/APCVar.h"
+
+#include <QMap>
+#include <QTemporaryDir>
+#include <QThreadPool>
+#include <gdal_priv.h>
+
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+using namespace Plugin;
+
+namespace {
+
+struct Step
+{
+    QString algorithm;
+    QString in;
+    QString out;
+};
+
+void makeDem(const QString& path, int size)
+{
+    GDALAllRegister();
+    GDALDriver* driver = GetGDALDriverManager()->GetDriverByName("GTiff");
+    GDALDataset* ds = driver->Create(path.toUtf8().constData(), size, size, 1, GDT_Float32, nullptr);
+    double gt[6] = {500000, 10, 0, 5000000, 0, -10};
+    ds->SetGeoTransform(gt);
+    std::vector<float> row(size);
+    for (int y = 0; y < size; ++y) {
+        for (int x = 0; x < size; ++x)
+            row[x] = float(300 + 120 * std::sin(x / 97.0) * std::cos(y / 131.0) + 0.01 * x);
+        (void)ds->GetRasterBand(1)->RasterIO(GF_Write, 0, y, size, 1, row.data(), size, 1, GDT_Float32, 0, 0);
+    }
+    GDALClose(ds);
+}
+
+// Adds the step, with constant vars holding its file names. Steps that read the
+// output of an earlier step are joined to it through that step's output var.
+void addStep(APCModel& model, const Step& s, QMap<QString, APCVar*>& outputs)
+{
+    auto* algo = new APCAlgo;
+    algo->SetClass("algo");
+    algo->SetProcessName(s.algorithm);
+    model.AddProcess(algo);
+    APCVar* in = model.FindVar(algo->GetParameter("In File").value.remove('%'));
+    APCVar* out = model.FindVar(algo->GetParameter("Out File").value.remove('%'));
+    out->SetConstant(true);
+    out->SetValue(s.out);
+    outputs.insert(s.out, out);
+    if (APCVar* producer = outputs.value(s.in)) {
+        model.RemoveVar(in);
+        delete in;
+        for (APCParameter& p : algo->GetParameters())
+            if (p.name == "In File")
+                p.value = "%" + producer->GetName() + "%";
+        model.UpdateProcess(algo);
+    } else {
+        in->SetConstant(true);
+        in->SetValue(s.in);
+    }
+}
+
+double direct(const std::vector<Step>& steps)
+{
+    return Bench::Millis([&] {
+        for (const Step& s : steps) {
+            HostRunner::RunRecord record;
+            std::memset(&record, 0, sizeof record);
+            const QByteArray json = QStringLiteral(R"({"In File":"%1","Out File":"%2"})").arg(s.in, s.out).toUtf8();
+            HostRunner::ExcuteAlgo(s.algorithm.toUtf8().constData(), json.constData(), &record);
+            if (record.errorCode != 0)
+                std::printf("direct step failed: %s\n", record.errorMessage);
+        }
+    });
+}
+
+double engine(const std::vector<Step>& steps)
+{
+    APCModel model;
+    QMap<QString, APCVar*> outputs;
+    for (const Step& s : steps)
+        addStep(model, s, outputs);
+    model.ResetVarValues();
+    model.ResolveVarValues({});
+    SequenceControl control;
+    bool done = false;
+    control.NodeFinished.connect([&](SequenceNode* n) { if (!n) done = true; });
+    const double ms = Bench::Millis([&] {
+        control.SetName("bench");
+        control.Build(&model);
+        control.Start();
+        Bench::SpinUntil([&] { return done; });
+    });
+    int code = 0;
+    QString message;
+    control.GetError(code, message);
+    if (code != 0)
+        std::printf("engine run failed: %s\n", qPrintable(message));
+    return ms;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    QTemporaryDir dir;
+    const QString dem = dir.filePath("dem.tif");
+    makeDem(dem, 2500);
+    auto f = [&](const char* name) { return dir.filePath(name); };
+
+    const std::vector<Step> chain = {
+        {"raster.translate", dem, f("copy.tif")},
+        {"raster.hillshade", f("copy.tif"), f("shade.tif")},
+        {"raster.slope", f("shade.tif"), f("slope.tif")},
+        {"raster.aspect", f("slope.tif"), f("aspect.tif")},
+    };
+    const std::vector<Step> branches = {
+        {"raster.hillshade", dem, f("b_shade.tif")},
+        {"raster.slope", dem, f("b_slope.tif")},
+        {"raster.aspect", dem, f("b_aspect.tif")},
+        {"raster.translate", dem, f("b_copy.tif")},
+    };
+    direct(chain); // warm the file cache
+    for (int r = 0; r < 2; ++r) {
+        const double d = direct(chain), e = engine(chain);
+        Bench::Print("chain_4_gdal_steps_direct", d, "ms");
+        Bench::Print("chain_4_gdal_steps_engine", e, "ms");
+        Bench::Print("chain_4_gdal_steps_engine_overhead", 100.0 * (e - d) / d, "% (target < 5)");
+    }
+    const double d = direct(branches), e = engine(branches);
+    Bench::Print("branches_4_gdal_steps_direct_sequential", d, "ms");
+    Bench::Print("branches_4_gdal_steps_engine", e, "ms");
+    Bench::Print("branches_4_gdal_steps_speedup", d / e, QStringLiteral("x on %1 pool threads (target > 1)").arg(QThreadPool::globalInstance()->maxThreadCount()).toUtf8().constData());
+    return 0;
+}
