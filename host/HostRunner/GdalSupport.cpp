@@ -19,7 +19,7 @@
 namespace HostRunner {
 
 const char* const kRasterInputFilter = "Rasters (*.tif *.tiff *.img *.vrt *.asc *.png *.jpg);;All files (*)";
-const char* const kRasterOutputFilter = "GeoTIFF (*.tif *.tiff);;Erdas Imagine (*.img);;Arc/Info ASCII grid (*.asc);;"
+const char* const kRasterOutputFilter = "GeoTIFF (*.tif *.tiff);;HFA (*.img);;ASCII grid (*.asc);;"
                                         "PNG (*.png);;GeoPackage (*.gpkg)";
 const char* const kVectorInputFilter = "Vector layers (*.shp *.gpkg *.geojson *.json *.csv *.kml *.gml *.fgb);;"
                                        "All files (*)";
@@ -472,7 +472,8 @@ bool GdalJob::Fail(int code, const QString& message)
 bool GdalJob::FailGdal(int code, const QString& message)
 {
     // GDAL often starts with the file name, which the message already gives.
-    static const QRegularExpression leadingPath(QStringLiteral("^(?:`([^']+)'|(/[^:]+):)\\s+"));
+    // Not static: runs fail concurrently, and a shared expression compiles lazily.
+    const QRegularExpression leadingPath(QStringLiteral("^(?:`([^']+)'|(/[^:]+):)\\s+"));
     QString detail = m_errors.LastMessage();
     const QRegularExpressionMatch m = leadingPath.match(detail);
     if (m.hasMatch() && message.contains(m.captured(1) + m.captured(2)))

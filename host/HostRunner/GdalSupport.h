@@ -43,7 +43,7 @@ extern const char* const kVectorInputFilter;
 extern const char* const kVectorOutputFilter;
 extern const char* const kTableOutputFilter;
 
-// The GDAL driver for an output path, from its extension: GTiff, resp. ESRI Shapefile,
+// The GDAL driver for an output path, from its extension: GTiff, resp. the shapefile one,
 // when the extension is unknown or missing.
 QString RasterDriverFor(const QString& path);
 QString VectorDriverFor(const QString& path);
