@@ -60,7 +60,6 @@ void addStep(APCModel& model, const Step& s, QMap<QString, APCVar*>& outputs)
     outputs.insert(s.out, out);
     if (APCVar* producer = outputs.value(s.in)) {
         model.RemoveVar(in);
-        delete in;
         for (APCParameter& p : algo->GetParameters())
             if (p.name == "In File")
                 p.value = "%" + producer->GetName() + "%";

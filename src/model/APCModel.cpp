@@ -52,6 +52,15 @@ APCModel::~APCModel()
     qDeleteAll(m_processes);
     qDeleteAll(m_vars);
     qDeleteAll(m_arrows);
+    qDeleteAll(m_unclaimed);
+}
+
+template <class T>
+void APCModel::HandOver(boost::signals2::signal<void(T*)>& removed, T* object)
+{
+    if (removed.empty())
+        m_unclaimed.append(object);
+    removed(object);
 }
 
 void APCModel::InvalidateIndex()
@@ -251,7 +260,7 @@ void APCModel::DetachArrow(APCArrow* arrow)
 {
     m_arrows.removeOne(arrow);
     UnwireArrow(arrow);
-    arrowRemoved(arrow);
+    HandOver(arrowRemoved, arrow);
 }
 
 APCArrow* APCModel::CreateParameterArrow(APCProcess* process, const QString& paramName, int direction, APCVar* var)
@@ -340,7 +349,7 @@ bool APCModel::RemoveProcess(APCProcess* process)
         DetachArrow(a);
     m_processes.removeOne(process);
     InvalidateIndex();
-    processRemoved(process);
+    HandOver(processRemoved, process);
     return true;
 }
 
@@ -362,7 +371,7 @@ bool APCModel::RemoveVar(APCVar* var)
     }
     m_vars.removeOne(var);
     InvalidateIndex();
-    varRemoved(var);
+    HandOver(varRemoved, var);
     return true;
 }
 

@@ -106,9 +106,15 @@ private:
     template <class T>
     T* Lookup(const QList<T*>& list, QHash<QString, int>& index, const QString& id) const;
 
+    // Hands a removed object to the listeners of its ...Removed signal; with none
+    // connected the model keeps it until it dies itself, instead of losing it.
+    template <class T>
+    void HandOver(boost::signals2::signal<void(T*)>& removed, T* object);
+
     QList<APCProcess*> m_processes;
     QList<APCVar*> m_vars;
     QList<APCArrow*> m_arrows;
+    QList<APCObject*> m_unclaimed; // owned: removed while nobody listened
 
     // id -> position of its first holder; checked against the list on every hit.
     // While ResolveVarValues or GetFreeVars runs, the iterator outputs are computed

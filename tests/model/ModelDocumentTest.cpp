@@ -187,7 +187,6 @@ TEST_F(ModelDocument, TypeParamBecomesDirectionTwoOnlyWhenWrittenAndRead)
     arrow->SetHeadType("process");
     arrow->SetHeadParam("In File");
     model.RemoveVar(readerVar);
-    delete readerVar;
     model.AddArrow(arrow);
     EXPECT_EQ(reader->GetParameter("In File").value, "%" + middle->GetName() + "%");
     EXPECT_EQ(middle->GetTypeParam(), R"({"direction":"2"})"); // the reader's parameter text, rewritten
@@ -415,7 +414,6 @@ TEST_F(ModelDocument, LookupsFollowRenamesAndRemovals)
     b->SetName("{renamed}"); // duplicates: the first in list order wins
     EXPECT_EQ(model.FindVar("{renamed}"), a);
     model.RemoveVar(a);
-    delete a;
     EXPECT_EQ(model.FindVar("{renamed}"), b);
     // Direct appends by a reader are seen too.
     auto* c = new APCVar;

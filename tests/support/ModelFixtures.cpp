@@ -49,7 +49,6 @@ void Connect(APCModel& model, APCVar* var, APCAlgo* step, const QString& param)
 {
     if (APCVar* old = VarOf(model, step, param)) {
         model.RemoveVar(old);
-        delete old;
     }
     SetLiteral(model, step, param, QLatin1Char('%') + var->GetName() + QLatin1Char('%'));
 }
