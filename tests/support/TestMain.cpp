@@ -27,7 +27,7 @@ extern "C" const char* __lsan_default_suppressions()
 extern "C" const char* __tsan_default_suppressions()
 {
     return "called_from_lib:libQt5Core.so.5\ncalled_from_lib:libgdal.so.32\nrace:QThreadPool\n"
-           "race:QFutureInterfaceBase\nrace:QMutex\nrace:libglib\n";
+           "race:QFutureInterfaceBase\nrace:QMutex\nrace:libglib\ncalled_from_lib:libsqlite3.so.0\n";
 }
 
 extern "C" const char* __ubsan_default_options()
