@@ -60,10 +60,6 @@ TEST(ExpressionBinding, ResolvesComputedVars)
           {"{c}", "$ReplaceExtension(%{b}%, 'xml')"}},
          true,
          {{"{b}", "c:/data/x_x.tif"}, {"{c}", "c:/data/x_x.xml"}}},
-        {"two vars and a literal",
-         {{"{a}", "=c:/data/x.tif"}, {"{d}", "=c:/out"}, {"{e}", "$SelectDirectory2(%{d}%, %{a}%, 'c:/data')"}},
-         true,
-         {{"{e}", "c:/out/x.tif"}}},
         {"nested with vars",
          {{"{a}", "=c:/data/x.tif"}, {"{d}", "=c:/out"}, {"{e}", "$ReplaceDirectory(%{d}%, $AppendSuffix(%{a}%, '_1'))"}},
          true,
@@ -102,20 +98,6 @@ TEST(ExpressionBinding, ResolvesComputedVars)
         }
     }
     EXPECT_TRUE(QFileInfo(root + "/out").isDir());
-}
-
-TEST(ExpressionBinding, FreeInputFeedsTheExpression)
-{
-    APCModel model;
-    auto* in = new APCVar; // computed without an expression: a free input
-    in->SetName("{in}");
-    model.AddVar(in);
-    APCVar* out = AddComputed(model, "{out}", "$ReplaceSuffix(%{in}%, '_raw', '_clean')");
-    APCVar input;
-    input.SetName("{in}");
-    input.SetValue("d:/a/b_raw.tif");
-    ASSERT_TRUE(model.ResolveVarValues({&input}));
-    EXPECT_EQ(out->GetRunValue(), "d:/a/b_clean.tif");
 }
 
 // A reference is bound when the expression gets its model; a var added later is

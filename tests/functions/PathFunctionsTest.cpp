@@ -42,18 +42,15 @@ TEST(PathFunctions, Values)
         {"append: last extension only", "$AppendSuffix('c:/test/x.tar.gz', '_a')", "c:/test/x.tar_a.gz"},
         {"append: no extension, before the last character", "$AppendSuffix('c:/test/x', '_a')", "c:/test/_ax"},
         {"append: a dot in a directory is no extension", "$AppendSuffix('c:/a.b/x', '_a')", "c:/a.b/_ax"},
-        {"append: blanks collapse in literals", "$AppendSuffix('c:/my   dir/x.tif', '_a  b')", "c:/my dir/x_a b.tif"},
         {"append: no normalising", "$AppendSuffix('c:\\\\t\\\\x.tif', '_a')", "c:\\\\t\\\\x_a.tif"},
 
         {"extension: replaced, dot kept", "$ReplaceExtension('c:/test/x.tif', 'xml')", "c:/test/x.xml"},
         {"extension: none, appended bare", "$ReplaceExtension('c:/test/x', 'xml')", "c:/test/xxml"},
         {"extension: leading dot doubles", "$ReplaceExtension('c:/test/x.tif', '.xml')", "c:/test/x..xml"},
-        {"extension: dot in a directory", "$ReplaceExtension('c:/a.b/x', 'xml')", "c:/a.b/xxml"},
 
         {"suffix: help example", "$ReplaceSuffix('c:/test/n_abc.tif', '_abc', '_xyz')", "c:/test/n_xyz.tif"},
         {"suffix: whole path, every occurrence", "$ReplaceSuffix('c:/abc/n_abc.tif', 'abc', 'xyz')", "c:/xyz/n_xyz.tif"},
         {"suffix: case-sensitive", "$ReplaceSuffix('c:/ABC/n_abc.tif', 'abc', 'x')", "c:/ABC/n_x.tif"},
-        {"suffix: removed", "$ReplaceSuffix('c:/t/n_abc.tif', '_abc', '')", "c:/t/n.tif"},
 
         {"directory: help example", "$ReplaceDirectory('c:/test/result', 'c:/test/data/1/a.tif')", "c:/test/result/a.tif"},
         {"directory: bare file name gives nothing", "$ReplaceDirectory('c:/test/result', 'a.tif')", ""},
@@ -64,8 +61,6 @@ TEST(PathFunctions, Values)
 
         {"select: help example", "$SelectDirectory('c:/test/result', 'c:/test/data/1/a.tif')", "c:/test/result/1/a.tif"},
         {"select: bare file name gives nothing", "$SelectDirectory('c:/r', 'a.tif')", ""},
-        {"select: trailing slash", "$SelectDirectory('c:/r/', 'c:/d/1/a.tif')", "c:/r/1/a.tif"},
-        {"select: backslash pairs", "$SelectDirectory('c:\\\\r', 'c:\\\\d\\\\1\\\\a.tif')", "c:/r/1/a.tif"},
 
         {"select2: help example", "$SelectDirectory2('c:/test/result', 'c:/test/data/1/2/3/a.tif', 'c:/test/data/1')",
          "c:/test/result/2/3/a.tif"},
@@ -74,21 +69,16 @@ TEST(PathFunctions, Values)
         {"select2: base found anywhere", "$SelectDirectory2('c:/r', 'x/data/a.tif', 'c:/x/data')", "c:/r/a.tif"},
         {"select2: trailing slash doubles", "$SelectDirectory2('c:/r/', 'c:/d/1/a.tif', 'c:/d')", "c:/r//1/a.tif"},
         {"select2: leading slash dropped", "$SelectDirectory2('/out', '/data/1/a.tif', '/data')", "out/1/a.tif"},
-        {"select2: backslash pairs", "$SelectDirectory2('c:\\\\r', 'c:\\\\d\\\\1\\\\a.tif', 'c:\\\\d')", "c:/r/1/a.tif"},
 
         {"union: help example", "$UnionFilePath('c:/test/a_b_x.tif', 'c:/test/a_b_y.tif', '_')", "c:/test/a_b.tif"},
         {"union: nothing common, side by side", "$UnionFilePath('c:/test/x.tif', 'c:/test/y.tif', '_')", "c:/test/x.tif_y.tif"},
         {"union: every level", "$UnionFilePath('c:/d_1/a.tif', 'c:/d_2/a.tif', '_')", "c:/d/a.tif"},
         {"union: first parts differ", "$UnionFilePath('c:/a/b.tif', 'd:/a/b.tif', '_')", "c:/a/b.tif"},
-        {"union: depths differ", "$UnionFilePath('c:/t/a.tif', 'c:/t/u/a.tif', '_')", "c:/t/a.tif"},
         {"union: first path normalised", "$UnionFilePath('c:\\\\t\\\\a.tif', 'd:\\\\t\\\\a.tif', '_')", "c:/t/a.tif"},
         {"union: own suffix, no extension added", "$UnionFilePath('c:/t/a.b_x.tif', 'c:/t/a.b_y.tif', '_')", "c:/t/a.b"},
         {"union: no extensions, trailing dot", "$UnionFilePath('c:/t/a_x', 'c:/t/a_y', '_')", "c:/t/a."},
         {"union: repeated pieces collapse", "$UnionFilePath('c:/t/a_a_x.tif', 'c:/t/a_y.tif', '_')", "c:/t/a.tif"},
-        {"union: other separator", "$UnionFilePath('c:/t/a-b-x.tif', 'c:/t/a-b-y.tif', '-')", "c:/t/a-b.tif"},
 
-        {"nested", "$ReplaceExtension($AppendSuffix('c:/t/x.tif', '_a'), 'xml')", "c:/t/x_a.xml"},
-        {"catalogue example without dollar", "UnionFilePath('c:/test/a_b_x.tif', 'c:/test/a_b_y.tif', '_')", "<null>"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
