@@ -1,6 +1,7 @@
 #pragma once
 // Small helpers shared by the benchmark programs (header-only on purpose: each
 // benchmark is one program).
+#include <QByteArray>
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
@@ -11,9 +12,9 @@
 
 namespace Bench {
 
-inline void Print(const char* name, double value, const char* unit)
+inline void Print(const QByteArray& name, double value, const char* unit)
 {
-    std::printf("%s: %.3f %s\n", name, value, unit);
+    std::printf("%s: %.3f %s\n", name.constData(), value, unit);
     std::fflush(stdout);
 }
 
