@@ -599,4 +599,16 @@ void RegisterGdalAlgorithm(const Plugin::AlgoConfig& config, GdalRunFn run)
         });
 }
 
+Plugin::AlgoConfig MakeAlgoConfig(const char* category, const char* name, const char* displayText, const char* help,
+                                  QList<Plugin::Param> params)
+{
+    Plugin::AlgoConfig c;
+    c.name = QString::fromLatin1(name);
+    c.displayText = QString::fromUtf8(displayText);
+    c.category = QString::fromLatin1(category);
+    c.help = QString::fromUtf8(help);
+    c.params = std::move(params);
+    return c;
+}
+
 } // namespace HostRunner

@@ -52,6 +52,10 @@ QString VectorDriverFor(const QString& path);
 QStringList SplitPaths(const QString& value);
 
 // Catalogue parameters. A file parameter's filter goes into its typeParam.
+// The catalogue entry of an algorithm of the given category ("Raster", "Vector").
+Plugin::AlgoConfig MakeAlgoConfig(const char* category, const char* name, const char* displayText, const char* help,
+                                  QList<Plugin::Param> params);
+
 Plugin::Param InputParam(const QString& name, const QString& type, const QString& description,
                          const QString& filter = QString());
 Plugin::Param OutputParam(const QString& name, const QString& type, const QString& description,

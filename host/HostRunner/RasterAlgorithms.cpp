@@ -40,13 +40,7 @@ using BuildVrtOptions = std::unique_ptr<GDALBuildVRTOptions, OptionsDeleter<GDAL
 
 AlgoConfig rasterConfig(const char* name, const char* displayText, const char* help, QList<Param> params)
 {
-    AlgoConfig c;
-    c.name = QString::fromLatin1(name);
-    c.displayText = QString::fromUtf8(displayText);
-    c.category = QStringLiteral("Raster");
-    c.help = QString::fromUtf8(help);
-    c.params = std::move(params);
-    return c;
+    return MakeAlgoConfig("Raster", name, displayText, help, std::move(params));
 }
 
 Param inRaster(const char* description = "Raster to read")

@@ -39,13 +39,7 @@ using RasterizeOptions = std::unique_ptr<GDALRasterizeOptions, RasterizeOptionsD
 
 AlgoConfig vectorConfig(const char* name, const char* displayText, const char* help, QList<Param> params)
 {
-    AlgoConfig c;
-    c.name = QString::fromLatin1(name);
-    c.displayText = QString::fromUtf8(displayText);
-    c.category = QStringLiteral("Vector");
-    c.help = QString::fromUtf8(help);
-    c.params = std::move(params);
-    return c;
+    return MakeAlgoConfig("Vector", name, displayText, help, std::move(params));
 }
 
 Param inVector(const char* description = "Vector layer to read")
