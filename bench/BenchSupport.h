@@ -3,6 +3,7 @@
 // benchmark is one program).
 #include <QByteArray>
 #include <QCoreApplication>
+#include <QString>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QTimer>
@@ -24,6 +25,30 @@ inline double Millis(const std::function<void()>& work)
     t.start();
     work();
     return t.nsecsElapsed() / 1e6;
+}
+
+// Builds and starts control on model and serves this thread's events until the
+// run has ended; returns the wall time in milliseconds.
+template <class Control, class Model>
+double RunToEnd(Control& control, Model& model, const QString& name)
+{
+    QEventLoop loop;
+    bool done = false;
+    auto connection = control.NodeFinished.connect([&](auto* node) {
+        if (!node) {
+            done = true;
+            loop.quit();
+        }
+    });
+    const double ms = Millis([&] {
+        control.SetName(name);
+        control.Build(&model);
+        control.Start();
+        if (!done)
+            loop.exec();
+    });
+    connection.disconnect();
+    return ms;
 }
 
 // Serves this thread's events until done() holds; checks every millisecond

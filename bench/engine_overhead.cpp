@@ -59,14 +59,7 @@ void link(APCModel& model, APCProcess* a, APCProcess* b)
 
 double runMillis(APCModel& model, SequenceControl& control)
 {
-    bool done = false;
-    boost::signals2::scoped_connection c = control.NodeFinished.connect([&](SequenceNode* n) { if (!n) done = true; });
-    return Bench::Millis([&] {
-        control.SetName("bench");
-        control.Build(&model);
-        control.Start();
-        Bench::SpinUntil([&] { return done; });
-    });
+    return Bench::RunToEnd(control, model, QStringLiteral("bench"));
 }
 
 } // namespace

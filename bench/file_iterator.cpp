@@ -70,14 +70,7 @@ int main(int argc, char** argv)
             p.value = strDir;
 
     SequenceControl control;
-    bool done = false;
-    control.NodeFinished.connect([&](SequenceNode* node) { if (!node) done = true; });
-    const double run = Bench::Millis([&] {
-        control.SetName("iterate");
-        control.Build(&model);
-        control.Start();
-        Bench::SpinUntil([&] { return done; });
-    });
+    const double run = Bench::RunToEnd(control, model, QStringLiteral("iterate"));
     Bench::Print("run_10000_rounds_total", run, "ms");
     Bench::Print("run_10000_rounds_engine_time_per_round", (run - build) * 1000.0 / n, "us (target <= 100, scan excluded)");
     return 0;
