@@ -96,10 +96,21 @@ TEST(Mbrun, RunsARealAlgorithmAndStreamsTheLog)
     const QString model = dir.filePath("translate.apc");
     ASSERT_TRUE(m.SaveFile(model));
 
-    const QString src = QCoreApplication::applicationDirPath() + "/../../examples/data/dem.tif";
+    const QString src = QStringLiteral(MB_SOURCE_DIR "/examples/data/dem.tif");
     const Outcome o = mbrun({model, "--set", "Image=" + src});
     EXPECT_EQ(o.code, 0) << qPrintable(o.out + o.err);
     EXPECT_TRUE(o.out.startsWith("Start the model: translate\nParameter: Parameter: Image = " + src));
     EXPECT_TRUE(o.out.contains("Result of execution: Succeed"));
     EXPECT_TRUE(QFile::exists(dir.filePath("copy.tif")));
+}
+
+TEST(Mbrun, TheReadmeListsTheAlgorithmsAsTheRegistryHasThem)
+{
+    // The README's catalogue is pasted from `mbrun --algorithms`: it must not drift.
+    const QString readme = QString::fromUtf8(ReadAll(QStringLiteral(MB_SOURCE_DIR "/README.md")));
+    ASSERT_FALSE(readme.isEmpty());
+    const Outcome o = mbrun({"--algorithms"});
+    EXPECT_EQ(o.code, 0);
+    EXPECT_TRUE(o.out.contains("`raster.ndvi`"));
+    EXPECT_TRUE(readme.contains(o.out)) << "regenerate the README section with build/bin/mbrun --algorithms";
 }
