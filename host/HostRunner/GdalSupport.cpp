@@ -522,6 +522,15 @@ GDALDatasetUniquePtr RasterTarget::Create(GdalJob& job, int width, int height, i
     return ds;
 }
 
+bool GdalJob::CloseOutput(GDALDatasetUniquePtr& dataset, const QString& path)
+{
+    const int failuresBefore = Errors().FailureCount();
+    dataset.reset();
+    if (Errors().FailureCount() > failuresBefore)
+        return FailGdal(kCannotWriteOutput, QStringLiteral("Cannot write %1").arg(path));
+    return true;
+}
+
 bool RasterTarget::Commit(GdalJob& job, GDALDatasetUniquePtr dataset, double from, double to)
 {
     if (!dataset)

@@ -150,6 +150,9 @@ public:
     bool Fail(int code, const QString& message);
     // Fails with GDAL's last message appended, when there is one.
     bool FailGdal(int code, const QString& message);
+    // Closes a written dataset (which flushes it); a GDAL error while closing means
+    // the output at path is incomplete, and fails the job.
+    bool CloseOutput(GDALDatasetUniquePtr& dataset, const QString& path);
     const GdalErrorCapture& Errors() const { return m_errors; }
     // Deletes the outputs PrepareOutput handed out, so a failed run leaves no half file.
     void RemoveOutputs();

@@ -550,11 +550,7 @@ bool runPolygonize(GdalJob& job)
         return job.FailGdal(kProcessingFailed, QStringLiteral("Polygonizing %1 failed").arg(in));
     if (transaction && ds->CommitTransaction() != OGRERR_NONE)
         return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot write %1").arg(out));
-    const int failuresBefore = job.Errors().FailureCount();
-    ds.reset();
-    if (job.Errors().FailureCount() > failuresBefore)
-        return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot write %1").arg(out));
-    return true;
+    return job.CloseOutput(ds, out);
 }
 
 } // namespace

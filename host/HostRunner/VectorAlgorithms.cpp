@@ -112,11 +112,7 @@ bool vectorTranslateInto(GdalJob& job, GDALDataset& source, OGRLayer& layer, Too
         GDALVectorTranslate(name.constData(), nullptr, 1, &sourceHandle, options.get(), &usageError)));
     if (!result)
         return job.FailGdal(kProcessingFailed, QStringLiteral("%1 into %2 failed").arg(what, out));
-    const int failuresBefore = job.Errors().FailureCount();
-    result.reset();
-    if (job.Errors().FailureCount() > failuresBefore)
-        return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot write %1").arg(out));
-    return true;
+    return job.CloseOutput(result, out);
 }
 
 // ---------------------------------------------------------------------------------
@@ -221,11 +217,7 @@ bool runBuffer(GdalJob& job)
     }
     if (transaction && ds->CommitTransaction() != OGRERR_NONE)
         return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot write %1").arg(out));
-    const int failuresBefore = job.Errors().FailureCount();
-    ds.reset();
-    if (job.Errors().FailureCount() > failuresBefore)
-        return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot write %1").arg(out));
-    return true;
+    return job.CloseOutput(ds, out);
 }
 
 bool runRasterize(GdalJob& job)

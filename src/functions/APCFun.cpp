@@ -106,6 +106,15 @@ QString APCFun::NormalisePath(const QString& path)
 
 QStringList APCFun::SplitPath(const QString& path) { return path.split(QLatin1Char('/'), Qt::KeepEmptyParts); }
 
+QString APCFun::TargetDirectory(QStringList* fileParts) const
+{
+    QString dir = NormalisePath(Arg(0));
+    *fileParts = SplitPath(NormalisePath(Arg(1)));
+    if (!dir.endsWith(QLatin1Char('/')))
+        dir += QLatin1Char('/');
+    return dir;
+}
+
 QString APCFun::JoinHelp(const QStringList& lines)
 {
     QString help;

@@ -45,6 +45,9 @@ protected:
     static QString NormalisePath(const QString& path);
     // The parts between "/" separators, empty parts kept.
     static QStringList SplitPath(const QString& path);
+    // For the directory functions: the new directory (argument 0, normalised, with a
+    // trailing "/") and the parts of the file path (argument 1, normalised).
+    QString TargetDirectory(QStringList* fileParts) const;
     // Joins catalogue help lines: line feeds, and a carriage return before the
     // line feed behind the fourth line.
     static QString JoinHelp(const QStringList& lines);

@@ -31,10 +31,8 @@ QString APCFun_ReplaceDirectory::Evaluate()
 {
     if (Params().size() != 2)
         return QString();
-    QString dir = NormalisePath(Arg(0));
-    const QStringList parts = SplitPath(NormalisePath(Arg(1)));
-    if (!dir.endsWith(QLatin1Char('/')))
-        dir += QLatin1Char('/');
+    QStringList parts;
+    const QString dir = TargetDirectory(&parts);
     // A bare file name has no directory to replace.
     if (parts.size() < 2)
         return QString();

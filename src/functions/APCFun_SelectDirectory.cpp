@@ -32,10 +32,8 @@ QString APCFun_SelectDirectory::Evaluate()
 {
     if (Params().size() != 2)
         return QString();
-    QString dir = NormalisePath(Arg(0));
-    const QStringList parts = SplitPath(NormalisePath(Arg(1)));
-    if (!dir.endsWith(QLatin1Char('/')))
-        dir += QLatin1Char('/');
+    QStringList parts;
+    const QString dir = TargetDirectory(&parts);
     if (parts.size() < 2)
         return QString();
     return dir + parts.at(parts.size() - 2) + QLatin1Char('/') + parts.last();
