@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
+#include <gtest/gtest.h>
 
 #include <gdal_priv.h>
 #include <ogr_spatialref.h>
@@ -256,6 +257,22 @@ RunResult RunAlgorithm(const char* algorithm, const QJsonObject& params)
     result.code = record.errorCode;
     result.message = QString::fromUtf8(record.errorMessage);
     return result;
+}
+
+void ExpectFailures(const std::vector<BadInputCase>& cases, const QString& out, const QStringList& mustNotExist)
+{
+    for (BadInputCase c : cases) {
+        SCOPED_TRACE(c.name);
+        if (!c.params.contains("Out File"))
+            c.params["Out File"] = out;
+        const RunResult r = RunAlgorithm(c.algorithm, c.params);
+        EXPECT_EQ(r.ok, 0);
+        EXPECT_EQ(r.code, c.code);
+        for (const QString& part : c.inMessage)
+            EXPECT_TRUE(r.message.contains(part)) << r.message.toStdString() << " lacks " << part.toStdString();
+        for (const QString& path : mustNotExist)
+            EXPECT_FALSE(QFileInfo::exists(path)) << path.toStdString();
+    }
 }
 
 } // namespace GdalTestData

@@ -6,6 +6,7 @@
 #include <QJsonObject>
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <QVariantMap>
 
 #include <functional>
@@ -91,5 +92,17 @@ struct RunResult
 };
 // Runs an algorithm through HostRunner::ExcuteAlgo with params (string values).
 RunResult RunAlgorithm(const char* algorithm, const QJsonObject& params);
+
+// A run that must fail: its code, and texts its message must contain.
+struct BadInputCase
+{
+    const char* name;
+    const char* algorithm;
+    QJsonObject params; // "Out File" defaults to the out given to ExpectFailures
+    int code;
+    QStringList inMessage;
+};
+// Runs each case and checks that it fails as told and leaves none of mustNotExist.
+void ExpectFailures(const std::vector<BadInputCase>& cases, const QString& out, const QStringList& mustNotExist);
 
 } // namespace GdalTestData

@@ -180,8 +180,7 @@ TEST_F(VectorAlgorithms, BadInputGivesCodeAndMessageAndNoOutput)
     const QString raster = Path("grid.tif");
     ASSERT_TRUE(WriteRaster(raster, Grid(), [](int, int, int) { return 1.0; }));
     const QString out = Path("out.shp");
-    struct Case { const char* name; const char* algorithm; QJsonObject params; int code; QStringList inMessage; };
-    const std::vector<Case> cases = {
+    const std::vector<BadInputCase> cases = {
         {"missing file", "vector.translate", {{"In File", Path("none.shp")}}, 21, {"Cannot open vector layer", Path("none.shp")}},
         {"a raster", "vector.buffer", {{"In File", raster}, {"Distance", "1"}}, 21, {"Cannot open vector layer", raster}},
         {"unknown layer", "vector.translate", {{"In File", towns}, {"Layer", "roads"}}, 20, {"roads", "towns"}},
@@ -200,18 +199,7 @@ TEST_F(VectorAlgorithms, BadInputGivesCodeAndMessageAndNoOutput)
         {"output is the input", "vector.translate", {{"In File", towns}, {"Out File", towns}}, 20, {"also an input"}},
     };
     const QByteArray original = TestSupport::ReadAll(towns);
-    for (Case c : cases) {
-        SCOPED_TRACE(c.name);
-        if (!c.params.contains("Out File"))
-            c.params["Out File"] = out;
-        const RunResult r = RunAlgorithm(c.algorithm, c.params);
-        EXPECT_EQ(r.ok, 0);
-        EXPECT_EQ(r.code, c.code);
-        for (const QString& part : c.inMessage)
-            EXPECT_TRUE(r.message.contains(part)) << r.message.toStdString() << " lacks " << part.toStdString();
-        EXPECT_FALSE(QFileInfo::exists(out));
-        EXPECT_FALSE(QFileInfo::exists(Path("out.tif")));
-    }
+    ExpectFailures(cases, out, {out, Path("out.tif")});
     EXPECT_EQ(TestSupport::ReadAll(towns), original);
     EXPECT_EQ(ReadVector(towns).features.size(), 5u);
 }
