@@ -183,36 +183,28 @@ TEST(FileIterator, ExecuteHandsOutRoundsThenReportsTheEnd)
     EXPECT_EQ(progress[3], 100.0);
 }
 
-TEST(FileIterator, AnUnwiredOutputFailsTheStepWithAMessage)
+TEST(FileIterator, WhatCannotBeReadFailsTheStepWithAMessage)
 {
     QTemporaryDir tmp;
     TestSupport::WriteAll(tmp.filePath("a.tif"), "x");
-    APCModel model;
-    auto* it = new APCRasterFileIterator;
-    setParam(*it, "strDir", dirs({dirEntry(tmp.path())}));
-    model.GetProcesses().append(it);
-    it->SetModel(&model);
-    EXPECT_FALSE(it->Execute());
-    int code = 0;
-    QString message;
-    it->GetError(code, message);
-    EXPECT_NE(code, 0);
-    EXPECT_NE(code, -1);
-    EXPECT_TRUE(message.contains("Out File"));
-}
-
-TEST(FileIterator, ASettingNamingAMissingVarFailsTheStepWithAMessage)
-{
-    APCModel model;
-    auto* it = new APCRasterFileIterator;
-    setParam(*it, "strDir", "%{not-in-the-model}%");
-    model.GetProcesses().append(it);
-    it->SetModel(&model);
-    EXPECT_FALSE(it->Execute());
-    int code = 0;
-    QString message;
-    it->GetError(code, message);
-    EXPECT_EQ(code, -2);
-    EXPECT_TRUE(message.contains("{not-in-the-model}"));
-    EXPECT_FALSE(it->IsEnded()); // a failure, logged as such, not the end of the iteration
+    struct Case { const char* name; QString strDir; QString inMessage; };
+    const std::vector<Case> cases = {
+        {"an output wired to no var", dirs({dirEntry(tmp.path())}), "Out File"},
+        {"a setting naming a missing var", "%{not-in-the-model}%", "{not-in-the-model}"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        APCModel model;
+        auto* it = new APCRasterFileIterator;
+        setParam(*it, "strDir", c.strDir);
+        model.GetProcesses().append(it);
+        it->SetModel(&model);
+        EXPECT_FALSE(it->Execute());
+        int code = 0;
+        QString message;
+        it->GetError(code, message);
+        EXPECT_EQ(code, -2);
+        EXPECT_TRUE(message.contains(c.inMessage)) << qPrintable(message);
+        EXPECT_FALSE(it->IsEnded()); // a failure, logged as such, not the end of the iteration
+    }
 }
