@@ -70,8 +70,11 @@ int main(int argc, char** argv)
     HostRunner::RegisterTestAlgorithms();
     const int threads = QThreadPool::globalInstance()->maxThreadCount();
     Bench::Print("pool_threads", threads, "");
+    // An optional argument picks one part: chain, independent or log.
+    const QString only = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString();
+    auto wanted = [&](const char* part) { return only.isEmpty() || only == QLatin1String(part); };
 
-    {
+    if (wanted("chain")) {
         APCModel model;
         APCProcess* prev = nullptr;
         for (int i = 0; i < 1000; ++i) {
@@ -85,10 +88,14 @@ int main(int argc, char** argv)
             SequenceControl control;
             perStep.push_back(runMillis(model, control) * 1000.0 / 1000);
         }
+        {
+            SequenceControl control;
+            Bench::Print("chain_1000_build", Bench::Millis([&] { control.Build(&model); }), "ms");
+        }
         std::sort(perStep.begin(), perStep.end());
         Bench::Print("chain_1000_noop_overhead_per_step_median", perStep[2], "us (target <= 50)");
     }
-    {
+    if (wanted("independent")) {
         APCModel model;
         for (int i = 0; i < 64; ++i)
             addStep(model, "test.sleep", "50");
@@ -98,7 +105,7 @@ int main(int argc, char** argv)
         Bench::Print("independent_64x50ms_wall", ms, "ms");
         Bench::Print("independent_64x50ms_target", target, "ms (1.1 x 64 x 50 / threads)");
     }
-    {
+    if (wanted("log")) {
         // 10,000 independent steps: the log grows with every block.
         APCModel model;
         for (int i = 0; i < 10000; ++i)

@@ -2,12 +2,67 @@
 
 #include "model/IAPCExecute.h"
 
+#include <QCoreApplication>
 #include <QFutureWatcher>
+#include <QThread>
 #include <QThreadPool>
-#include <QtConcurrent/QtConcurrentRun>
 #include <boost/bind/bind.hpp>
+#include <boost/function.hpp>
 
 namespace Plugin {
+
+namespace {
+
+// Enough for every step the pool can run side by side; more would only hold memory.
+constexpr int kMaxSpareWatchers = 64;
+
+// Bumped by the starting thread once a task is built and by the task once its
+// result is stored; each side reads it before touching what the other wrote.
+// The pool's own hand-over gives the same order, but through locks that the
+// thread checker cannot see.
+std::atomic<unsigned> g_handoffs{0};
+
+// One pool task with a bool future, as a concurrent run would give, except that
+// it reports its end in one event instead of three (progress, result, finish):
+// every event wakes the starting thread, and those wake-ups were most of a short
+// step's cost. Waiting for a task not yet started runs it on the waiting thread,
+// as with a concurrent run.
+class PoolTask : public QFutureInterface<bool>, public QRunnable
+{
+public:
+    explicit PoolTask(boost::function<bool()> work) : m_work(std::move(work)) {}
+
+    QFuture<bool> Start(QThreadPool* pool)
+    {
+        setThreadPool(pool);
+        setRunnable(this);
+        reportStarted();
+        QFuture<bool> future = this->future();
+        pool->start(this);
+        return future;
+    }
+
+    void run() override
+    {
+        (void)g_handoffs.load(std::memory_order_acquire);
+        if (isCanceled()) {
+            reportFinished();
+            return;
+        }
+        const bool result = m_work();
+        {
+            QMutexLocker lock(mutex());
+            resultStoreBase().addResult<bool>(-1, &result);
+        }
+        g_handoffs.fetch_add(1, std::memory_order_release);
+        reportFinished();
+    }
+
+private:
+    boost::function<bool()> m_work;
+};
+
+} // namespace
 
 APCExecuteFactory* APCExecuteFactory::Instance()
 {
@@ -19,6 +74,7 @@ APCExecuteFactory::~APCExecuteFactory()
 {
     std::lock_guard<std::mutex> lock(m_mutex);
     qDeleteAll(m_watchers);
+    qDeleteAll(m_spareWatchers);
 }
 
 bool APCExecuteFactory::Execute(IAPCExecute* executable)
@@ -30,25 +86,31 @@ void APCExecuteFactory::Start(IAPCExecute* executable)
 {
     if (!executable)
         return;
-    auto* watcher = new QFutureWatcher<bool>;
-    QObject::connect(watcher, &QFutureWatcher<bool>::finished, watcher, [this, executable] { OnFinished(executable); });
-    QObject::connect(watcher, &QFutureWatcher<bool>::canceled, watcher, [this, executable] { OnCanceled(executable); });
     std::lock_guard<std::mutex> lock(m_mutex);
     SweepLocked();
     m_executables.append(executable);
+    QFutureWatcher<bool>* watcher = TakeWatcherLocked();
+    QObject::connect(watcher, &QFutureWatcher<bool>::finished, watcher, [this, executable] { OnFinished(executable); });
+    QObject::connect(watcher, &QFutureWatcher<bool>::canceled, watcher, [this, executable] { OnCanceled(executable); });
     m_watchers.append(watcher);
-    // Under the lock: the pool thread takes it first, so what the caller wrote
-    // before Start is visible to Execute.
-    const QFuture<bool> future = QtConcurrent::run(QThreadPool::globalInstance(),
-                                                   boost::bind(&APCExecuteFactory::RunOnPool, this, executable));
+    auto* task = new PoolTask(boost::bind(&APCExecuteFactory::RunOnPool, this, executable));
+    g_handoffs.fetch_add(1, std::memory_order_release);
+    const QFuture<bool> future = task->Start(QThreadPool::globalInstance());
     m_tasks[executable].append(future);
     watcher->setFuture(future);
 }
 
 bool APCExecuteFactory::RunOnPool(IAPCExecute* executable)
 {
-    { std::lock_guard<std::mutex> lock(m_mutex); }
-    const bool result = executable->Execute();
+    bool result = false;
+    try {
+        result = executable->Execute();
+    } catch (const std::exception& e) {
+        executable->SetError(-1, QString::fromLocal8Bit(e.what()));
+    } catch (...) {
+        // An exception must not cross into the pool: it would end the program.
+        executable->SetError(-1, QStringLiteral("Unexpected exception"));
+    }
     bool orphaned = false;
     {
         std::lock_guard<std::mutex> lock(m_mutex);
@@ -110,6 +172,7 @@ void APCExecuteFactory::OnFinished(IAPCExecute* executable)
     if (watcher) {
         watcher->disconnect();
         watcher->waitForFinished();
+        (void)g_handoffs.load(std::memory_order_acquire);
         (void)watcher->result();
         lock.lock();
         const int again = m_executables.indexOf(executable);
@@ -118,7 +181,7 @@ void APCExecuteFactory::OnFinished(IAPCExecute* executable)
             m_watchers.removeAt(again);
         }
         lock.unlock();
-        delete watcher;
+        RecycleWatcher(watcher);
     }
     executable->Finished(executable);
 }
@@ -127,9 +190,34 @@ void APCExecuteFactory::OnCanceled(IAPCExecute* executable)
 {
     if (QFutureWatcher<bool>* watcher = Detach(executable)) {
         watcher->disconnect();
-        delete watcher;
+        delete watcher; // its task may still run and report: never reused
     }
     executable->Canceled(executable);
+}
+
+QFutureWatcher<bool>* APCExecuteFactory::TakeWatcherLocked()
+{
+    const QCoreApplication* app = QCoreApplication::instance();
+    if (app && QThread::currentThread() == app->thread() && !m_spareWatchers.isEmpty())
+        return m_spareWatchers.takeLast();
+    return new QFutureWatcher<bool>;
+}
+
+void APCExecuteFactory::RecycleWatcher(QFutureWatcher<bool>* watcher)
+{
+    // Only watchers of the application thread are kept: a pool thread may end,
+    // and a watcher of a finished thread would never report again. A report
+    // still queued from the old future (a cancel that raced the finish) is
+    // dropped by the next setFuture, before the next step is connected.
+    const QCoreApplication* app = QCoreApplication::instance();
+    if (app && watcher->thread() == app->thread() && QThread::currentThread() == app->thread()) {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        if (m_spareWatchers.size() < kMaxSpareWatchers) {
+            m_spareWatchers.append(watcher);
+            return;
+        }
+    }
+    delete watcher;
 }
 
 bool APCExecuteFactory::IsRunning()

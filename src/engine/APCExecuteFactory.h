@@ -47,6 +47,13 @@ private:
     void OnCanceled(IAPCExecute* executable);
     // Takes the entries of executable out of the lists; returns its watcher or null.
     QFutureWatcher<bool>* Detach(IAPCExecute* executable);
+    // A watcher for the calling thread: a spare one on the application thread,
+    // else a new one. Building a watcher costs system calls, and the editor and
+    // mbrun start every step from that thread.
+    QFutureWatcher<bool>* TakeWatcherLocked();
+    // Keeps the watcher of a finished task for reuse, or deletes it.
+    void RecycleWatcher(QFutureWatcher<bool>* watcher);
+
 
     std::mutex m_mutex; // guards every field below
 
@@ -57,6 +64,7 @@ private:
     // judged by the future, not by our own counting.
     QHash<IAPCExecute*, QList<QFuture<bool>>> m_tasks;
     QHash<IAPCExecute*, QFuture<bool>> m_orphans; // disposed while busy; deleted when done
+    QList<QFutureWatcher<bool>*> m_spareWatchers; // owned; all on the application thread
     void SweepLocked(); // drops ended tasks and deletes orphans whose task ended unheard
     bool BusyLocked(IAPCExecute* executable);
 };

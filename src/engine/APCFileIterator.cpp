@@ -1,5 +1,7 @@
 #include "engine/APCFileIterator.h"
 
+#include "engine/FirstOccurrence.h"
+
 #include "HostCatalog/GetParamValue.h"
 #include "model/APCModel.h"
 #include "model/APCVar.h"
@@ -13,6 +15,7 @@
 #include <QUuid>
 
 #include <algorithm>
+#include <memory>
 #include <vector>
 
 namespace Plugin {
@@ -230,6 +233,7 @@ bool APCFileIterator::BuildRounds()
         QString joined;
         std::vector<int> starts;
         bool plainNames = true; // no line feed inside a name
+        std::shared_ptr<const FirstOccurrence> index; // over joined
 
         // The first file (in list order) whose name contains every capture, or -1.
         int FirstContaining(const QStringList& captures) const
@@ -246,7 +250,9 @@ bool APCFileIterator::BuildRounds()
                     longest = &c;
             int from = 0;
             while (from < joined.size()) {
-                const int at = longest->isEmpty() ? from : joined.indexOf(*longest, from);
+                const int at = longest->isEmpty() ? from
+                               : from == 0     ? index->IndexOf(*longest)
+                                               : joined.indexOf(*longest, from);
                 if (at < 0)
                     return -1;
                 const int i = int(std::upper_bound(starts.begin(), starts.end(), at) - starts.begin()) - 1;
@@ -276,6 +282,7 @@ bool APCFileIterator::BuildRounds()
                 g.joined += name;
                 g.joined += QLatin1Char('\n');
             }
+            g.index = std::make_shared<const FirstOccurrence>(g.joined);
             groups.append(g);
         }
         const Group& first = groups.first();
