@@ -10,6 +10,7 @@
 
 #include <QDomDocument>
 #include <QFile>
+#include <QSaveFile>
 #include <QXmlStreamWriter>
 
 namespace Plugin {
@@ -85,7 +86,10 @@ void APCModel::ReadArrows(const QDomNode& node)
 
 bool APCModel::SaveFile(const QString& path)
 {
-    QFile file(path);
+    // The old file stays whole until the new text is complete: a full disk or a
+    // crash mid-write must not cost the user the model.
+    QSaveFile file(path);
+    file.setDirectWriteFallback(true);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
         return false;
     const QList<APCProcess*> processes = m_processes;
@@ -118,8 +122,7 @@ bool APCModel::SaveFile(const QString& path)
     writer.writeEndDocument();
 
     file.write(Gb2312::EncodeDocument(text));
-    file.close();
-    return true;
+    return file.commit();
 }
 
 } // namespace Plugin
