@@ -10,7 +10,6 @@
 
 #include <QDomDocument>
 #include <QFile>
-#include <QSaveFile>
 #include <QXmlStreamWriter>
 
 namespace Plugin {
@@ -86,43 +85,28 @@ void APCModel::ReadArrows(const QDomNode& node)
 
 bool APCModel::SaveFile(const QString& path)
 {
-    // The old file stays whole until the new text is complete: a full disk or a
-    // crash mid-write must not cost the user the model.
-    QSaveFile file(path);
-    file.setDirectWriteFallback(true);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        return false;
     const QList<APCProcess*> processes = m_processes;
     const QList<APCVar*> vars = m_vars;
     const QList<APCArrow*> arrows = m_arrows;
-
-    // The document is written as text first and then encoded: the declaration must
-    // name GB2312 whatever the codec calls itself.
-    QString text;
-    QXmlStreamWriter writer(&text);
-    writer.setAutoFormatting(true);
-    writer.writeStartDocument(QStringLiteral("1.0"), false);
-    writer.writeStartElement(QStringLiteral("Configuration"));
-    writer.writeComment(QStringLiteral("算法"));
-    writer.writeStartElement(QStringLiteral("Processes"));
-    for (APCProcess* p : processes)
-        p->WriteXml(writer, true);
-    writer.writeEndElement();
-    writer.writeComment(QStringLiteral("数据"));
-    writer.writeStartElement(QStringLiteral("Vars"));
-    for (APCVar* v : vars)
-        v->WriteXml(writer, true);
-    writer.writeEndElement();
-    writer.writeComment(QStringLiteral("依赖关系"));
-    writer.writeStartElement(QStringLiteral("Arrows"));
-    for (APCArrow* a : arrows)
-        a->WriteXml(writer, true);
-    writer.writeEndElement();
-    writer.writeEndElement();
-    writer.writeEndDocument();
-
-    file.write(Gb2312::EncodeDocument(text));
-    return file.commit();
+    return Gb2312::SaveDocument(path, [&](QXmlStreamWriter& writer) {
+        writer.writeStartElement(QStringLiteral("Configuration"));
+        writer.writeComment(QStringLiteral("算法"));
+        writer.writeStartElement(QStringLiteral("Processes"));
+        for (APCProcess* p : processes)
+            p->WriteXml(writer, true);
+        writer.writeEndElement();
+        writer.writeComment(QStringLiteral("数据"));
+        writer.writeStartElement(QStringLiteral("Vars"));
+        for (APCVar* v : vars)
+            v->WriteXml(writer, true);
+        writer.writeEndElement();
+        writer.writeComment(QStringLiteral("依赖关系"));
+        writer.writeStartElement(QStringLiteral("Arrows"));
+        for (APCArrow* a : arrows)
+            a->WriteXml(writer, true);
+        writer.writeEndElement();
+        writer.writeEndElement();
+    });
 }
 
 } // namespace Plugin

@@ -1,6 +1,8 @@
 #include "model/Gb2312.h"
 
+#include <QSaveFile>
 #include <QTextCodec>
+#include <QXmlStreamWriter>
 
 namespace Plugin {
 
@@ -48,6 +50,26 @@ QByteArray Gb2312::EncodeDocument(const QString& xml)
             ++i;
     }
     return codec->fromUnicode(safe);
+}
+
+bool Gb2312::SaveDocument(const QString& path, const std::function<void(QXmlStreamWriter&)>& body)
+{
+    QSaveFile file(path);
+    // Where no temporary file can be made beside it (a writable file in a
+    // read-only folder), write in place as a plain file would.
+    file.setDirectWriteFallback(true);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return false;
+    // Written as text, then encoded: the declaration must name GB2312 whatever
+    // the codec calls itself, and no character may be lost on the way.
+    QString text;
+    QXmlStreamWriter writer(&text);
+    writer.setAutoFormatting(true);
+    writer.writeStartDocument(QStringLiteral("1.0"), false);
+    body(writer);
+    writer.writeEndDocument();
+    file.write(EncodeDocument(text));
+    return file.commit();
 }
 
 } // namespace Plugin

@@ -3,7 +3,10 @@
 #include <QByteArray>
 #include <QString>
 
+#include <functional>
+
 class QTextCodec;
+class QXmlStreamWriter;
 
 namespace Plugin {
 
@@ -19,6 +22,11 @@ public:
     // by Declaration(), and characters the codec cannot hold become character
     // references, so that no text is lost.
     static QByteArray EncodeDocument(const QString& xml);
+    // Writes a document to path: body writes the root element and what is in it
+    // on a formatting writer, and the encoded text replaces the file only once
+    // complete, so a failed write never costs the old file. False when the file
+    // can't be written.
+    static bool SaveDocument(const QString& path, const std::function<void(QXmlStreamWriter&)>& body);
 };
 
 } // namespace Plugin

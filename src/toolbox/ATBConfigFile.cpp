@@ -10,7 +10,6 @@
 
 #include <QDomDocument>
 #include <QFile>
-#include <QSaveFile>
 #include <QXmlStreamWriter>
 
 namespace Plugin {
@@ -93,105 +92,69 @@ void ATBConfigFile::ReadChildren(const QDomElement& element, QList<ATBItem*>& ta
 
 bool ATBConfigFile::Save(const QString& path) const
 {
-    QSaveFile file(path);
-    // Where no temporary file can be made beside it (a writable file in a
-    // read-only folder), write in place as a plain file would.
-    file.setDirectWriteFallback(true);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        return false;
-
-    // Written as text, then encoded: the declaration must name GB2312 whatever
-    // the codec calls itself, and no character may be lost on the way.
-    QString text;
-    QXmlStreamWriter writer(&text);
-    writer.setAutoFormatting(true);
-    writer.writeStartDocument(QStringLiteral("1.0"), false);
-    writer.writeStartElement(QStringLiteral("Configuration"));
-    writer.writeStartElement(QStringLiteral("ToolBox"));
-    writer.writeAttribute(kName, QStringLiteral("ToolBox"));
-    for (ATBItem* item : m_items)
-        WriteItem(writer, item);
-    writer.writeEndElement();
-    writer.writeEndElement();
-    writer.writeEndDocument();
-
-    file.write(Gb2312::EncodeDocument(text));
-    return file.commit();
+    return Gb2312::SaveDocument(path, [this](QXmlStreamWriter& writer) {
+        writer.writeStartElement(QStringLiteral("Configuration"));
+        writer.writeStartElement(QStringLiteral("ToolBox"));
+        writer.writeAttribute(kName, QStringLiteral("ToolBox"));
+        for (ATBItem* item : m_items)
+            WriteItem(writer, item);
+        writer.writeEndElement();
+        writer.writeEndElement();
+    });
 }
 
 void ATBConfigFile::WriteItem(QXmlStreamWriter& writer, ATBItem* item)
 {
+    // A leaf: the name, the attributes of its kind in order, the description.
+    auto leaf = [&](const QString& tag, const QList<QPair<QString, QString>>& attributes) {
+        writer.writeStartElement(tag);
+        writer.writeAttribute(kName, item->GetName());
+        for (const auto& a : attributes)
+            writer.writeAttribute(a.first, a.second);
+        writer.writeAttribute(kDescription, item->GetDescription());
+        writer.writeEndElement();
+    };
+    // A container: the name, the flag when set, then the children.
+    auto container = [&](const QString& tag, const QString& flagName, bool flagSet, const QList<ATBItem*>& children) {
+        writer.writeStartElement(tag);
+        writer.writeAttribute(kName, item->GetName());
+        if (flagSet)
+            writer.writeAttribute(flagName, QStringLiteral("1"));
+        for (ATBItem* child : children)
+            WriteItem(writer, child);
+        writer.writeEndElement();
+    };
+    const QString one = QStringLiteral("1");
     switch (item->GetType()) {
-    case ATB_Group: {
-        auto* group = dynamic_cast<ATBGroup*>(item);
-        if (!group)
-            break;
-        writer.writeStartElement(QStringLiteral("Group"));
-        writer.writeAttribute(kName, group->GetName());
-        for (ATBItem* child : group->GetChildren())
-            WriteItem(writer, child);
-        writer.writeEndElement();
+    case ATB_Group:
+        if (auto* group = dynamic_cast<ATBGroup*>(item))
+            container(QStringLiteral("Group"), QString(), false, group->GetChildren());
         break;
-    }
-    case ATB_Folder: {
-        auto* folder = dynamic_cast<ATBFolder*>(item);
-        if (!folder)
-            break;
-        writer.writeStartElement(QStringLiteral("Folder"));
-        writer.writeAttribute(kName, folder->GetName());
-        if (folder->GetCanDelete())
-            writer.writeAttribute(QStringLiteral("canDelete"), QStringLiteral("1"));
-        for (ATBItem* child : folder->GetChildren())
-            WriteItem(writer, child);
-        writer.writeEndElement();
+    case ATB_Folder:
+        if (auto* folder = dynamic_cast<ATBFolder*>(item))
+            container(QStringLiteral("Folder"), QStringLiteral("canDelete"), folder->GetCanDelete(), folder->GetChildren());
         break;
-    }
-    case ATB_AlgoDepend: {
-        auto* model = dynamic_cast<ATBAlgoDepend*>(item);
-        if (!model)
-            break;
-        writer.writeStartElement(QStringLiteral("APC"));
-        writer.writeAttribute(kName, model->GetName());
-        if (model->GetReadOnly())
-            writer.writeAttribute(QStringLiteral("readOnly"), QStringLiteral("1"));
-        writer.writeAttribute(kFile, model->GetFile());
-        writer.writeAttribute(kDescription, model->GetDescription());
-        writer.writeEndElement();
+    case ATB_AlgoDepend:
+        if (auto* model = dynamic_cast<ATBAlgoDepend*>(item)) {
+            QList<QPair<QString, QString>> attributes;
+            if (model->GetReadOnly())
+                attributes.append({QStringLiteral("readOnly"), one});
+            attributes.append({kFile, model->GetFile()});
+            leaf(QStringLiteral("APC"), attributes);
+        }
         break;
-    }
-    case ATB_Algo: {
-        auto* algo = dynamic_cast<ATBAlgo*>(item);
-        if (!algo)
-            break;
-        writer.writeStartElement(QStringLiteral("Algo"));
-        writer.writeAttribute(kName, algo->GetName());
-        writer.writeAttribute(QStringLiteral("metadata"), algo->GetMetadata());
-        writer.writeAttribute(kDescription, algo->GetDescription());
-        writer.writeEndElement();
+    case ATB_Algo: // an algorithm's file is made from its metadata, never written
+        if (auto* algo = dynamic_cast<ATBAlgo*>(item))
+            leaf(QStringLiteral("Algo"), {{QStringLiteral("metadata"), algo->GetMetadata()}});
         break;
-    }
-    case ATB_Iterator: {
-        auto* iterator = dynamic_cast<ATBIterator*>(item);
-        if (!iterator)
-            break;
-        writer.writeStartElement(QStringLiteral("Iterator"));
-        writer.writeAttribute(kName, iterator->GetName());
-        writer.writeAttribute(QStringLiteral("class"), iterator->GetClass());
-        writer.writeAttribute(kDescription, iterator->GetDescription());
-        writer.writeEndElement();
+    case ATB_Iterator:
+        if (auto* iterator = dynamic_cast<ATBIterator*>(item))
+            leaf(QStringLiteral("Iterator"), {{QStringLiteral("class"), iterator->GetClass()}});
         break;
-    }
-    case ATB_Python: {
-        auto* script = dynamic_cast<ATBPython*>(item);
-        if (!script)
-            break;
-        writer.writeStartElement(QStringLiteral("Python"));
-        writer.writeAttribute(kName, script->GetName());
-        writer.writeAttribute(kFile, script->GetFile());
-        writer.writeAttribute(kDescription, script->GetDescription());
-        writer.writeEndElement();
+    case ATB_Python:
+        if (auto* script = dynamic_cast<ATBPython*>(item))
+            leaf(QStringLiteral("Python"), {{kFile, script->GetFile()}});
         break;
-    }
     default:
         break;
     }
