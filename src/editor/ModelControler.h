@@ -1,0 +1,76 @@
+#pragma once
+
+#include "model/enAPCOperator.h"
+
+#include <QMainWindow>
+#include <QString>
+
+class QDockWidget;
+class QGraphicsItem;
+class QGraphicsSceneMouseEvent;
+
+namespace Plugin {
+
+class APCModel;
+class APCObject;
+class GraphicsItemBase;
+class ModelScene;
+class ModelTool;
+class ModelView;
+class SequenceControl;
+
+// The window of one open model and the face the editor's items, tools and
+// commands see of it. It owns the document, the run control, the scene and
+// the view.
+class ModelControler : public QMainWindow
+{
+    Q_OBJECT
+public:
+    ModelControler(const QString& path, bool readOnly, QWidget* parent = nullptr);
+    ~ModelControler() override;
+
+    APCModel* GetDocument() const { return m_document; }
+    ModelScene* GetScene() const { return m_scene; }
+    ModelView* GetView() const { return m_view; }
+    SequenceControl* GetSequenceControl() const { return m_control; }
+    ModelTool* GetCurrentTool() const { return m_currentTool; }
+    QString GetFilePath() const { return m_filePath; }
+    void SetModelName(const QString& name) { m_modelName = name; }
+    QString GetModelName() const { return m_modelName; }
+    bool IsModified() const { return m_modified; }
+    void SetModified(bool modified) { m_modified = modified; }
+    bool IsReadOnly() const { return m_readOnly; }
+
+    // Makes tool current and lets it set the canvas up (its OnClick).
+    void SetCurrentTool(ModelTool* tool);
+    // Adds to the document by the object's kind; false for anything else.
+    bool AddObject(APCObject* object);
+    void RemoveObject(APCObject* object);
+    // The canvas item of the object with the same id: the engine reports
+    // clones, which keep the ids.
+    QGraphicsItem* FindItem(APCObject* object);
+    GraphicsItemBase* FindItemBase(APCObject* object);
+    // Shows the log dock when it is hidden.
+    void ShowLog();
+
+signals:
+    void APCObjectChanged(APCObject* pObject, enAPCOperator opt);
+
+public slots:
+    void OnSceneMouseMove(QGraphicsSceneMouseEvent* mouseEvent);
+    void OnAPCObjectChanged(APCObject* pObject, enAPCOperator opt);
+
+protected:
+    bool m_modified = false;
+    bool m_readOnly;
+    QString m_filePath;
+    QString m_modelName;
+    APCModel* m_document;
+    SequenceControl* m_control;
+    ModelScene* m_scene;
+    ModelView* m_view;
+    QDockWidget* m_logDock = nullptr;
+    ModelTool* m_currentTool = nullptr; // not owned
+};
+
+} // namespace Plugin
