@@ -1,11 +1,12 @@
 #pragma once
 
 #include <QBrush>
+#include <QGraphicsItem>
 #include <QPolygonF>
 
+class QAbstractGraphicsShapeItem;
+class QGraphicsSceneMouseEvent;
 class QPainter;
-class QPointF;
-class QRectF;
 
 namespace Plugin {
 
@@ -35,7 +36,27 @@ public:
     int GetState() const { return m_state; }
     int GetProgress() const { return m_progress; }
 
+    // The eight selection handles of rect, 8 units square at every zoom.
+    void DrawHandles(QPainter* painter, const QRectF& rect);
+
 protected:
+    // For the shapes that show a step: the brush of the state (no colour for a
+    // failure), then a redraw.
+    void SetStateWithBrush(QAbstractGraphicsShapeItem* self, int state);
+    void SetProgressWithRedraw(QGraphicsItem* self, double value);
+    // The description, behind the percentage while the step runs or is done.
+    QString StepText() const;
+    // A move or a scaling is an edit: the shape goes back into the object and the
+    // object's arrows follow. Any change redraws the scene.
+    void OnItemChange(QGraphicsItem* self, QGraphicsItem::GraphicsItemChange change);
+    // Writes the item's geometry into its object and tells the model.
+    virtual void WriteBack() {}
+    // Hands a double click to the current tool, when it is willing.
+    void ForwardDoubleClick(QGraphicsItem* self, QGraphicsSceneMouseEvent* event);
+    // The rectangle (into rect) and the position of a rectangle or ellipse
+    // scaled about anchor; the caller sets the rect first, then the position.
+    static QPointF ScaleBox(const QGraphicsItem* self, QRectF& rect, const QPointF& anchor, double sx, double sy);
+
     ModelControler* m_controler; // not owned
     int m_state = 0;
     int m_progress = 0;

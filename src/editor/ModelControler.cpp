@@ -1,6 +1,7 @@
 #include "editor/ModelControler.h"
 
 #include "editor/GraphicsItemBase.h"
+#include "editor/GraphicsItemFactory.h"
 #include "editor/ModelScene.h"
 #include "editor/ModelTool.h"
 #include "editor/ModelView.h"
@@ -30,9 +31,7 @@ ModelControler::ModelControler(const QString& path, bool readOnly, QWidget* pare
     m_view = new ModelView(m_scene, this);
     m_view->setAcceptDrops(true);
     setCentralWidget(m_view);
-    // A failed load leaves an empty canvas; the window opens all the same.
-    if (!path.isEmpty())
-        m_document->LoadFile(path);
+    LoadModel();
     if (readOnly)
         m_scene->SetEditable(false);
 }
@@ -43,6 +42,26 @@ ModelControler::~ModelControler()
     delete m_scene;
     delete m_document;
     delete m_control;
+}
+
+void ModelControler::LoadModel()
+{
+    // A failed load leaves an empty canvas; the window opens all the same.
+    if (!m_filePath.isEmpty())
+        m_document->LoadFile(m_filePath);
+    // Processes and vars first: an arrow's item looks for the items of its ends.
+    QList<APCObject*> objects;
+    for (APCProcess* p : m_document->GetProcesses())
+        objects.append(p);
+    for (APCVar* v : m_document->GetVars())
+        objects.append(v);
+    for (APCArrow* a : m_document->GetArrows())
+        objects.append(a);
+    for (APCObject* object : objects) {
+        object->SetModel(m_document);
+        if (QGraphicsItem* item = GraphicsItemFactory::Instance()->CreateItem(object, this))
+            m_scene->AddItem(item);
+    }
 }
 
 void ModelControler::SetCurrentTool(ModelTool* tool)
@@ -103,7 +122,8 @@ void ModelControler::OnAPCObjectChanged(APCObject* pObject, enAPCOperator opt)
 {
     switch (opt) {
     case APCOperator_Add:
-        // Items for new objects come with the canvas items.
+        if (QGraphicsItem* item = GraphicsItemFactory::Instance()->CreateItem(pObject, this))
+            m_scene->AddItem(item);
         break;
     case APCOperator_Delete:
         if (QGraphicsItem* item = FindItem(pObject))

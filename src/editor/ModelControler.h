@@ -61,6 +61,9 @@ public slots:
     void OnAPCObjectChanged(APCObject* pObject, enAPCOperator opt);
 
 protected:
+    // Reads the file and puts an item on the canvas for each object.
+    void LoadModel();
+
     bool m_modified = false;
     bool m_readOnly;
     QString m_filePath;

@@ -1,9 +1,25 @@
 #include "model/APCProcess.h"
 
+#include "model/PainterText.h"
+
 #include <QDomElement>
 #include <QXmlStreamWriter>
 
 namespace Plugin {
+
+QRectF APCProcess::GetRect() const
+{
+    const QSizeF size = PainterText::ReadSize(GetPainter());
+    QRectF rect(QPointF(), size);
+    rect.moveCenter(GetPos());
+    return rect;
+}
+
+void APCProcess::SetRect(const QRectF& rect)
+{
+    SetPos(rect.center());
+    SetPainter(PainterText::SizeText(rect.width(), rect.height()));
+}
 
 void APCProcess::CopyProcessFrom(const APCProcess& other)
 {

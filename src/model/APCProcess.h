@@ -5,6 +5,7 @@
 #include "model/IAPCExecute.h"
 
 #include <QList>
+#include <QRectF>
 
 namespace Plugin {
 
@@ -12,6 +13,12 @@ namespace Plugin {
 class APCProcess : public APCObject, public IAPCExecute
 {
 public:
+    // The rectangle of the step on the canvas: the size from the painter text,
+    // centred on the position.
+    QRectF GetRect() const;
+    // Stores the rectangle's centre as the position and its size as the painter.
+    void SetRect(const QRectF& rect);
+
     APCProcess() = default;
     ~APCProcess() override = default;
 

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "editor/GraphicsItemBase.h"
+
+#include <QGraphicsLineItem>
+
+namespace Plugin {
+
+class APCArrow;
+
+// A link between a step and a var; it lies under the items, runs between their
+// outlines, and is recomputed at every paint.
+class ArrowGraphics : public QGraphicsLineItem, public GraphicsItemBase
+{
+public:
+    enum { Type = UserType + 3 };
+    ArrowGraphics(APCArrow* arrow, ModelControler* controler);
+    int type() const override { return Type; }
+
+    APCObject* GetObject() override { return m_object; }
+    QPolygonF GetOutline() override { return QPolygonF(); }
+    void ScaleBy(const QPointF&, double, double) override {}
+    // Finds the items of both ends again; keeps the old ones if either is missing.
+    void RefreshEnds() override;
+    // Runs the line from the tail item's origin to the head item's.
+    void UpdatePosition();
+
+    QGraphicsItem* GetHeadItem() const { return m_headItem; }
+    QGraphicsItem* GetTailItem() const { return m_tailItem; }
+    QPolygonF GetHeadShape() const { return m_headShape; }
+
+    QRectF boundingRect() const override;
+    QPainterPath shape() const override;
+    void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;
+
+protected:
+    QVariant itemChange(GraphicsItemChange, const QVariant& value) override { return value; }
+    void mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event) override;
+
+private:
+    QGraphicsItem* m_headItem = nullptr; // not owned
+    QGraphicsItem* m_tailItem = nullptr; // not owned
+    QPolygonF m_headShape;               // the arrow head as last painted
+};
+
+} // namespace Plugin

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "editor/GraphicsItemBase.h"
+
+#include <QGraphicsPolygonItem>
+
+namespace Plugin {
+
+class APCIterator;
+
+// A file iterator on the canvas: a polygon, a hexagon unless the file says
+// otherwise.
+class IteratorGraphics : public QGraphicsPolygonItem, public GraphicsItemBase
+{
+public:
+    enum { Type = UserType + 4 };
+    IteratorGraphics(APCIterator* iterator, ModelControler* controler);
+    int type() const override { return Type; }
+
+    void SetState(int state) override { SetStateWithBrush(this, state); }
+    void SetProgress(double value) override { SetProgressWithRedraw(this, value); }
+    APCObject* GetObject() override { return m_object; }
+    QPolygonF GetOutline() override { return polygon(); }
+    void ScaleBy(const QPointF& anchor, double sx, double sy) override;
+    QBrush GetBrush() override { return brush(); }
+
+    void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;
+
+protected:
+    QVariant itemChange(GraphicsItemChange change, const QVariant& value) override;
+    void mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event) override;
+    void WriteBack() override;
+};
+
+} // namespace Plugin

@@ -1,0 +1,69 @@
+#include "editor/RectGraphics.h"
+
+#include "model/APCModel.h"
+#include "model/APCProcess.h"
+
+#include <QPainter>
+
+namespace Plugin {
+
+RectGraphics::RectGraphics(APCProcess* process, ModelControler* controler) : GraphicsItemBase(process, controler)
+{
+    setBrush(QBrush(Qt::lightGray, Qt::SolidPattern));
+    const QRectF r = process->GetRect();
+    setRect(-r.width() / 2, -r.height() / 2, r.width(), r.height());
+    setPos(r.center());
+    setAcceptHoverEvents(true);
+    setFlag(ItemIsMovable);
+    setFlag(ItemIsSelectable);
+    setFlag(ItemSendsGeometryChanges);
+}
+
+QPolygonF RectGraphics::GetOutline()
+{
+    const QRectF r = rect();
+    return QPolygonF({r.topLeft(), r.topRight(), r.bottomRight(), r.bottomLeft(), r.topLeft()});
+}
+
+void RectGraphics::ScaleBy(const QPointF& anchor, double sx, double sy)
+{
+    QRectF r;
+    const QPointF position = ScaleBox(this, r, anchor, sx, sy);
+    setRect(r);
+    setPos(position);
+}
+
+void RectGraphics::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget)
+{
+    const QString text = StepText();
+    QGraphicsRectItem::paint(painter, option, widget);
+    painter->drawText(rect(), Qt::AlignHCenter | Qt::AlignVCenter, text);
+    if (isSelected())
+        DrawHandles(painter, rect());
+}
+
+QVariant RectGraphics::itemChange(GraphicsItemChange change, const QVariant& value)
+{
+    OnItemChange(this, change);
+    return value;
+}
+
+void RectGraphics::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event)
+{
+    ForwardDoubleClick(this, event);
+    QGraphicsItem::mouseDoubleClickEvent(event);
+}
+
+void RectGraphics::WriteBack()
+{
+    auto* process = static_cast<APCProcess*>(m_object);
+    // pos(), not the new value: the object records where the item was before
+    // this move, and the file keeps that.
+    QRectF r(0, 0, rect().width(), rect().height());
+    r.moveCenter(pos());
+    process->SetRect(r);
+    if (APCModel* model = process->GetModel())
+        model->UpdateProcess(process);
+}
+
+} // namespace Plugin

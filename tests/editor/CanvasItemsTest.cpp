@@ -1,0 +1,251 @@
+#include "editor/AlgoGraphics.h"
+#include "editor/ArrowGraphics.h"
+#include "editor/GraphicsItemFactory.h"
+#include "editor/IteratorGraphics.h"
+#include "editor/ModelControler.h"
+#include "editor/ModelScene.h"
+#include "editor/ModelTool.h"
+#include "editor/ModelView.h"
+#include "editor/VarGraphics.h"
+#include "engine/APCAlgo.h"
+#include "engine/APCRasterFileIterator.h"
+#include "model/APCArrow.h"
+#include "model/APCModel.h"
+#include "model/APCVar.h"
+#include "model/PainterText.h"
+#include "support/TestSupport.h"
+
+#include <QImage>
+#include <QPainter>
+#include <QStyleOptionGraphicsItem>
+#include <QTemporaryDir>
+#include <QTest>
+#include <gtest/gtest.h>
+
+using namespace Plugin;
+
+namespace {
+
+// An algorithm the catalogue doesn't know (so it keeps its stored shape) reading
+// a var and writing another, an iterator, and a known algorithm.
+const char* kModel = R"(<?xml version="1.0" encoding="GB2312" standalone="no"?>
+<Configuration>
+    <Processes>
+        <Process class="algo" name="{a}" description="NDVI" posX="100" posY="50" painter="{&quot;width&quot;:&quot;120.000000&quot;, &quot;height&quot;:&quot;60.000000&quot;}" processName="local.ndvi">
+            <Parameter name="In File" type="file" direction="0" value="%{in}%" description="Input"/>
+            <Parameter name="Out File" type="file" direction="1" value="%{out}%" description="Output"/>
+        </Process>
+        <Process class="algo" name="{known}" posX="400" posY="50" painter="{&quot;width&quot;:&quot;120.000000&quot;, &quot;height&quot;:&quot;60.000000&quot;}" processName="test.noop"/>
+        <Process class="RasterFileIterator" name="{it}" posX="-200" posY="50" painter="not json">
+            <Parameter name="strDir" type="multiDirectory" direction="0" value="" description="Folders"/>
+        </Process>
+    </Processes>
+    <Vars>
+        <Var class="file" name="{in}" description="Scene" posX="100" posY="-150" painter="" constant="1" value="a.txt"/>
+        <Var class="file" name="{out}" description="Result" posX="100" posY="250" painter="{}" constant="1" value="b.txt"/>
+    </Vars>
+    <Arrows>
+        <Arrow head="{a}" headType="process" headParam="In File" tail="{in}" tailType="var" tailParam="" class="arrow" posX="0" posY="0" painter=""/>
+        <Arrow head="{out}" headType="var" headParam="" tail="{a}" tailType="process" tailParam="Out File" class="arrow" posX="0" posY="0" painter=""/>
+    </Arrows>
+</Configuration>
+)";
+
+class CountingTool : public ModelTool
+{
+public:
+    bool enabled = true;
+    int doubleClicks = 0;
+    APCObject* last = nullptr;
+    void OnClick() override {}
+    bool IsEnable() override { return enabled; }
+    bool ReservedQuery() override { return true; }
+    void OnDoubleClick(QGraphicsSceneMouseEvent*, APCObject* object, void*) override
+    {
+        ++doubleClicks;
+        last = object;
+    }
+};
+
+template <class T>
+T* itemOf(ModelControler& window, const QString& id)
+{
+    for (QGraphicsItem* item : window.GetScene()->GetItems()) {
+        auto* base = dynamic_cast<GraphicsItemBase*>(item);
+        if (base && base->GetObject()->GetName() == id)
+            return dynamic_cast<T*>(item);
+    }
+    return nullptr;
+}
+
+// Paints item once, as a view would.
+void paintOnce(QGraphicsItem* item)
+{
+    QImage image(400, 400, QImage::Format_ARGB32);
+    QPainter painter(&image);
+    QStyleOptionGraphicsItem option;
+    item->paint(&painter, &option, nullptr);
+}
+
+} // namespace
+
+class CanvasItems : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(TestSupport::WriteAll(dir.filePath("m.apc"), kModel));
+        window = std::make_unique<ModelControler>(dir.filePath("m.apc"), false);
+    }
+    QTemporaryDir dir;
+    std::unique_ptr<ModelControler> window;
+};
+
+TEST_F(CanvasItems, LoadingPutsEveryObjectOnTheCanvasAtItsPlace)
+{
+    EXPECT_EQ(window->GetScene()->GetItems().size(), 7);
+    auto* algo = itemOf<AlgoGraphics>(*window, "{a}");
+    ASSERT_TRUE(algo);
+    EXPECT_EQ(algo->type(), QGraphicsItem::UserType + 1);
+    EXPECT_EQ(algo->rect(), QRectF(-60, -30, 120, 60));
+    EXPECT_EQ(algo->pos(), QPointF(100, 50));
+
+    // An algorithm of the catalogue comes back at the default size, whatever its
+    // file says.
+    auto* known = itemOf<AlgoGraphics>(*window, "{known}");
+    ASSERT_TRUE(known);
+    EXPECT_EQ(known->rect(), QRectF(-40, -20, 80, 40));
+
+    // Unreadable painter texts give the defaults; an empty object gives zero.
+    auto* iterator = itemOf<IteratorGraphics>(*window, "{it}");
+    ASSERT_TRUE(iterator);
+    EXPECT_EQ(iterator->polygon().boundingRect(), QRectF(-50, -50, 100, 100));
+    auto* scene = itemOf<VarGraphics>(*window, "{in}");
+    auto* result = itemOf<VarGraphics>(*window, "{out}");
+    ASSERT_TRUE(scene && result);
+    EXPECT_EQ(scene->rect(), QRectF(-40, -20, 80, 40));
+    EXPECT_EQ(result->rect().size(), QSizeF(0, 0));
+
+    // Arrows found their ends and lie under the items.
+    auto* in = itemOf<ArrowGraphics>(*window, window->GetDocument()->GetArrows()[0]->GetName());
+    ASSERT_TRUE(in);
+    EXPECT_EQ(in->GetHeadItem(), algo);
+    EXPECT_EQ(in->GetTailItem(), scene);
+    EXPECT_EQ(in->zValue(), -1.0);
+    EXPECT_FALSE(in->flags() & QGraphicsItem::ItemIsMovable);
+}
+
+TEST_F(CanvasItems, AMoveWritesBackThePlaceTheItemHadBefore)
+{
+    auto* algo = itemOf<AlgoGraphics>(*window, "{a}");
+    APCObject* object = algo->GetObject();
+    algo->setPos(130, 70);
+    EXPECT_EQ(object->GetPos(), QPointF(100, 50)); // lags by one step, as files expect
+    EXPECT_EQ(object->GetPainter(), R"({"width":"120.000000", "height":"60.000000"})");
+    algo->setPos(160, 90);
+    EXPECT_EQ(object->GetPos(), QPointF(130, 70));
+
+    // Its arrows follow, one step behind as well until the next paint.
+    auto* in = itemOf<ArrowGraphics>(*window, window->GetDocument()->GetArrows()[0]->GetName());
+    EXPECT_EQ(in->mapToScene(in->line().p2()), QPointF(130, 70));
+    paintOnce(in);
+    EXPECT_EQ(in->GetHeadShape().first(), QPointF(152.5, 60)); // on the top edge, where the line from the var meets it
+
+    auto* iterator = itemOf<IteratorGraphics>(*window, "{it}");
+    iterator->setPos(-190, 50);
+    iterator->setPos(-180, 50);
+    EXPECT_EQ(iterator->GetObject()->GetPos(), QPointF(-190, 50));
+    EXPECT_EQ(QPolygonF(PainterText::ReadPoints(iterator->GetObject()->GetPainter())), iterator->polygon());
+}
+
+TEST_F(CanvasItems, StepStatesColourTheShapesButNeverAVar)
+{
+    auto* algo = itemOf<AlgoGraphics>(*window, "{a}");
+    algo->SetProgress(42.9);
+    algo->SetState(1);
+    EXPECT_EQ(algo->brush().color(), QColor(Qt::yellow));
+    EXPECT_EQ(algo->GetProgress(), 42);
+    algo->SetState(2);
+    EXPECT_EQ(algo->brush().color(), QColor(Qt::darkYellow));
+    EXPECT_EQ(algo->GetProgress(), 100);
+    algo->SetState(-1); // a failure has no colour of its own
+    EXPECT_EQ(algo->brush().color(), QColor(Qt::lightGray));
+    EXPECT_EQ(algo->GetProgress(), 0);
+
+    auto* var = itemOf<VarGraphics>(*window, "{in}");
+    var->SetState(1);
+    EXPECT_EQ(var->brush().color(), QColor(Qt::green));
+    EXPECT_EQ(var->GetState(), 1);
+}
+
+TEST_F(CanvasItems, ScalingStartsFromTheBoundingRectangle)
+{
+    auto* algo = itemOf<AlgoGraphics>(*window, "{a}");
+    const double pen = algo->pen().widthF();
+    algo->ScaleBy(QPointF(0, 0), 1, 1);
+    EXPECT_EQ(algo->rect().size(), QSizeF(120 + pen, 60 + pen));
+    algo->ScaleBy(QPointF(0, 50), -1, 1); // no turning inside out; the place mirrors
+    EXPECT_GT(algo->rect().width(), 0);
+    EXPECT_EQ(algo->pos(), QPointF(-100, 50));
+
+    auto* iterator = itemOf<IteratorGraphics>(*window, "{it}");
+    const QPointF before = iterator->pos();
+    iterator->ScaleBy(iterator->pos(), 2, 2); // about its own centre: it stays put
+    EXPECT_EQ(iterator->pos(), before);
+    EXPECT_EQ(iterator->polygon().boundingRect(), QRectF(-100, -100, 200, 200));
+}
+
+TEST_F(CanvasItems, AVarsOutlineLeavesOutThePointsOnItsAxes)
+{
+    auto* var = itemOf<VarGraphics>(*window, "{in}");
+    const QPolygonF outline = var->GetOutline();
+    EXPECT_GT(outline.size(), 100);
+    for (const QPointF& p : outline)
+        EXPECT_TRUE(p.x() != 0 && p.y() != 0);
+}
+
+TEST_F(CanvasItems, ArrowsVanishWhileTheirEndsOverlap)
+{
+    auto* algo = itemOf<AlgoGraphics>(*window, "{a}");
+    auto* in = itemOf<ArrowGraphics>(*window, window->GetDocument()->GetArrows()[0]->GetName());
+    paintOnce(in);
+    const QPolygonF head = in->GetHeadShape();
+    ASSERT_EQ(head.size(), 3);
+    EXPECT_EQ(head[0], QPointF(100, 20)); // on the algorithm's top edge, where it points
+
+    algo->setPos(100, -150); // on top of its input var
+    paintOnce(in);
+    EXPECT_EQ(in->GetHeadShape(), head); // nothing painted, nothing recomputed
+}
+
+TEST_F(CanvasItems, DoubleClicksGoToAWillingTool)
+{
+    window->resize(800, 600);
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    CountingTool tool;
+    window->SetCurrentTool(&tool);
+    ModelView* view = window->GetView();
+    const QPoint at = view->mapFromScene(QPointF(100, 50));
+    QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    EXPECT_EQ(tool.doubleClicks, 1);
+    EXPECT_EQ(tool.last, itemOf<AlgoGraphics>(*window, "{a}")->GetObject());
+    tool.enabled = false;
+    QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    EXPECT_EQ(tool.doubleClicks, 1);
+}
+
+TEST_F(CanvasItems, TheFactoryKnowsEveryKindOfObject)
+{
+    GraphicsItemFactory* factory = GraphicsItemFactory::Instance();
+    APCVar var;
+    APCRasterFileIterator iterator;
+    std::unique_ptr<QGraphicsItem> varItem(factory->CreateItem(&var, window.get()));
+    std::unique_ptr<QGraphicsItem> iteratorItem(factory->CreateItem(&iterator, window.get()));
+    EXPECT_EQ(varItem->type(), QGraphicsItem::UserType + 2);
+    EXPECT_EQ(iteratorItem->type(), QGraphicsItem::UserType + 4);
+    EXPECT_EQ(factory->GetClassWord(&iterator), "process");
+    EXPECT_EQ(factory->GetClassWord(&var), "var");
+    EXPECT_EQ(factory->GetClassWord(nullptr), "");
+    EXPECT_EQ(factory->CreateItem(nullptr, window.get()), nullptr);
+}
