@@ -39,7 +39,7 @@ QPointF meetOutline(QGraphicsItem* item, const QLineF& centre)
 
 } // namespace
 
-ArrowGraphics::ArrowGraphics(APCArrow* arrow, ModelControler* controler) : GraphicsItemBase(arrow, controler)
+ArrowGraphics::ArrowGraphics(APCArrow* arrow, ModelControler* controler) : CanvasItem(arrow, controler)
 {
     setZValue(-1.0);
     RefreshEnds();
@@ -112,12 +112,6 @@ void ArrowGraphics::paint(QPainter* painter, const QStyleOptionGraphicsItem* opt
     painter->drawLines(QVector<QLineF>{l});
     painter->drawPolygon(m_headShape, Qt::OddEvenFill);
     QGraphicsLineItem::paint(painter, option, widget);
-}
-
-void ArrowGraphics::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event)
-{
-    ForwardDoubleClick(this, event);
-    QGraphicsItem::mouseDoubleClickEvent(event);
 }
 
 } // namespace Plugin

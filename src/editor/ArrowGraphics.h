@@ -1,6 +1,6 @@
 #pragma once
 
-#include "editor/GraphicsItemBase.h"
+#include "editor/CanvasItem.h"
 
 #include <QGraphicsLineItem>
 
@@ -10,14 +10,13 @@ class APCArrow;
 
 // A link between a step and a var; it lies under the items, runs between their
 // outlines, and is recomputed at every paint.
-class ArrowGraphics : public QGraphicsLineItem, public GraphicsItemBase
+class ArrowGraphics : public CanvasItem<QGraphicsLineItem>
 {
 public:
     enum { Type = UserType + 3 };
     ArrowGraphics(APCArrow* arrow, ModelControler* controler);
     int type() const override { return Type; }
 
-    APCObject* GetObject() override { return m_object; }
     QPolygonF GetOutline() override { return QPolygonF(); }
     void ScaleBy(const QPointF&, double, double) override {}
     // Finds the items of both ends again; keeps the old ones if either is missing.
@@ -34,8 +33,8 @@ public:
     void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;
 
 protected:
+    // An arrow only follows its ends: nothing to write back.
     QVariant itemChange(GraphicsItemChange, const QVariant& value) override { return value; }
-    void mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event) override;
 
 private:
     QGraphicsItem* m_headItem = nullptr; // not owned

@@ -8,7 +8,7 @@
 
 namespace Plugin {
 
-IteratorGraphics::IteratorGraphics(APCIterator* iterator, ModelControler* controler) : GraphicsItemBase(iterator, controler)
+IteratorGraphics::IteratorGraphics(APCIterator* iterator, ModelControler* controler) : CanvasItem(iterator, controler)
 {
     setBrush(QBrush(Qt::lightGray, Qt::SolidPattern));
     setPolygon(QPolygonF(PainterText::ReadPoints(iterator->GetPainter())));
@@ -41,18 +41,6 @@ void IteratorGraphics::paint(QPainter* painter, const QStyleOptionGraphicsItem* 
     painter->drawText(boundingRect(), Qt::AlignHCenter | Qt::AlignVCenter, text);
     if (isSelected())
         DrawHandles(painter, boundingRect());
-}
-
-QVariant IteratorGraphics::itemChange(GraphicsItemChange change, const QVariant& value)
-{
-    OnItemChange(this, change);
-    return value;
-}
-
-void IteratorGraphics::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event)
-{
-    ForwardDoubleClick(this, event);
-    QGraphicsItem::mouseDoubleClickEvent(event);
 }
 
 void IteratorGraphics::WriteBack()

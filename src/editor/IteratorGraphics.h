@@ -1,6 +1,6 @@
 #pragma once
 
-#include "editor/GraphicsItemBase.h"
+#include "editor/CanvasItem.h"
 
 #include <QGraphicsPolygonItem>
 
@@ -10,7 +10,7 @@ class APCIterator;
 
 // A file iterator on the canvas: a polygon, a hexagon unless the file says
 // otherwise.
-class IteratorGraphics : public QGraphicsPolygonItem, public GraphicsItemBase
+class IteratorGraphics : public CanvasItem<QGraphicsPolygonItem>
 {
 public:
     enum { Type = UserType + 4 };
@@ -19,7 +19,6 @@ public:
 
     void SetState(int state) override { SetStateWithBrush(this, state); }
     void SetProgress(double value) override { SetProgressWithRedraw(this, value); }
-    APCObject* GetObject() override { return m_object; }
     QPolygonF GetOutline() override { return polygon(); }
     void ScaleBy(const QPointF& anchor, double sx, double sy) override;
     QBrush GetBrush() override { return brush(); }
@@ -27,8 +26,6 @@ public:
     void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;
 
 protected:
-    QVariant itemChange(GraphicsItemChange change, const QVariant& value) override;
-    void mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event) override;
     void WriteBack() override;
 };
 

@@ -7,7 +7,7 @@
 
 namespace Plugin {
 
-RectGraphics::RectGraphics(APCProcess* process, ModelControler* controler) : GraphicsItemBase(process, controler)
+RectGraphics::RectGraphics(APCProcess* process, ModelControler* controler) : CanvasItem(process, controler)
 {
     setBrush(QBrush(Qt::lightGray, Qt::SolidPattern));
     const QRectF r = process->GetRect();
@@ -40,18 +40,6 @@ void RectGraphics::paint(QPainter* painter, const QStyleOptionGraphicsItem* opti
     painter->drawText(rect(), Qt::AlignHCenter | Qt::AlignVCenter, text);
     if (isSelected())
         DrawHandles(painter, rect());
-}
-
-QVariant RectGraphics::itemChange(GraphicsItemChange change, const QVariant& value)
-{
-    OnItemChange(this, change);
-    return value;
-}
-
-void RectGraphics::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event)
-{
-    ForwardDoubleClick(this, event);
-    QGraphicsItem::mouseDoubleClickEvent(event);
 }
 
 void RectGraphics::WriteBack()

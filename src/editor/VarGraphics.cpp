@@ -10,7 +10,7 @@
 
 namespace Plugin {
 
-VarGraphics::VarGraphics(APCVar* var, ModelControler* controler) : GraphicsItemBase(var, controler)
+VarGraphics::VarGraphics(APCVar* var, ModelControler* controler) : CanvasItem(var, controler)
 {
     setBrush(QBrush(Qt::green, Qt::SolidPattern));
     const QSizeF size = PainterText::ReadSize(var->GetPainter());
@@ -56,18 +56,6 @@ void VarGraphics::paint(QPainter* painter, const QStyleOptionGraphicsItem* optio
     painter->drawText(rect(), Qt::AlignHCenter | Qt::AlignVCenter, text);
     if (isSelected())
         DrawHandles(painter, boundingRect());
-}
-
-QVariant VarGraphics::itemChange(GraphicsItemChange change, const QVariant& value)
-{
-    OnItemChange(this, change);
-    return value;
-}
-
-void VarGraphics::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event)
-{
-    ForwardDoubleClick(this, event);
-    QGraphicsItem::mouseDoubleClickEvent(event);
 }
 
 void VarGraphics::WriteBack()

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "editor/GraphicsItemBase.h"
+#include "editor/CanvasItem.h"
 
 #include <QGraphicsEllipseItem>
 
@@ -9,14 +9,13 @@ namespace Plugin {
 class APCVar;
 
 // A var (data node) on the canvas: an ellipse centred on the var's position.
-class VarGraphics : public QGraphicsEllipseItem, public GraphicsItemBase
+class VarGraphics : public CanvasItem<QGraphicsEllipseItem>
 {
 public:
     enum { Type = UserType + 2 };
     VarGraphics(APCVar* var, ModelControler* controler);
     int type() const override { return Type; }
 
-    APCObject* GetObject() override { return m_object; }
     QPolygonF GetOutline() override;
     void ScaleBy(const QPointF& anchor, double sx, double sy) override;
     QBrush GetBrush() override { return brush(); }
@@ -24,8 +23,6 @@ public:
     void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;
 
 protected:
-    QVariant itemChange(GraphicsItemChange change, const QVariant& value) override;
-    void mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event) override;
     void WriteBack() override;
 };
 
