@@ -1,6 +1,35 @@
 #include "editor/ModelControler.h"
 
+#include "editor/APCConsoleLog.h"
+#include "editor/AutoLayoutCommand.h"
+#include "editor/ConnectTool.h"
+#include "editor/CopyCommand.h"
+#include "editor/CutCommand.h"
+#include "editor/DeleteCommand.h"
+#include "editor/ExportPyCommand.h"
+#include "editor/FullCommand.h"
 #include "editor/GraphicsItemBase.h"
+#include "editor/LogWidget.h"
+#include "editor/ModelCommandManager.h"
+#include "editor/PanTool.h"
+#include "editor/PasteCommand.h"
+#include "editor/PauseCommand.h"
+#include "editor/PrintCommand.h"
+#include "editor/RedoCommand.h"
+#include "editor/RunCommand.h"
+#include "editor/SaveAsCommand.h"
+#include "editor/SaveCommand.h"
+#include "editor/SelectTool.h"
+#include "editor/StopCommand.h"
+#include "editor/UndoCommand.h"
+#include "editor/ValidateCommand.h"
+#include "editor/VarAddCommand.h"
+#include "editor/ZoomFixedZoomInCommand.h"
+#include "editor/ZoomFixedZoomOutCommand.h"
+#include "editor/ZoomInTool.h"
+#include "editor/ZoomOutTool.h"
+#include "editor/ZoomToNativeResolutionCommand.h"
+#include "engine/SequenceNode.h"
 #include "editor/GraphicsItemFactory.h"
 #include "editor/ModelScene.h"
 #include "editor/ModelTool.h"
@@ -11,8 +40,15 @@
 #include "model/APCProcess.h"
 #include "model/APCVar.h"
 
+#include <QAction>
+#include <QCloseEvent>
 #include <QDockWidget>
 #include <QGraphicsItem>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QTabWidget>
+#include <QToolBar>
 
 namespace Plugin {
 
@@ -31,13 +67,53 @@ ModelControler::ModelControler(const QString& path, bool readOnly, QWidget* pare
     m_view = new ModelView(m_scene, this);
     m_view->setAcceptDrops(true);
     setCentralWidget(m_view);
+    BuildInterface();
     LoadModel();
+
+    // Connected after the load, which emits nothing: a fresh window is clean.
+    auto changed = [this](enAPCOperator opt) {
+        return [this, opt](APCObject* object) { emit APCObjectChanged(object, opt); };
+    };
+    m_connections.emplace_back(m_document->processAdded.connect(changed(APCOperator_Add)));
+    m_connections.emplace_back(m_document->varAdded.connect(changed(APCOperator_Add)));
+    m_connections.emplace_back(m_document->arrowAdded.connect(changed(APCOperator_Add)));
+    m_connections.emplace_back(m_document->processChanged.connect(changed(APCOperator_Update)));
+    m_connections.emplace_back(m_document->varChanged.connect(changed(APCOperator_Update)));
+    m_connections.emplace_back(m_document->arrowChanged.connect(changed(APCOperator_Update)));
+    m_connections.emplace_back(m_document->processRemoved.connect(changed(APCOperator_Delete)));
+    m_connections.emplace_back(m_document->varRemoved.connect(changed(APCOperator_Delete)));
+    m_connections.emplace_back(m_document->arrowRemoved.connect(changed(APCOperator_Delete)));
+
+    m_control->SetLog(new APCConsoleLog(this));
+    // Progress is reported from the step's pool thread: the item is found and
+    // redrawn on this thread, by the step's id.
+    m_connections.emplace_back(m_control->NodeProgress.connect([this](SequenceNode* node, double value) {
+        const QString id = node->GetProcess()->GetName();
+        QMetaObject::invokeMethod(this, [this, id, value] {
+            if (GraphicsItemBase* item = FindItemBaseById(id))
+                item->SetProgress(value);
+        }, Qt::QueuedConnection);
+    }));
+    m_connections.emplace_back(m_control->NodeStatus.connect([this](SequenceNode* node, int status) {
+        if (GraphicsItemBase* item = FindItemBase(node->GetProcess()))
+            item->SetState(status);
+    }));
+    m_connections.emplace_back(m_control->NodeFinished.connect([](SequenceNode*) {}));
+
+    setWindowTitle(tr("Model Builder"));
+    setUnifiedTitleAndToolBarOnMac(true);
     if (readOnly)
         m_scene->SetEditable(false);
+    setWindowFlags(windowFlags());
 }
 
 ModelControler::~ModelControler()
 {
+    // A run still under way must not report into a window that is going.
+    if (m_control->GetState() != 0)
+        m_control->Stop();
+    m_connections.clear();
+    qDeleteAll(m_removedItems);
     delete m_view;
     delete m_scene;
     delete m_document;
@@ -94,9 +170,11 @@ void ModelControler::RemoveObject(APCObject* object)
 
 GraphicsItemBase* ModelControler::FindItemBase(APCObject* object)
 {
-    if (!object)
-        return nullptr;
-    const QString id = object->GetName();
+    return object ? FindItemBaseById(object->GetName()) : nullptr;
+}
+
+GraphicsItemBase* ModelControler::FindItemBaseById(const QString& id)
+{
     for (QGraphicsItem* item : m_scene->GetItems()) {
         auto* base = dynamic_cast<GraphicsItemBase*>(item);
         if (base && base->GetObject() && base->GetObject()->GetName() == id)
@@ -116,6 +194,128 @@ void ModelControler::ShowLog()
         m_logDock->show();
 }
 
+void ModelControler::AppendLog(const QString& text, int panel)
+{
+    auto* log = m_logTabs ? dynamic_cast<LogWidget*>(m_logTabs->widget(panel)) : nullptr;
+    if (!log || panel < 0 || panel > 1)
+        return;
+    log->setText(log->toPlainText() + text);
+    log->moveCursor(QTextCursor::End);
+}
+
+void ModelControler::BuildInterface()
+{
+    auto* output = new LogWidget;
+    auto* errors = new LogWidget;
+    output->setReadOnly(true);
+    errors->setReadOnly(true);
+    m_logTabs = new QTabWidget;
+    m_logTabs->setTabPosition(QTabWidget::South);
+    m_logTabs->insertTab(0, output, tr("Output"));
+    m_logTabs->insertTab(1, errors, tr("Error"));
+    m_logDock = new QDockWidget(tr("Log"), this);
+    m_logDock->setWidget(m_logTabs);
+    m_logDock->setAllowedAreas(Qt::AllDockWidgetAreas);
+    addDockWidget(Qt::BottomDockWidgetArea, m_logDock);
+    m_logDock->hide(); // until a run shows it
+
+    ModelCommandManager* manager = ModelCommandManager::Instance();
+    QToolBar* toolBar = addToolBar(tr("ToolBar"));
+    QMenu* modelMenu = menuBar()->addMenu(tr("Model"));
+    QMenu* editMenu = menuBar()->addMenu(tr("Edit"));
+    QMenu* insertMenu = menuBar()->addMenu(tr("Insert"));
+    QMenu* viewMenu = menuBar()->addMenu(tr("View"));
+
+    struct Row
+    {
+        ModelCommand* command;
+        const char* caption;
+        const char* statusTip;
+        const char* icon;
+        QMenu* menu;
+        bool onToolBar;
+        bool separatorAfter;
+    };
+    SelectTool* select = new SelectTool;
+    const Row rows[] = {
+        {new SaveCommand, "Save", "Save", ":/res/Model_Save.png", modelMenu, true, false},
+        {new SaveAsCommand, "Save As", "Save As", ":/res/Model_SaveAs.png", modelMenu, false, false},
+        {new ExportPyCommand, "Export Python Script", "Export Python Script", ":/res/Model_ExportPy.png", nullptr, false, false},
+        {new PrintCommand, "Print", "Print entire model", ":/res/Model_Print.png", nullptr, false, true},
+        {new CutCommand, "Cut", "Cut entire model", ":/res/Model_Cut.png", nullptr, false, false},
+        {new CopyCommand, "Copy", "Copy entire model", ":/res/Model_Copy.png", editMenu, true, false},
+        {new PasteCommand, "Paste", "Paste entire model", ":/res/Model_Paste.png", editMenu, true, false},
+        {new DeleteCommand, "Delete", "Delete entire model", ":/res/Model_Delete.png", editMenu, true, true},
+        {new UndoCommand, "Undo", "Undo", ":/res/Model_Undo.png", nullptr, false, false},
+        {new RedoCommand, "Redo", "Redo", ":/res/Model_Redo.png", nullptr, false, true},
+        {new VarAddCommand, "Add Variable", "Add Variable", ":/res/Model_DataAdd.png", insertMenu, true, true},
+        {new AutoLayoutCommand, "Auto Layout", "AutoLayout entire model", ":/res/Model_AutoLayout.png", nullptr, false, false},
+        {new FullCommand, "Full Extent", "Full entire model", ":/res/Model_FullExtent.png", viewMenu, true, false},
+        {new ZoomToNativeResolutionCommand, nullptr, nullptr, ":/res/Model_ZoomToNativeResolution.png", viewMenu, true, false},
+        {new ZoomFixedZoomInCommand, "Fixed Zoom In", "ZoomFixedZoomIn entire model", ":/res/Model_ZoomFixedZoomIn.png", viewMenu, true, false},
+        {new ZoomFixedZoomOutCommand, "Fixed Zoom Out", "ZoomFixedZoomOut entire model", ":/res/Model_ZoomFixedZoomOut.png", viewMenu, true, true},
+        {new ZoomInTool, "Zoom In", "ZoomInTool entire model", ":/res/Model_ZoomInTool.png", nullptr, true, false},
+        {new ZoomOutTool, "Zoom Out", "ZoomOutTool entire model", ":/res/Model_ZoomOutTool.png", nullptr, true, false},
+        {new PanTool, "Pan", "PanTool entire model", ":/res/Model_PanTool.png", nullptr, true, true},
+        {select, "Select", "SelectTool entire model", ":/res/Model_SelectTool.png", nullptr, true, false},
+        {new ConnectTool, "Connect", "ConnectTool entire model", ":/res/Model_ConnectTool.png", nullptr, true, true},
+        {new ValidateCommand, "Validate Entire Model", "ValidateModel entire model", ":/res/Model_ValidateModel.png", modelMenu, true, false},
+        {new RunCommand, "Run", "Run entire model", ":/res/Model_RunModel.png", modelMenu, true, false},
+        {new PauseCommand, "Pause", "Pause entire model", ":/res/Model_PauseModel.png", modelMenu, true, false},
+        {new StopCommand, "Stop", "Stop entire model", ":/res/Model_StopModel.png", modelMenu, true, false},
+    };
+    for (const Row& row : rows) {
+        // "1:1" is the same in every language.
+        const QString caption = row.caption ? tr(row.caption) : QStringLiteral("1:1");
+        const QString tip = row.statusTip ? tr(row.statusTip) : QStringLiteral("1:1");
+        auto* action = new QAction(QIcon(QLatin1String(row.icon)), caption, this);
+        action->setStatusTip(tip);
+        if (dynamic_cast<DeleteCommand*>(row.command))
+            action->setShortcut(QKeySequence(tr("Delete")));
+        if (row.menu)
+            row.menu->addAction(action);
+        if (row.onToolBar)
+            toolBar->addAction(action);
+        if (row.separatorAfter)
+            toolBar->addSeparator();
+        row.command->SetAction(action);
+        row.command->SetControler(this);
+        manager->AddCommand(row.command);
+    }
+    m_currentTool = select;
+    select->OnClick();
+    manager->StartTimer(500);
+}
+
+void ModelControler::closeEvent(QCloseEvent* event)
+{
+    if (m_control->GetState() == 1) {
+        const auto answer = QMessageBox::question(this, tr("quit?"), tr("Whether or not to stop?"),
+                                                  QMessageBox::Yes | QMessageBox::No);
+        if (answer != QMessageBox::Yes) {
+            event->ignore();
+            return;
+        }
+        m_control->Stop();
+        event->accept();
+        return;
+    }
+    if (m_readOnly)
+        m_modified = false;
+    if (m_modified) {
+        const auto answer = QMessageBox::question(this, tr("quit"), tr("Save Edited Contents?"),
+                                                  QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+        if (answer == QMessageBox::Yes) {
+            m_document->SaveFile(m_filePath);
+            m_modified = false;
+        } else if (answer != QMessageBox::No) {
+            event->ignore();
+            return;
+        }
+    }
+    event->accept();
+}
+
 void ModelControler::OnSceneMouseMove(QGraphicsSceneMouseEvent*) {}
 
 void ModelControler::OnAPCObjectChanged(APCObject* pObject, enAPCOperator opt)
@@ -126,8 +326,10 @@ void ModelControler::OnAPCObjectChanged(APCObject* pObject, enAPCOperator opt)
             m_scene->AddItem(item);
         break;
     case APCOperator_Delete:
-        if (QGraphicsItem* item = FindItem(pObject))
+        if (QGraphicsItem* item = FindItem(pObject)) {
             m_scene->RemoveItem(item);
+            m_removedItems.append(item); // off the canvas; freed with the window
+        }
         delete pObject; // where a removed object dies
         break;
     case APCOperator_Update:

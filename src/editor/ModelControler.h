@@ -3,9 +3,14 @@
 #include "model/enAPCOperator.h"
 
 #include <QMainWindow>
+
+#include <boost/signals2/connection.hpp>
+
+#include <vector>
 #include <QString>
 
 class QDockWidget;
+class QTabWidget;
 class QGraphicsItem;
 class QGraphicsSceneMouseEvent;
 
@@ -50,8 +55,11 @@ public:
     // clones, which keep the ids.
     QGraphicsItem* FindItem(APCObject* object);
     GraphicsItemBase* FindItemBase(APCObject* object);
+    GraphicsItemBase* FindItemBaseById(const QString& id);
     // Shows the log dock when it is hidden.
     void ShowLog();
+    // Appends text to panel 0 (Output) or 1 (Error); other panels are ignored.
+    void AppendLog(const QString& text, int panel);
 
 signals:
     void APCObjectChanged(APCObject* pObject, enAPCOperator opt);
@@ -61,6 +69,9 @@ public slots:
     void OnAPCObjectChanged(APCObject* pObject, enAPCOperator opt);
 
 protected:
+    void closeEvent(QCloseEvent* event) override;
+    // The log dock, the menus, the tool bar and the commands of the window.
+    void BuildInterface();
     // Reads the file and puts an item on the canvas for each object.
     void LoadModel();
 
@@ -73,7 +84,11 @@ protected:
     ModelScene* m_scene;
     ModelView* m_view;
     QDockWidget* m_logDock = nullptr;
+    QTabWidget* m_logTabs = nullptr;
     ModelTool* m_currentTool = nullptr; // not owned
+    QList<QGraphicsItem*> m_removedItems;
+    // To the document and the control, which the window outlives only briefly.
+    std::vector<boost::signals2::scoped_connection> m_connections;
 };
 
 } // namespace Plugin

@@ -12,6 +12,9 @@ public:
 
     bool GetReadOnly() const { return m_readOnly; }
 
+    // Opens the model's editor window, unless one is open for it already.
+    void OnDoubleClicked() override;
+
 private:
     bool m_readOnly;
 };

@@ -160,35 +160,28 @@ TEST_F(Canvas, AReadOnlyModelKeepsEveryItemInPlace)
     delete line;
 }
 
-TEST_F(Canvas, ItemsAreFoundByTheIdOfTheirObject)
+TEST_F(Canvas, TheCanvasFollowsTheDocument)
 {
+    EXPECT_FALSE(window.IsModified());
     auto* var = new APCVar;
     ASSERT_TRUE(window.AddObject(var));
-    auto* item = new Item(var);
-    window.GetScene()->AddItem(item);
+    EXPECT_TRUE(window.IsModified()); // an add is an edit
+    ASSERT_EQ(window.GetScene()->GetItems().size(), 1);
+    QGraphicsItem* item = window.GetScene()->GetItems().first();
+    EXPECT_EQ(item->type(), QGraphicsItem::UserType + 2);
 
     // The engine reports clones: same id, other object.
     std::unique_ptr<APCObject> clone(var->Clone());
     EXPECT_EQ(window.FindItem(clone.get()), item);
-    EXPECT_EQ(window.FindItemBase(clone.get()), item);
     APCVar stranger;
     EXPECT_EQ(window.FindItem(&stranger), nullptr);
     EXPECT_EQ(window.FindItem(nullptr), nullptr);
 
-    EXPECT_FALSE(window.IsModified());
-    emit window.APCObjectChanged(var, APCOperator_Update);
-    EXPECT_EQ(item->refreshed, 1);
-    EXPECT_TRUE(window.IsModified());
-
+    // Removing the object takes its item off the canvas and the object dies.
+    window.SetModified(false);
     window.RemoveObject(var);
     EXPECT_EQ(window.GetDocument()->FindVar(clone->GetName()), nullptr);
-
-    // A deleted object's item leaves the canvas, and the object dies in the slot.
-    auto* loose = new APCVar;
-    auto* looseItem = new Item(loose);
-    window.GetScene()->AddItem(looseItem);
-    emit window.APCObjectChanged(loose, APCOperator_Delete);
-    EXPECT_EQ(window.GetScene()->GetItems(), QList<QGraphicsItem*>{item});
-    EXPECT_EQ(looseItem->scene(), nullptr);
-    delete looseItem;
+    EXPECT_TRUE(window.GetScene()->GetItems().isEmpty());
+    EXPECT_EQ(item->scene(), nullptr);
+    EXPECT_TRUE(window.IsModified());
 }

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "editor/ModelTool.h"
+
+namespace Plugin {
+
+// Zooms out from a clicked point or a dragged box.
+class ZoomOutTool : public ModelTool
+{
+public:
+    // Activation: sets the items up for this tool and shows its cursor.
+    void OnClick() override;
+    bool IsEnable() override { return true; }
+    bool ReservedQuery() override { return true; }
+};
+
+} // namespace Plugin
