@@ -61,6 +61,14 @@ ModelControler* ModelCommandManager::FindWindow(const QString& path) const
     return nullptr;
 }
 
+void ModelCommandManager::ForgetWindow(ModelControler* window)
+{
+    for (int i = m_commands.size() - 1; i >= 0; --i)
+        if (m_commands[i]->GetControler() == window)
+            m_disposed.append(m_commands.takeAt(i));
+    m_windows.removeOne(window);
+}
+
 void ModelCommandManager::OnCommandTriggered()
 {
     auto* action = qobject_cast<QAction*>(sender());
@@ -99,10 +107,7 @@ void ModelCommandManager::OnUpdateState()
             }
         if (!closed)
             break;
-        for (int i = m_commands.size() - 1; i >= 0; --i)
-            if (m_commands[i]->GetControler() == closed)
-                m_disposed.append(m_commands.takeAt(i));
-        m_windows.removeOne(closed);
+        ForgetWindow(closed);
         delete closed;
     }
     emit InspectTimer();

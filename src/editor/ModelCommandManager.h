@@ -28,6 +28,9 @@ public:
     ModelControler* FindWindow(const QString& path) const;
     int WindowCount() const { return m_windows.size(); }
     void StartTimer(int milliseconds) { m_timer.start(milliseconds); }
+    // Takes a window that is going and its commands off the lists; a window
+    // deleted by anyone but the manager thus leaves nothing dangling.
+    void ForgetWindow(ModelControler* window);
 
 signals:
     // Every tick, after the clean-up; the tool box locks model files by it.

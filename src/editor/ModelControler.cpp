@@ -109,6 +109,7 @@ ModelControler::ModelControler(const QString& path, bool readOnly, QWidget* pare
 
 ModelControler::~ModelControler()
 {
+    ModelCommandManager::Instance()->ForgetWindow(this);
     // A run still under way must not report into a window that is going.
     if (m_control->GetState() != 0)
         m_control->Stop();

@@ -1,0 +1,190 @@
+#include "HostShell/EnvironmentSetting.h"
+#include "editor/ModelCommandManager.h"
+#include "editor/ModelControler.h"
+#include "editor/ModelScene.h"
+#include "editor/ModelTool.h"
+#include "engine/APCLog.h"
+#include "engine/SequenceControl.h"
+#include "model/APCModel.h"
+#include "support/TestSupport.h"
+#include "toolbox/ATBAlgoDepend.h"
+
+#include <QAction>
+#include <QMenuBar>
+#include <QApplication>
+#include <QClipboard>
+#include <QDir>
+#include <QDockWidget>
+#include <QTabWidget>
+#include <QGraphicsItem>
+#include <QTemporaryDir>
+#include <QTextEdit>
+#include <gtest/gtest.h>
+
+using namespace Plugin;
+using TestSupport::WaitUntil;
+
+namespace {
+
+// Two do-nothing steps in a row, with no free input.
+const char* kModel = R"(<?xml version="1.0" encoding="GB2312" standalone="no"?>
+<Configuration>
+    <Processes>
+        <Process class="algo" name="{one}" posX="0" posY="0" painter="" processName="test.noop"/>
+        <Process class="algo" name="{two}" posX="0" posY="200" painter="" processName="test.noop"/>
+    </Processes>
+    <Vars>
+        <Var class="string" name="{mid}" description="Middle" posX="0" posY="100" painter="" constant="1" value="x"/>
+    </Vars>
+    <Arrows>
+        <Arrow head="{mid}" headType="var" headParam="" tail="{one}" tailType="process" tailParam="Out" class="arrow" posX="0" posY="0" painter=""/>
+        <Arrow head="{two}" headType="process" headParam="In" tail="{mid}" tailType="var" tailParam="" class="arrow" posX="0" posY="0" painter=""/>
+    </Arrows>
+</Configuration>
+)";
+
+QAction* actionOf(ModelControler& window, const QString& caption)
+{
+    for (QAction* action : window.findChildren<QAction*>())
+        if (action->text() == caption)
+            return action;
+    return nullptr;
+}
+
+QString panelText(ModelControler& window, int panel)
+{
+    auto* dock = window.findChild<QDockWidget*>();
+    auto* tabs = dock ? qobject_cast<QTabWidget*>(dock->widget()) : nullptr;
+    auto* log = tabs ? qobject_cast<QTextEdit*>(tabs->widget(panel)) : nullptr;
+    return log ? log->toPlainText() : QString();
+}
+
+} // namespace
+
+class ModelWindow : public ::testing::Test
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(TestSupport::WriteAll(path(), kModel)); }
+    QString path() const { return dir.filePath("m.apc"); }
+    QTemporaryDir dir;
+    ModelCommandManager* manager = ModelCommandManager::Instance();
+};
+
+TEST_F(ModelWindow, BuildsItsMenusToolBarAndCommands)
+{
+    ModelControler window(path(), false);
+    EXPECT_EQ(window.windowTitle(), "Model Builder");
+    QStringList menus;
+    for (QAction* a : window.menuBar()->actions())
+        menus << a->text();
+    EXPECT_EQ(menus, QStringList({"Model", "Edit", "Insert", "View"}));
+    EXPECT_EQ(actionOf(window, "Delete")->shortcut(), QKeySequence(QKeySequence::Delete));
+    EXPECT_TRUE(actionOf(window, "1:1"));
+    ASSERT_TRUE(window.GetCurrentTool());
+    EXPECT_EQ(manager->FindCommand(actionOf(window, "Select")), window.GetCurrentTool());
+    EXPECT_FALSE(window.findChild<QDockWidget*>()->isVisible());
+    EXPECT_FALSE(window.IsModified()); // loading is not an edit
+}
+
+TEST_F(ModelWindow, EnableRulesFollowTheWindowAndTheRun)
+{
+    ModelControler window(path(), false);
+    manager->OnUpdateState();
+    EXPECT_FALSE(actionOf(window, "Save")->isEnabled()); // nothing to save
+    EXPECT_FALSE(actionOf(window, "Copy")->isEnabled()); // nothing selected
+    EXPECT_TRUE(actionOf(window, "Run")->isEnabled());
+    EXPECT_FALSE(actionOf(window, "Pause")->isEnabled());
+    EXPECT_FALSE(actionOf(window, "Stop")->isEnabled());
+    EXPECT_TRUE(actionOf(window, "Select")->isChecked());
+    EXPECT_FALSE(actionOf(window, "Pan")->isChecked());
+
+    // A tool shows checked at the next tick, not at once.
+    actionOf(window, "Pan")->trigger();
+    EXPECT_FALSE(actionOf(window, "Pan")->isChecked());
+    manager->OnUpdateState();
+    EXPECT_TRUE(actionOf(window, "Pan")->isChecked());
+    EXPECT_FALSE(actionOf(window, "Select")->isChecked());
+
+    // Under the pan tool nothing can be selected; back to the select tool.
+    window.GetScene()->GetItems().first()->setSelected(true);
+    EXPECT_TRUE(window.GetScene()->selectedItems().isEmpty());
+    actionOf(window, "Select")->trigger();
+    window.SetModified(true);
+    window.GetScene()->GetItems().first()->setSelected(true);
+    QApplication::clipboard()->setText("some text of another program");
+    manager->OnUpdateState();
+    EXPECT_TRUE(actionOf(window, "Save")->isEnabled());
+    EXPECT_TRUE(actionOf(window, "Copy")->isEnabled());
+    EXPECT_FALSE(actionOf(window, "Paste")->isEnabled());
+    QApplication::clipboard()->setText("ModelBuilder$$<Vars/>");
+    manager->OnUpdateState();
+    EXPECT_TRUE(actionOf(window, "Paste")->isEnabled());
+
+    ModelControler readOnly(path(), true);
+    readOnly.SetModified(true);
+    manager->OnUpdateState();
+    for (const char* caption : {"Save", "Paste", "Delete", "Add Variable", "Connect"})
+        EXPECT_FALSE(actionOf(readOnly, caption)->isEnabled()) << caption;
+    EXPECT_TRUE(actionOf(readOnly, "Run")->isEnabled()); // a read-only model runs
+}
+
+TEST_F(ModelWindow, RunColoursTheStepsAndWritesTheLog)
+{
+    ModelControler window(path(), false);
+    window.SetModelName("Two steps");
+    actionOf(window, "Run")->trigger();
+    EXPECT_TRUE(window.findChild<QDockWidget*>()->isVisibleTo(&window)); // a run shows the log
+    ASSERT_TRUE(WaitUntil([&] { return window.GetSequenceControl()->GetState() == 0; }));
+    const QString output = panelText(window, 0);
+    EXPECT_TRUE(output.startsWith("Start the model: Two steps\n"));
+    EXPECT_EQ(output.count("Result of execution: Succeed"), 2);
+    EXPECT_TRUE(output.contains("Generate: Succeed: 2, Fail: 0"));
+    EXPECT_EQ(panelText(window, 1), "");
+    EXPECT_EQ(output, window.GetSequenceControl()->GetLog()->GetLogText());
+    EXPECT_FALSE(window.IsModified()); // a run is not an edit
+}
+
+TEST_F(ModelWindow, AClosedWindowGoesAtTheNextTick)
+{
+    auto* window = new ModelControler(path(), true);
+    window->SetModified(true);
+    window->show();
+    manager->AddWindow(window);
+    const int before = manager->WindowCount();
+    QAction* save = actionOf(*window, "Save");
+    EXPECT_TRUE(window->close()); // read-only: no question, the flag is dropped
+    EXPECT_FALSE(window->IsModified());
+    EXPECT_EQ(manager->FindWindow(path()), window); // still found until the tick
+    int ticks = 0;
+    QObject::connect(manager, &ModelCommandManager::InspectTimer, [&] { ++ticks; });
+    manager->OnUpdateState();
+    EXPECT_EQ(ticks, 1);
+    EXPECT_EQ(manager->WindowCount(), before - 1);
+    EXPECT_EQ(manager->FindWindow(path()), nullptr);
+    EXPECT_EQ(manager->FindCommand(save), nullptr); // its commands left the list
+}
+
+TEST_F(ModelWindow, TheToolBoxOpensOneWindowPerModel)
+{
+    QTemporaryDir root;
+    ASSERT_TRUE(QDir(root.path()).mkpath("bin"));
+    ASSERT_TRUE(QDir(root.path()).mkpath("Model/apc"));
+    ASSERT_TRUE(TestSupport::WriteAll(root.filePath("Model/apc/two.apc"), kModel));
+    HostShell::EnvironmentSetting::Instance()->SetAppBinDir(root.path() + "/bin");
+    ATBAlgoDepend item(false);
+    item.SetName("Two steps");
+    item.SetFile("Model/apc/two.apc");
+    const int before = manager->WindowCount();
+    item.OnDoubleClicked();
+    item.OnDoubleClicked();
+    HostShell::EnvironmentSetting::Instance()->SetAppBinDir(QString());
+    ASSERT_EQ(manager->WindowCount(), before + 1);
+    ModelControler* window = manager->FindWindow(root.path() + "/bin/../Model/apc/two.apc");
+    ASSERT_TRUE(window);
+    EXPECT_EQ(window->windowTitle(), "Model Builder-Two steps");
+    EXPECT_EQ(window->GetModelName(), "Two steps");
+    EXPECT_EQ(window->GetScene()->GetItems().size(), 5);
+    window->close();
+    manager->OnUpdateState();
+    EXPECT_EQ(manager->WindowCount(), before);
+}
