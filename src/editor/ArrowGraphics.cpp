@@ -114,4 +114,6 @@ void ArrowGraphics::paint(QPainter* painter, const QStyleOptionGraphicsItem* opt
     QGraphicsLineItem::paint(painter, option, widget);
 }
 
+APCObject* ArrowGraphics::GetObject() { return m_object; }
+
 } // namespace Plugin

@@ -15,6 +15,8 @@ class ArrowGraphics : public CanvasItem<QGraphicsLineItem>
 public:
     enum { Type = UserType + 3 };
     ArrowGraphics(APCArrow* arrow, ModelControler* controler);
+    // Defined in the library, so that every caller sees one type for the item.
+    APCObject* GetObject() override;
     int type() const override { return Type; }
 
     QPolygonF GetOutline() override { return QPolygonF(); }

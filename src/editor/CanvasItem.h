@@ -16,8 +16,6 @@ class CanvasItem : public QtItem, public GraphicsItemBase
 public:
     CanvasItem(APCObject* object, ModelControler* controler) : GraphicsItemBase(object, controler) {}
 
-    APCObject* GetObject() override { return m_object; }
-
 protected:
     QVariant itemChange(QGraphicsItem::GraphicsItemChange change, const QVariant& value) override
     {

@@ -52,4 +52,6 @@ void IteratorGraphics::WriteBack()
         model->UpdateProcess(iterator);
 }
 
+APCObject* IteratorGraphics::GetObject() { return m_object; }
+
 } // namespace Plugin

@@ -15,6 +15,8 @@ class IteratorGraphics : public CanvasItem<QGraphicsPolygonItem>
 public:
     enum { Type = UserType + 4 };
     IteratorGraphics(APCIterator* iterator, ModelControler* controler);
+    // Defined in the library, so that every caller sees one type for the item.
+    APCObject* GetObject() override;
     int type() const override { return Type; }
 
     void SetState(int state) override { SetStateWithBrush(this, state); }

@@ -54,4 +54,6 @@ void RectGraphics::WriteBack()
         model->UpdateProcess(process);
 }
 
+APCObject* RectGraphics::GetObject() { return m_object; }
+
 } // namespace Plugin

@@ -14,6 +14,8 @@ class RectGraphics : public CanvasItem<QGraphicsRectItem>
 {
 public:
     RectGraphics(APCProcess* process, ModelControler* controler);
+    // Defined in the library, so that every caller sees one type for the item.
+    APCObject* GetObject() override;
 
     void SetState(int state) override { SetStateWithBrush(this, state); }
     void SetProgress(double value) override { SetProgressWithRedraw(this, value); }

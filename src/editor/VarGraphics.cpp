@@ -67,4 +67,6 @@ void VarGraphics::WriteBack()
         model->NotifyVarChanged(var);
 }
 
+APCObject* VarGraphics::GetObject() { return m_object; }
+
 } // namespace Plugin

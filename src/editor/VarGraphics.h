@@ -14,6 +14,8 @@ class VarGraphics : public CanvasItem<QGraphicsEllipseItem>
 public:
     enum { Type = UserType + 2 };
     VarGraphics(APCVar* var, ModelControler* controler);
+    // Defined in the library, so that every caller sees one type for the item.
+    APCObject* GetObject() override;
     int type() const override { return Type; }
 
     QPolygonF GetOutline() override;

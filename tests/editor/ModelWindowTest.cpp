@@ -156,7 +156,8 @@ TEST_F(ModelWindow, AClosedWindowGoesAtTheNextTick)
     EXPECT_FALSE(window->IsModified());
     EXPECT_EQ(manager->FindWindow(path()), window); // still found until the tick
     int ticks = 0;
-    QObject::connect(manager, &ModelCommandManager::InspectTimer, [&] { ++ticks; });
+    QObject listener; // the connection ends with the test
+    QObject::connect(manager, &ModelCommandManager::InspectTimer, &listener, [&] { ++ticks; });
     manager->OnUpdateState();
     EXPECT_EQ(ticks, 1);
     EXPECT_EQ(manager->WindowCount(), before - 1);
