@@ -57,6 +57,14 @@ public:
 protected:
     void closeEvent(QCloseEvent* event) override
     {
+        // The plug-in's own windows (model editors) are closed first, so each can
+        // ask about unsaved edits; one that refuses keeps the application open.
+        for (QMainWindow* child : findChildren<QMainWindow*>(QString(), Qt::FindDirectChildrenOnly)) {
+            if (child->isVisible() && !child->close()) {
+                event->ignore();
+                return;
+            }
+        }
         // The commands go while the window and its docks still exist.
         m_actions.clear();
         m_commands.clear();
