@@ -11,6 +11,11 @@ public:
     void OnClick() override;
     bool IsEnable() override { return true; }
     bool ReservedQuery() override { return true; }
+    // Remembers the scale of the new window (1.0) to go back to.
+    void OnCreate() override;
+
+private:
+    double m_nativeScale = 1.0;
 };
 
 } // namespace Plugin

@@ -3,9 +3,11 @@
 #include "editor/ModelControler.h"
 #include "editor/ModelScene.h"
 #include "editor/ModelTool.h"
+#include "editor/ModelView.h"
 #include "engine/APCLog.h"
 #include "engine/SequenceControl.h"
 #include "model/APCModel.h"
+#include "model/APCVar.h"
 #include "support/TestSupport.h"
 #include "toolbox/ATBAlgoDepend.h"
 
@@ -188,4 +190,42 @@ TEST_F(ModelWindow, TheToolBoxOpensOneWindowPerModel)
     window->close();
     manager->OnUpdateState();
     EXPECT_EQ(manager->WindowCount(), before);
+}
+
+TEST_F(ModelWindow, FixedZoomsKeepTheScaleAndTheViewInStep)
+{
+    ModelControler window(path(), false);
+    window.resize(800, 500);
+    QAction* out = actionOf(window, "Fixed Zoom Out");
+    for (int i = 0; i < 12; ++i)
+        out->trigger();
+    // Stops at the last step that is not below 0.001: nine halvings from 1.0.
+    EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 0.001953125);
+    EXPECT_DOUBLE_EQ(window.GetView()->transform().m11(), 0.001953125);
+
+    actionOf(window, "Fixed Zoom In")->trigger();
+    EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 0.001953125 * 1.5);
+
+    window.GetView()->translate(30, 20);
+    const QTransform before = window.GetView()->transform();
+    actionOf(window, "1:1")->trigger();
+    EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 1.0);
+    EXPECT_DOUBLE_EQ(window.GetView()->transform().m11(), 1.0);
+    EXPECT_DOUBLE_EQ(window.GetView()->transform().dx(), before.dx()); // the scroll offset stays
+
+    actionOf(window, "Full Extent")->trigger();
+    EXPECT_GT(window.GetScene()->GetScale(), 0.0);
+}
+
+TEST_F(ModelWindow, SaveWritesTheModelBackAndClearsTheFlag)
+{
+    ModelControler window(path(), false);
+    window.GetDocument()->FindVar("{mid}")->SetDescription("Renamed");
+    window.SetModified(true);
+    actionOf(window, "Save")->trigger();
+    EXPECT_FALSE(window.IsModified());
+    APCModel reread;
+    ASSERT_TRUE(reread.LoadFile(path()));
+    ASSERT_TRUE(reread.FindVar("{mid}"));
+    EXPECT_EQ(reread.FindVar("{mid}")->GetDescription(), "Renamed");
 }
