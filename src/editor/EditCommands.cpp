@@ -5,6 +5,7 @@
 #include "editor/CopyCommand.h"
 #include "editor/CutCommand.h"
 #include "editor/DeleteCommand.h"
+#include "editor/GraphicsItemBase.h"
 #include "editor/ModelControler.h"
 #include "editor/ModelScene.h"
 #include "editor/PasteCommand.h"
@@ -34,7 +35,22 @@ bool PasteCommand::IsEnable()
 void PasteCommand::OnClick() {}
 
 bool DeleteCommand::IsEnable() { return !m_controler->IsReadOnly(); }
-void DeleteCommand::OnClick() {}
+
+void DeleteCommand::OnClick()
+{
+    // Asked again after each removal: a process or var takes its arrows along.
+    QList<QGraphicsItem*> selected = m_controler->GetScene()->selectedItems();
+    while (!selected.isEmpty()) {
+        QGraphicsItem* first = selected.first();
+        auto* base = dynamic_cast<GraphicsItemBase*>(first);
+        if (APCObject* object = base ? base->GetObject() : nullptr)
+            m_controler->RemoveObject(object);
+        // An item the document would not let go of must not stop the loop.
+        if (first->scene() && first->isSelected())
+            first->setSelected(false);
+        selected = m_controler->GetScene()->selectedItems();
+    }
+}
 
 bool VarAddCommand::IsEnable() { return !m_controler->IsReadOnly(); }
 void VarAddCommand::OnClick() {}

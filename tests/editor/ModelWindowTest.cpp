@@ -1,4 +1,5 @@
 #include "HostShell/EnvironmentSetting.h"
+#include "editor/GraphicsItemBase.h"
 #include "editor/ModelCommandManager.h"
 #include "editor/ModelControler.h"
 #include "editor/ModelScene.h"
@@ -228,4 +229,21 @@ TEST_F(ModelWindow, SaveWritesTheModelBackAndClearsTheFlag)
     ASSERT_TRUE(reread.LoadFile(path()));
     ASSERT_TRUE(reread.FindVar("{mid}"));
     EXPECT_EQ(reread.FindVar("{mid}")->GetDescription(), "Renamed");
+}
+
+TEST_F(ModelWindow, DeleteTakesTheSelectionAndItsArrowsAway)
+{
+    ModelControler window(path(), false);
+    ASSERT_EQ(window.GetScene()->GetItems().size(), 5);
+    for (QGraphicsItem* item : window.GetScene()->GetItems()) {
+        auto* base = dynamic_cast<GraphicsItemBase*>(item);
+        if (base && base->GetObject()->GetName() == "{mid}")
+            item->setSelected(true);
+    }
+    actionOf(window, "Delete")->trigger();
+    // The var went, and both arrows with it; the steps stay.
+    EXPECT_EQ(window.GetScene()->GetItems().size(), 2);
+    EXPECT_EQ(window.GetDocument()->FindVar("{mid}"), nullptr);
+    EXPECT_TRUE(window.GetDocument()->GetArrows().isEmpty());
+    EXPECT_TRUE(window.IsModified());
 }
