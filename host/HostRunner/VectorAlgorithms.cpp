@@ -117,13 +117,19 @@ bool vectorTranslateInto(GdalJob& job, GDALDataset& source, OGRLayer& layer, Too
 
 // ---------------------------------------------------------------------------------
 
+// Opens the input layer in path (the one the layer parameter names, or the
+// first); null, with the job failed, when it can't. src keeps the layer alive.
+OGRLayer* openLayer(GdalJob& job, const QString& path, GDALDatasetUniquePtr& src)
+{
+    src = job.OpenVector(path);
+    return src ? job.Layer(*src, path, kLayer) : nullptr;
+}
+
 bool runTranslate(GdalJob& job)
 {
     const QString in = job.Text(kIn);
-    GDALDatasetUniquePtr src = job.OpenVector(in);
-    if (!src)
-        return false;
-    OGRLayer* layer = job.Layer(*src, in, kLayer);
+    GDALDatasetUniquePtr src;
+    OGRLayer* layer = openLayer(job, in, src);
     if (!layer)
         return false;
     ToolArgs args;
@@ -142,10 +148,8 @@ bool runTranslate(GdalJob& job)
 bool runAttributeFilter(GdalJob& job)
 {
     const QString in = job.Text(kIn);
-    GDALDatasetUniquePtr src = job.OpenVector(in);
-    if (!src)
-        return false;
-    OGRLayer* layer = job.Layer(*src, in, kLayer);
+    GDALDatasetUniquePtr src;
+    OGRLayer* layer = openLayer(job, in, src);
     if (!layer)
         return false;
     // Try the clause here first: the converter would report a bad one less clearly.
@@ -163,10 +167,8 @@ bool runAttributeFilter(GdalJob& job)
 bool runBuffer(GdalJob& job)
 {
     const QString in = job.Text(kIn);
-    GDALDatasetUniquePtr src = job.OpenVector(in);
-    if (!src)
-        return false;
-    OGRLayer* layer = job.Layer(*src, in, kLayer);
+    GDALDatasetUniquePtr src;
+    OGRLayer* layer = openLayer(job, in, src);
     if (!layer)
         return false;
     double distance = 0;
@@ -223,10 +225,8 @@ bool runBuffer(GdalJob& job)
 bool runRasterize(GdalJob& job)
 {
     const QString in = job.Text(kIn);
-    GDALDatasetUniquePtr src = job.OpenVector(in);
-    if (!src)
-        return false;
-    OGRLayer* layer = job.Layer(*src, in, kLayer);
+    GDALDatasetUniquePtr src;
+    OGRLayer* layer = openLayer(job, in, src);
     if (!layer)
         return false;
     double resolution = 0, noData = 0;
