@@ -7,6 +7,7 @@
 #include "engine/SequenceControl.h"
 #include "model/APCArrow.h"
 #include "model/APCModel.h"
+#include "model/RemovedObjectBin.h"
 #include "model/APCVar.h"
 
 #include <QFile>
@@ -42,6 +43,7 @@ int main(int argc, char** argv)
 
     // A run: the iterator feeds a do-nothing step, 10,000 rounds.
     APCModel model;
+    RemovedObjectBin bin(model);
     auto* it = new APCRasterFileIterator;
     model.AddProcess(it);
     for (APCParameter& p : it->GetParameters())

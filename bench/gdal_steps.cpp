@@ -8,6 +8,7 @@
 #include "engine/SequenceControl.h"
 #include "model/APCArrow.h"
 #include "model/APCModel.h"
+#include "model/RemovedObjectBin.h"
 #include "model/APCVar.h"
 
 #include <QFileInfo>
@@ -105,6 +106,7 @@ double direct(const std::vector<Step>& steps)
 double engine(const std::vector<Step>& steps)
 {
     APCModel model;
+    RemovedObjectBin bin(model);
     QMap<QString, APCVar*> outputs;
     for (const Step& s : steps)
         addStep(model, s, outputs);

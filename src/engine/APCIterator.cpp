@@ -15,6 +15,11 @@ APCObject* APCIterator::Clone()
     return copy;
 }
 
+void APCIterator::WriteXml(QXmlStreamWriter& writer, bool)
+{
+    WriteProcessElement(writer, true);
+}
+
 // The iterator dialogs come with the editor's dialogs.
 APCObjectDialog* APCIterator::CreateDialog(QWidget*) { return nullptr; }
 

@@ -12,6 +12,8 @@ public:
 
     APCObject* Clone() override;
     APCObjectDialog* CreateDialog(QWidget* parent) override;
+    // Always writes its own Process element, whatever withElement says.
+    void WriteXml(QXmlStreamWriter& writer, bool withElement) override;
 
     bool IsEnded() const { return m_iteratorState == Ended; }
     int GetIteratorState() const { return m_iteratorState; }

@@ -52,15 +52,6 @@ APCModel::~APCModel()
     qDeleteAll(m_processes);
     qDeleteAll(m_vars);
     qDeleteAll(m_arrows);
-    qDeleteAll(m_unclaimed);
-}
-
-template <class T>
-void APCModel::HandOver(boost::signals2::signal<void(T*)>& removed, T* object)
-{
-    if (removed.empty())
-        m_unclaimed.append(object);
-    removed(object);
 }
 
 void APCModel::InvalidateIndex()
@@ -260,7 +251,7 @@ void APCModel::DetachArrow(APCArrow* arrow)
 {
     m_arrows.removeOne(arrow);
     UnwireArrow(arrow);
-    HandOver(arrowRemoved, arrow);
+    arrowRemoved(arrow);
 }
 
 APCArrow* APCModel::CreateParameterArrow(APCProcess* process, const QString& paramName, int direction, APCVar* var)
@@ -349,7 +340,7 @@ bool APCModel::RemoveProcess(APCProcess* process)
         DetachArrow(a);
     m_processes.removeOne(process);
     InvalidateIndex();
-    HandOver(processRemoved, process);
+    processRemoved(process);
     return true;
 }
 
@@ -371,7 +362,7 @@ bool APCModel::RemoveVar(APCVar* var)
     }
     m_vars.removeOne(var);
     InvalidateIndex();
-    HandOver(varRemoved, var);
+    varRemoved(var);
     return true;
 }
 

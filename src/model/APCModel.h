@@ -28,8 +28,10 @@ public:
     // Deletes all processes, then all vars, then all arrows.
     ~APCModel();
 
-    // Listeners connect directly. A ...Removed signal hands the object to the
-    // listener, who destroys it. Emitted synchronously on the mutating thread.
+    // Listeners connect directly; every signal is emitted synchronously, once per
+    // object, on the mutating thread. A ...Removed signal hands the object over:
+    // the model no longer owns it, whether anyone listens or not. A model with no
+    // window that removes objects keeps a RemovedObjectBin, or they leak.
     boost::signals2::signal<void(APCProcess*)> processAdded;
     boost::signals2::signal<void(APCProcess*)> processChanged;
     boost::signals2::signal<void(APCProcess*)> processRemoved;
@@ -66,12 +68,16 @@ public:
     bool AddProcess(APCProcess* process);
     bool AddVar(APCVar* var);
     bool AddArrow(APCArrow* arrow);
+    // Each Remove takes the object out of its list, like a Qt take function:
+    // ownership passes to the caller, through the ...Removed signal. The arrows
+    // a removal takes with it are handed over the same way, one signal each.
     bool RemoveProcess(APCProcess* process);
     bool RemoveVar(APCVar* var);
     bool RemoveArrow(APCArrow* arrow);
     // Unwires before (a clone the caller deletes) and wires after.
     bool ChangeArrow(APCArrow* before, APCArrow* after);
-    // Brings arrows and vars in line with the process's edited parameters.
+    // Brings arrows and vars in line with the process's edited parameters; the
+    // arrows it removes are handed over through arrowRemoved.
     bool UpdateProcess(APCProcess* process);
     bool NotifyVarChanged(APCVar* var);
 
@@ -106,15 +112,9 @@ private:
     template <class T>
     T* Lookup(const QList<T*>& list, QHash<QString, int>& index, const QString& id) const;
 
-    // Hands a removed object to the listeners of its ...Removed signal; with none
-    // connected the model keeps it until it dies itself, instead of losing it.
-    template <class T>
-    void HandOver(boost::signals2::signal<void(T*)>& removed, T* object);
-
     QList<APCProcess*> m_processes;
     QList<APCVar*> m_vars;
     QList<APCArrow*> m_arrows;
-    QList<APCObject*> m_unclaimed; // owned: removed while nobody listened
 
     // id -> position of its first holder; checked against the list on every hit.
     // While ResolveVarValues or GetFreeVars runs, the iterator outputs are computed

@@ -34,7 +34,7 @@ Outcome mbrun(const QStringList& args)
 // copy.apc: one copy step with a free input "Source" and a constant output.
 QString writeCopyModel(const QTemporaryDir& dir, const QString& name, const QString& target)
 {
-    APCModel m;
+    TestSupport::HeadlessModel m;
     APCAlgo* step = AddAlgo(m, "test.copyText");
     VarOf(m, step, "In File")->SetDescription("Source");
     SetConstant(VarOf(m, step, "Out File"), target);
@@ -50,9 +50,9 @@ TEST(Mbrun, ExitCodesAndMessages)
     QTemporaryDir dir;
     WriteAll(dir.filePath("in.txt"), "cli");
     const QString model = writeCopyModel(dir, "copy.apc", dir.filePath("out.txt"));
-    APCModel empty;
+    TestSupport::HeadlessModel empty;
     empty.SaveFile(dir.filePath("empty.apc"));
-    APCModel invalid;
+    TestSupport::HeadlessModel invalid;
     APCAlgo* bad = AddAlgo(invalid, "test.copyText");
     bad->SetDescription("Broken step");
     SetLiteral(invalid, bad, "In File", "");
@@ -88,7 +88,7 @@ TEST(Mbrun, ExitCodesAndMessages)
 TEST(Mbrun, RunsARealAlgorithmAndStreamsTheLog)
 {
     QTemporaryDir dir;
-    APCModel m;
+    TestSupport::HeadlessModel m;
     APCAlgo* step = AddAlgo(m, "raster.translate");
     ASSERT_EQ(step->GetProcessName(), "raster.translate");
     VarOf(m, step, "In File")->SetDescription("Image");

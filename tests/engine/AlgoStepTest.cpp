@@ -26,7 +26,7 @@ APCParameter param(const QString& name, const QString& value, const QString& des
 
 TEST(AlgoStep, TheThreeTextFormsOfTheParameters)
 {
-    APCModel model;
+    TestSupport::HeadlessModel model;
     auto* var = new APCVar;
     var->SetName("{a1}");
     model.AddVar(var);
@@ -61,7 +61,7 @@ TEST(AlgoStep, TheThreeTextFormsOfTheParameters)
 
 TEST(AlgoStep, ReadingTheDialogResultUpdatesValuesAndArrows)
 {
-    APCModel model;
+    TestSupport::HeadlessModel model;
     APCAlgo* step = AddAlgo(model, "test.copyText");
     const QString before = step->GetParameter("In File").value;
     EXPECT_FALSE(step->ApplyDialogResult("not json"));
@@ -77,7 +77,7 @@ TEST(AlgoStep, ReadingTheDialogResultUpdatesValuesAndArrows)
 
 TEST(AlgoStep, ExecuteTakesOverTheRunnersErrorAndProgress)
 {
-    APCModel model;
+    TestSupport::HeadlessModel model;
     APCAlgo* fail = AddAlgo(model, "test.fail");
     SetLiteral(model, fail, "Code", "42");
     SetLiteral(model, fail, "Message", "broken \"input\"");

@@ -48,7 +48,7 @@ protected:
     // copy.apc: copies its free input "Source" to its free output "Target".
     void WriteCopyModel()
     {
-        APCModel m;
+        TestSupport::HeadlessModel m;
         APCAlgo* step = AddAlgo(m, "test.copyText");
         VarOf(m, step, "In File")->SetDescription("Source");
         VarOf(m, step, "Out File")->SetDescription("Target");
@@ -106,7 +106,7 @@ TEST_F(NestedModels, ValuesGoInAndFilesComeOut)
 {
     WriteCopyModel();
     WriteAll(File("in.txt"), "nested payload");
-    APCModel outer;
+    TestSupport::HeadlessModel outer;
     AddModelStep(outer, "copy.apc", {{"Source", File("in.txt")}, {"Target", File("out.txt")}});
     SequenceControl control;
     std::vector<double> progress;
@@ -123,7 +123,7 @@ TEST_F(NestedModels, ValuesGoInAndFilesComeOut)
 TEST_F(NestedModels, AFailingNestedStepFailsTheOuterStep)
 {
     WriteCopyModel();
-    APCModel outer;
+    TestSupport::HeadlessModel outer;
     APCModelFile* step = AddModelStep(outer, "copy.apc", {{"Source", File("nothing.txt")}, {"Target", File("out.txt")}});
     step->SetDescription("Nested copy");
     SequenceControl control;
@@ -139,7 +139,7 @@ TEST_F(NestedModels, IteratorLastInTheNestedModelEndsWithItsError)
 {
     for (const char* name : {"a.tif", "b.tif"})
         WriteAll(File(name), name);
-    APCModel nested;
+    TestSupport::HeadlessModel nested;
     APCAlgo* append = AddAlgo(nested, "test.appendLine");
     SetConstant(VarOf(nested, append, "Out File"), File("seen.txt"));
     auto* it = new APCRasterFileIterator;
@@ -148,7 +148,7 @@ TEST_F(NestedModels, IteratorLastInTheNestedModelEndsWithItsError)
     Connect(nested, nested.GetVars()[3], append, "Text");
     ASSERT_TRUE(nested.SaveFile(ModelPath("iterate.apc")));
 
-    APCModel outer;
+    TestSupport::HeadlessModel outer;
     AddModelStep(outer, "iterate.apc", {});
     SequenceControl control;
     const RunResult r = RunModel(control, outer);
@@ -159,7 +159,7 @@ TEST_F(NestedModels, IteratorLastInTheNestedModelEndsWithItsError)
 
 TEST_F(NestedModels, AModelThatContainsItselfFailsCleanly)
 {
-    APCModel self;
+    TestSupport::HeadlessModel self;
     auto* step = new APCModelFile;
     step->SetClass("model");
     self.AddProcess(step);
@@ -171,13 +171,13 @@ TEST_F(NestedModels, AModelThatContainsItselfFailsCleanly)
     bytes.replace("processName=\"\"", "processName=\"Model/apc/self.apc\"");
     WriteAll(ModelPath("self.apc"), bytes);
 
-    APCModel loaded;
+    TestSupport::HeadlessModel loaded;
     ASSERT_TRUE(loaded.LoadFile(ModelPath("self.apc")));
     ASSERT_EQ(loaded.GetProcesses().size(), 1);
     EXPECT_FALSE(loaded.GetProcesses()[0]->Check());
 
     // Run anyway: the nested copy of itself is found invalid instead of recursing.
-    APCModel outer;
+    TestSupport::HeadlessModel outer;
     APCModelFile* nestedStep = AddModelStep(outer, "self.apc", {});
     EXPECT_FALSE(nestedStep->Check());
     EXPECT_FALSE(nestedStep->Execute());
@@ -189,14 +189,14 @@ TEST_F(NestedModels, AModelThatContainsItselfFailsCleanly)
 
 TEST_F(NestedModels, StoppingTheOuterRunReleasesTheNestedOne)
 {
-    APCModel nested;
+    TestSupport::HeadlessModel nested;
     APCAlgo* sleep = AddAlgo(nested, "test.sleep");
     SetLiteral(nested, sleep, "Milliseconds", "300");
     APCAlgo* after = AddAlgo(nested, "test.sleep");
     (void)after;
     ASSERT_TRUE(nested.SaveFile(ModelPath("slow.apc")));
 
-    APCModel outer;
+    TestSupport::HeadlessModel outer;
     AddModelStep(outer, "slow.apc", {});
     SequenceControl control;
     control.SetName("outer");

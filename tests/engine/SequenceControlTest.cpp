@@ -43,7 +43,7 @@ QString summary(int ok, int failed)
 // A chain in -> A -> mid -> B -> out of text copies, with files in dir.
 struct CopyChain
 {
-    APCModel model;
+    TestSupport::HeadlessModel model;
     APCAlgo* a = nullptr;
     APCAlgo* b = nullptr;
     APCVar* mid = nullptr;
@@ -84,7 +84,7 @@ INSTANTIATE_TEST_SUITE_P(Threads, Engine, ::testing::Values(1, 2, 4));
 
 TEST_P(Engine, SingleStepLogsExactly)
 {
-    APCModel model;
+    TestSupport::HeadlessModel model;
     APCAlgo* step = AddAlgo(model, "test.progress");
     SequenceControl control;
     std::vector<int> statuses;
@@ -121,7 +121,7 @@ TEST_P(Engine, ChainPassesFilesAndLogsInOrder)
 TEST_P(Engine, JoinRunsOnceAfterBothPredecessors)
 {
     QTemporaryDir dir;
-    APCModel model;
+    TestSupport::HeadlessModel model;
     APCVar* log = nullptr;
     APCAlgo* w1 = AddAlgo(model, "test.appendLine");
     APCAlgo* w2 = AddAlgo(model, "test.appendLine");
@@ -178,7 +178,7 @@ TEST_P(Engine, FailureOutsideIterationEndsTheRun)
 
 TEST_P(Engine, FreeVarsShowInTheStartLineWithTheWordTwice)
 {
-    APCModel model;
+    TestSupport::HeadlessModel model;
     APCAlgo* step = AddAlgo(model, "test.copyText");
     APCVar* in = VarOf(model, step, "In File");
     in->SetDescription("a");
@@ -199,7 +199,7 @@ TEST_P(Engine, FreeVarsShowInTheStartLineWithTheWordTwice)
 TEST_P(Engine, PauseHoldsBackTheNextStepUntilStart)
 {
     QTemporaryDir dir;
-    APCModel model;
+    TestSupport::HeadlessModel model;
     APCAlgo* slow = AddAlgo(model, "test.sleep");
     SetLiteral(model, slow, "Milliseconds", "300");
     APCAlgo* copy = AddAlgo(model, "test.copyText");
@@ -239,7 +239,7 @@ TEST_P(Engine, PauseHoldsBackTheNextStepUntilStart)
 
 TEST_P(Engine, StopWhileAStepRunsFinishesAtOnceAndAllowsANewRun)
 {
-    APCModel model;
+    TestSupport::HeadlessModel model;
     APCAlgo* slow = AddAlgo(model, "test.sleep");
     SetLiteral(model, slow, "Milliseconds", "400");
     SequenceControl control;
@@ -262,7 +262,7 @@ TEST_P(Engine, StopWhileAStepRunsFinishesAtOnceAndAllowsANewRun)
 
 TEST_P(Engine, SecondWriterOfAVarLeavesNothingToStart)
 {
-    APCModel model;
+    TestSupport::HeadlessModel model;
     APCAlgo* a = AddAlgo(model, "test.appendLine");
     APCAlgo* b = AddAlgo(model, "test.appendLine");
     APCVar* shared = VarOf(model, a, "Out File");
@@ -291,7 +291,7 @@ TEST_P(Engine, IteratorRepeatsTheStepsBehindItForEveryFile)
     QDir(dir.path()).mkdir("scenes");
     for (const char* name : {"a1.tif", "a2.tif", "a3.tif", "skip.txt"})
         WriteAll(dir.filePath(QStringLiteral("scenes/") + name), name);
-    APCModel model;
+    TestSupport::HeadlessModel model;
     auto* it = new APCRasterFileIterator;
     it->SetDescription("Scenes");
     model.AddProcess(it);
@@ -335,7 +335,7 @@ TEST_P(Engine, FailureInsideAnIterationCostsOnePassOnly)
     QTemporaryDir dir;
     for (const char* name : {"a.tif", "b.tif", "c.tif"})
         WriteAll(dir.filePath(name), name);
-    APCModel model;
+    TestSupport::HeadlessModel model;
     auto* it = new APCRasterFileIterator;
     model.AddProcess(it);
     SetConstant(model.GetVars()[0], QStringLiteral(R"({"%1":{"subdir":"0","enabled":"1"}})").arg(dir.path()));

@@ -2,11 +2,13 @@
 #include "HostCatalog/AlgorithmRegistry.h"
 #include "engine/APCAlgo.h"
 #include "engine/APCRasterFileIterator.h"
+#include "model/APCProcess.h"
 #include "model/APCArrow.h"
 #include "model/APCModel.h"
 #include "model/APCProcessFactory.h"
 #include "model/APCVar.h"
 #include "model/APCVarFactory.h"
+#include "model/RemovedObjectBin.h"
 #include "support/ModelFixtures.h"
 
 #include <gtest/gtest.h>
@@ -109,7 +111,7 @@ TEST_F(ModelDocument, NewObjectsHaveBracedUuidsAndFactoriesAreExact)
 TEST_F(ModelDocument, AddProcessPlacesRequiredVarsAndWiresThem)
 {
     APCModel model;
-    SignalCounter count(model);
+    SignalCounter count(model); // the listener that deletes what leaves
     APCAlgo* step = AddAlgo(model, "test.three", 100, 100);
 
     ASSERT_EQ(model.GetVars().size(), 3);
@@ -143,7 +145,7 @@ TEST_F(ModelDocument, AddProcessPlacesRequiredVarsAndWiresThem)
     EXPECT_TRUE(step->GetParameter("Opt").value.isEmpty());
     EXPECT_EQ(step->GetParameter("Def").value, "5");
 
-    APCModel empty;
+    TestSupport::HeadlessModel empty;
     AddAlgo(empty, "test.noop");
     EXPECT_TRUE(empty.GetVars().isEmpty());
     EXPECT_TRUE(empty.GetArrows().isEmpty());
@@ -154,7 +156,7 @@ TEST_F(ModelDocument, OffsetsCentreTheRowByIntegerDivision)
     struct Case { const char* name; int required; double firstX; };
     for (const Case& c : {Case{"one", 1, 0}, Case{"two", 2, -90}, Case{"three", 3, -90}, Case{"four", 4, -180}}) {
         SCOPED_TRACE(c.name);
-        APCModel model;
+        TestSupport::HeadlessModel model;
         auto* p = new APCAlgo;
         for (int i = 0; i < c.required; ++i) {
             APCParameter param;
@@ -171,7 +173,7 @@ TEST_F(ModelDocument, OffsetsCentreTheRowByIntegerDivision)
 
 TEST_F(ModelDocument, TypeParamBecomesDirectionTwoOnlyWhenWrittenAndRead)
 {
-    APCModel model;
+    TestSupport::HeadlessModel model;
     APCAlgo* writer = AddAlgo(model, "test.copyText");
     APCVar* middle = VarOf(model, writer, "Out File");
     const QString text = R"({"direction":"1","filter":"x"})";
@@ -199,7 +201,7 @@ TEST_F(ModelDocument, TypeParamBecomesDirectionTwoOnlyWhenWrittenAndRead)
 TEST_F(ModelDocument, RemovingArrowsVarsAndProcessesUnwires)
 {
     APCModel model;
-    SignalCounter count(model);
+    SignalCounter count(model); // the listener that deletes what leaves
     APCAlgo* step = AddAlgo(model, "test.copyText");
     APCVar* in = VarOf(model, step, "In File");
     APCVar* out = VarOf(model, step, "Out File");
@@ -230,7 +232,7 @@ TEST_F(ModelDocument, RemovingArrowsVarsAndProcessesUnwires)
 TEST_F(ModelDocument, UpdateProcessReconcilesArrowsWithParameters)
 {
     APCModel model;
-    SignalCounter count(model);
+    SignalCounter count(model); // the listener that deletes what leaves
     APCAlgo* step = AddAlgo(model, "test.three");
     APCVar* a = VarOf(model, step, "A");
 
@@ -284,7 +286,7 @@ TEST_F(ModelDocument, UpdateProcessReconcilesArrowsWithParameters)
 TEST_F(ModelDocument, UpdateProcessOutputWithNewVarOverwritesTheProcessEnd)
 {
     // The fixed rule: the tail of an output arrow is set to the new var's id.
-    APCModel model;
+    TestSupport::HeadlessModel model;
     APCAlgo* step = AddAlgo(model, "test.copyText");
     TestSupport::SetLiteral(model, step, "Out File", "%{new}%");
     APCVar* fresh = model.GetVars().last();
@@ -301,7 +303,7 @@ TEST_F(ModelDocument, UpdateProcessOutputWithNewVarOverwritesTheProcessEnd)
 
 TEST_F(ModelDocument, FreeVarsValidationAndIteratorOutputs)
 {
-    APCModel model;
+    TestSupport::HeadlessModel model;
     APCAlgo* step = AddAlgo(model, "test.copyText");
     APCVar* in = VarOf(model, step, "In File");
     APCVar* out = VarOf(model, step, "Out File");
@@ -328,12 +330,12 @@ TEST_F(ModelDocument, FreeVarsValidationAndIteratorOutputs)
 TEST_F(ModelDocument, ResolveVarValuesFixedPoint)
 {
     {
-        APCModel model;
+        TestSupport::HeadlessModel model;
         EXPECT_TRUE(model.ResolveVarValues({}));
     }
     {
         // A free computed var is filled from the inputs; a missing input fails at once.
-        APCModel model;
+        TestSupport::HeadlessModel model;
         APCAlgo* step = AddAlgo(model, "test.copyText");
         APCVar* in = VarOf(model, step, "In File");
         TestSupport::SetConstant(VarOf(model, step, "Out File"), "/o");
@@ -347,7 +349,7 @@ TEST_F(ModelDocument, ResolveVarValuesFixedPoint)
     }
     {
         // A constant var with an empty value takes the input but is reset to its value.
-        APCModel model;
+        TestSupport::HeadlessModel model;
         auto* v = new APCVar;
         TestSupport::SetConstant(v, "");
         model.AddVar(v);
@@ -359,7 +361,7 @@ TEST_F(ModelDocument, ResolveVarValuesFixedPoint)
     }
     {
         // Two vars that name each other never resolve.
-        APCModel model;
+        TestSupport::HeadlessModel model;
         auto* a = new APCVar;
         auto* b = new APCVar;
         a->SetFunExp("$AppendSuffix(%" + b->GetName() + "%, '_a')");
@@ -372,7 +374,7 @@ TEST_F(ModelDocument, ResolveVarValuesFixedPoint)
 
 TEST_F(ModelDocument, ResolveValueScansPercentPairs)
 {
-    APCModel model;
+    TestSupport::HeadlessModel model;
     auto* named = new APCVar;
     model.AddVar(named);
     auto* v = new APCVar;
@@ -401,7 +403,7 @@ TEST_F(ModelDocument, ResolveValueScansPercentPairs)
 
 TEST_F(ModelDocument, LookupsFollowRenamesAndRemovals)
 {
-    APCModel model;
+    TestSupport::HeadlessModel model;
     auto* a = new APCVar;
     auto* b = new APCVar;
     model.AddVar(a);
@@ -420,6 +422,64 @@ TEST_F(ModelDocument, LookupsFollowRenamesAndRemovals)
     c->SetModel(&model);
     model.GetVars().append(c);
     EXPECT_EQ(model.FindVar(c->GetName()), c);
+}
+
+// Counts its own destruction, so a test can tell who deleted it and how often.
+template <class T>
+struct Counted : T
+{
+    explicit Counted(int& deaths) : deaths(deaths) {}
+    ~Counted() override { ++deaths; }
+    int& deaths;
+};
+
+TEST_F(ModelDocument, RemovedObjectsBelongToTheCallerWithOrWithoutAListener)
+{
+    // No listener at all: what leaves a list is the caller's to delete, and the
+    // model must not delete it a second time when it dies.
+    int processDeaths = 0, varDeaths = 0, arrowDeaths = 0;
+    APCProcess* process = nullptr;
+    APCVar* var = nullptr;
+    APCArrow* arrow = nullptr;
+    {
+        APCModel model;
+        process = AddAlgo(model, "test.copyText");
+        var = new Counted<APCVar>(varDeaths);
+        arrow = new Counted<APCArrow>(arrowDeaths);
+        model.AddVar(var);
+        model.AddArrow(arrow);
+        auto* owned = new Counted<APCVar>(processDeaths);
+        model.AddVar(owned); // stays: the model deletes it
+        model.RemoveVar(var);
+        model.RemoveArrow(arrow);
+        const QList<APCArrow*> wired = model.GetArrows();
+        model.RemoveProcess(process);
+        EXPECT_TRUE(model.GetArrows().isEmpty());
+        qDeleteAll(wired); // the process's arrows went with it, to the caller too
+    }
+    EXPECT_EQ(processDeaths, 1);
+    EXPECT_EQ(varDeaths, 0);
+    EXPECT_EQ(arrowDeaths, 0);
+    delete process;
+    delete var;
+    delete arrow;
+    EXPECT_EQ(varDeaths, 1);
+    EXPECT_EQ(arrowDeaths, 1);
+
+    // A bin keeps what leaves, valid for every listener, and frees it once.
+    varDeaths = 0;
+    {
+        APCModel model;
+        auto bin = std::make_unique<RemovedObjectBin>(model);
+        var = new Counted<APCVar>(varDeaths);
+        model.AddVar(var);
+        model.RemoveVar(var);
+        EXPECT_EQ(varDeaths, 0);
+        EXPECT_EQ(bin->Size(), 1);
+        bin.reset();
+        EXPECT_EQ(varDeaths, 1);
+    }
+    EXPECT_EQ(varDeaths, 1);
 }
 
 TEST_F(ModelDocument, AlgoTakesTheCatalogueAndKeepsStoredValues)

@@ -1,6 +1,8 @@
 #include "engine/APCAlgo.h"
 #include "engine/APCModelFile.h"
 #include "engine/APCRasterFileIterator.h"
+#include "engine/APCVectorFileIterator.h"
+#include "model/APCProcess.h"
 #include "model/APCArrow.h"
 #include "model/APCModel.h"
 #include "model/APCVar.h"
@@ -9,6 +11,7 @@
 
 #include <QTemporaryDir>
 #include <QTextCodec>
+#include <QXmlStreamWriter>
 #include <gtest/gtest.h>
 
 using namespace Plugin;
@@ -102,6 +105,38 @@ TEST(ModelFile, AttributesFollowTheFileRules)
     // No description attribute when it is empty.
     EXPECT_TRUE(text.contains(QRegExp(R"(<Process class="RasterFileIterator" name="[^"]+" posX="1e\+07" posY="3" painter="" processName="">)")));
     EXPECT_TRUE(text.contains(QRegExp(R"(<Parameter name="strDir" type="multiDirectory" direction="0" value="%\{[^"]+\}%" description="MultiDirectory"/>)")));
+}
+
+// withElement lets plain processes and vars write into an element their caller
+// opened; algorithm steps, iterators and nested models always write their own.
+TEST(ModelFile, WithElementFalseIsHonouredOnlyByPlainProcessesAndVars)
+{
+    auto written = [](APCObject* object) {
+        QString text;
+        QXmlStreamWriter writer(&text);
+        writer.writeStartElement("Outer");
+        object->WriteXml(writer, false);
+        writer.writeEndElement();
+        delete object;
+        return text;
+    };
+    struct Case { const char* name; APCObject* object; bool ownElement; };
+    auto* algo = new APCAlgo;
+    algo->SetProcessName("test.copyText");
+    const Case cases[] = {
+        {"process", new APCProcess, false},
+        {"var", new APCVar, false},
+        {"algo", algo, true},
+        {"nested model", new APCModelFile, true},
+        {"iterator", new APCIterator, true},
+        {"raster file iterator", new APCRasterFileIterator, true},
+        {"vector file iterator", new APCVectorFileIterator, true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const QString text = written(c.object);
+        EXPECT_EQ(text.contains("<Process") || text.contains("<Var"), c.ownElement) << qPrintable(text);
+    }
 }
 
 TEST(ModelFile, CharactersOutsideGb2312SurviveAsReferences)

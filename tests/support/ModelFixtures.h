@@ -1,15 +1,23 @@
 #pragma once
 
+#include "model/APCModel.h"
+#include "model/RemovedObjectBin.h"
+
 #include <QString>
 #include <QStringList>
 
 namespace Plugin {
 class APCAlgo;
-class APCModel;
 class APCVar;
 } // namespace Plugin
 
 namespace TestSupport {
+
+// A model with no window that owns what it gives up, as every headless owner must.
+class HeadlessModel : public Plugin::APCModel
+{
+    Plugin::RemovedObjectBin m_bin{*this};
+};
 
 // Adds an algorithm step of the host catalogue at pos; required parameters get
 // their vars and arrows as in the editor.
