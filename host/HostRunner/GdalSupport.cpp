@@ -8,12 +8,16 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QRegularExpression>
+#include <QTemporaryDir>
 
 #include <ogr_spatialref.h>
 #include <ogrsf_frmts.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
+#include <cstdio>
+#include <iterator>
 #include <mutex>
 
 namespace HostRunner {
@@ -32,9 +36,11 @@ namespace {
 struct ExtensionDriver
 {
     const char* extension;
-    const char* driver;
+    const char* driver; // null: written by the algorithm itself
 };
 
+// What the host writes, by output kind. An extension not listed fails the run rather
+// than fall back to a default format, which would write, say, a GeoTIFF named model.apc.
 const ExtensionDriver kRasterDrivers[] = {
     {"tif", "GTiff"}, {"tiff", "GTiff"}, {"img", "HFA"},  {"asc", "AAIGrid"},
     {"png", "PNG"},   {"jpg", "JPEG"},   {"jpeg", "JPEG"}, {"gpkg", "GPKG"},
@@ -46,15 +52,42 @@ const ExtensionDriver kVectorDrivers[] = {
     {"tab", "MapInfo File"},   {"sqlite", "SQLite"},
 };
 
-template <size_t N>
-QString driverFor(const QString& path, const ExtensionDriver (&table)[N], const char* fallback)
+const ExtensionDriver kTableDrivers[] = {{"csv", nullptr}, {"txt", nullptr}};
+
+struct OutputFormats
 {
+    const char* kind;
+    const ExtensionDriver* begin;
+    const ExtensionDriver* end;
+};
+
+OutputFormats formatsFor(OutputKind kind)
+{
+    if (kind == OutputKind::Raster)
+        return {"raster", std::begin(kRasterDrivers), std::end(kRasterDrivers)};
+    if (kind == OutputKind::Vector)
+        return {"vector", std::begin(kVectorDrivers), std::end(kVectorDrivers)};
+    return {"table", std::begin(kTableDrivers), std::end(kTableDrivers)};
+}
+
+// The driver of path's extension, or false with *error telling the known extensions.
+bool driverFor(const QString& path, OutputKind kind, QString* driver, QString* error)
+{
+    const OutputFormats formats = formatsFor(kind);
     const QString suffix = QFileInfo(path).suffix().toLower();
-    for (const ExtensionDriver& e : table) {
-        if (suffix == QLatin1String(e.extension))
-            return QString::fromLatin1(e.driver);
+    QStringList known;
+    for (const ExtensionDriver* e = formats.begin; e != formats.end; ++e) {
+        if (suffix == QLatin1String(e->extension)) {
+            *driver = e->driver ? QString::fromLatin1(e->driver) : QString();
+            return true;
+        }
+        known << QLatin1Char('.') + QLatin1String(e->extension);
     }
-    return QString::fromLatin1(fallback);
+    const QString kindName = QLatin1String(formats.kind);
+    const QString why = suffix.isEmpty() ? QStringLiteral("the name has no extension to choose a %1 format by").arg(kindName)
+                                         : QStringLiteral(".%1 is not a %2 format the host writes").arg(suffix, kindName);
+    *error = QStringLiteral("Cannot write %1: %2; use one of %3").arg(path, why, known.join(QLatin1String(", ")));
+    return false;
 }
 
 QByteArray encoded(const QString& path)
@@ -75,14 +108,65 @@ QString canonical(const QString& path)
     return c.isEmpty() ? fi.absoluteFilePath() : c;
 }
 
-// Removes a dataset with all its files (a shapefile's sidecars, a GeoTIFF's .aux.xml).
-void deleteDataset(const QString& path)
+// What stands at path, when a new output of driver (empty: a table) may replace it:
+// nothing, or a dataset of that same format, whose files go into *files (a shapefile's
+// sidecars, a GeoTIFF's .aux.xml). A folder or a file of another format is not ours
+// to replace: false, with the reason in *why.
+bool replaceableOutput(const QString& path, const QString& driver, QStringList* files, QString* why)
 {
-    const QByteArray name = encoded(path);
-    if (GDALDriverH driver = GDALIdentifyDriverEx(name.constData(), GDAL_OF_RASTER | GDAL_OF_VECTOR, nullptr, nullptr))
-        GDALDeleteDataset(driver, name.constData());
-    if (QFileInfo::exists(path) || QFileInfo(path).isSymLink())
-        QFile::remove(path);
+    files->clear();
+    const QFileInfo file(path);
+    if (!file.exists() && !file.isSymLink())
+        return true;
+    if (file.isDir()) {
+        *why = QStringLiteral("it is a folder");
+        return false;
+    }
+    if (driver.isEmpty()) {
+        *files << file.absoluteFilePath();
+        return true;
+    }
+    // Probing an old file is not part of the run: its complaints are no run errors.
+    CPLErrorStateBackuper keepLastError;
+    CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
+    const QByteArray name = encoded(file.absoluteFilePath());
+    const QByteArray driverName = driver.toLatin1();
+    const char* const allowed[] = {driverName.constData(), nullptr};
+    GDALDriverH identified = GDALIdentifyDriverEx(name.constData(), GDAL_OF_RASTER | GDAL_OF_VECTOR, allowed, nullptr);
+    if (!identified) {
+        GDALDriver* d = GetGDALDriverManager()->GetDriverByName(driverName.constData());
+        const char* longName = d ? d->GetMetadataItem(GDAL_DMD_LONGNAME) : nullptr;
+        *why = QStringLiteral("the existing file is not in %1 format, so it is left alone")
+                   .arg(QString::fromUtf8(longName ? longName : driverName.constData()));
+        return false;
+    }
+    *files << file.absoluteFilePath();
+    GDALDatasetUniquePtr old(GDALDataset::Open(name.constData(), GDAL_OF_RASTER | GDAL_OF_VECTOR, allowed));
+    if (!old)
+        return true; // damaged, but of our format: the main file alone
+    // Only the dataset's own sidecars, which share its stem: a format may list other
+    // datasets' files too.
+    const QString stem = file.completeBaseName() + QLatin1Char('.');
+    char** list = old->GetFileList();
+    for (char** f = list; f && *f; ++f) {
+        const QFileInfo part(QFile::decodeName(*f));
+        if (part.absolutePath() == file.absolutePath() && part.fileName().startsWith(stem)
+            && !files->contains(part.absoluteFilePath()))
+            *files << part.absoluteFilePath();
+    }
+    CSLDestroy(list);
+    return true;
+}
+
+// Moves a finished file over its destination, in one step where the system can.
+bool moveInto(const QString& from, const QString& to)
+{
+#ifdef Q_OS_WIN
+    // Renaming does not replace a file there.
+    return (!QFileInfo::exists(to) || QFile::remove(to)) && QFile::rename(from, to);
+#else
+    return std::rename(encoded(from).constData(), encoded(to).constData()) == 0;
+#endif
 }
 
 void ensureGdalRegistered()
@@ -107,16 +191,6 @@ Plugin::Param makeParam(const QString& name, const QString& type, int direction,
 }
 
 } // namespace
-
-QString RasterDriverFor(const QString& path)
-{
-    return driverFor(path, kRasterDrivers, "GTiff");
-}
-
-QString VectorDriverFor(const QString& path)
-{
-    return driverFor(path, kVectorDrivers, "ESRI Shapefile");
-}
 
 QStringList SplitPaths(const QString& value)
 {
@@ -152,18 +226,18 @@ Plugin::Param Optional(Plugin::Param param, const QString& defaultValue)
     return param;
 }
 
-GDALDatasetUniquePtr CreateVectorOutput(GdalJob& job, const QString& path)
+GDALDatasetUniquePtr CreateVectorOutput(GdalJob& job, const OutputFile& output)
 {
-    const QString format = VectorDriverFor(path);
+    const QString& format = output.Driver();
     GDALDriver* driver = GetGDALDriverManager()->GetDriverByName(format.toLatin1().constData());
     if (!driver || !driver->GetMetadataItem(GDAL_DCAP_CREATE)) {
-        job.Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: format %2 is not available").arg(path, format));
+        job.Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: format %2 is not available").arg(output.Path(), format));
         return nullptr;
     }
-    const QByteArray name = encoded(path);
+    const QByteArray name = encoded(output.WritePath());
     GDALDatasetUniquePtr ds(driver->Create(name.constData(), 0, 0, 0, GDT_Unknown, nullptr));
     if (!ds)
-        job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create %1").arg(path));
+        job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create %1").arg(output.Path()));
     return ds;
 }
 
@@ -180,6 +254,14 @@ CPLStringList LayerOptionsFor(const QString& driver)
 
 GdalErrorCapture::GdalErrorCapture()
 {
+    // GDAL's own worker threads (GDAL_NUM_THREADS decoding, compressing, warping)
+    // report to the process-wide handler, never to this one, and the reader then
+    // fails silently. Keeping the work on this thread loses no error.
+    if (const char* threads = CPLGetThreadLocalConfigOption("GDAL_NUM_THREADS", nullptr)) {
+        m_threadsBefore = threads;
+        m_hadThreads = true;
+    }
+    CPLSetThreadLocalConfigOption("GDAL_NUM_THREADS", "1");
     CPLErrorReset();
     CPLPushErrorHandlerEx(&GdalErrorCapture::Handler, this);
     CPLSetCurrentErrorHandlerCatchDebug(FALSE);
@@ -188,11 +270,12 @@ GdalErrorCapture::GdalErrorCapture()
 GdalErrorCapture::~GdalErrorCapture()
 {
     CPLPopErrorHandler();
+    CPLSetThreadLocalConfigOption("GDAL_NUM_THREADS", m_hadThreads ? m_threadsBefore.constData() : nullptr);
 }
 
-QString GdalErrorCapture::LastMessage() const
+QString GdalErrorCapture::Message() const
 {
-    return m_lastFailure.isEmpty() ? m_lastWarning : m_lastFailure;
+    return m_failures > 0 ? m_firstFailure : m_lastWarning;
 }
 
 void CPL_STDCALL GdalErrorCapture::Handler(CPLErr level, CPLErrorNum, const char* message)
@@ -204,9 +287,54 @@ void CPL_STDCALL GdalErrorCapture::Handler(CPLErr level, CPLErrorNum, const char
     if (level == CE_Warning) {
         self->m_lastWarning = text;
     } else {
-        self->m_lastFailure = text;
-        ++self->m_failures;
+        if (self->m_failures++ == 0)
+            self->m_firstFailure = text;
     }
+}
+
+// ---------------------------------------------------------------------------------
+// OutputFile
+
+OutputFile::OutputFile(const QString& path, const QString& driver, std::unique_ptr<QTemporaryDir> staging)
+    : m_path(path), m_driver(driver), m_staging(std::move(staging))
+{
+    m_writePath = QDir(m_staging->path()).filePath(QFileInfo(path).fileName());
+}
+
+OutputFile::~OutputFile() = default;
+
+bool OutputFile::Commit(QString* error)
+{
+    if (!m_staging)
+        return true; // already in place
+    const QFileInfo target(m_path);
+    const QString mainName = target.fileName();
+    QStringList written = QDir(m_staging->path()).entryList(QDir::Files | QDir::Hidden | QDir::System);
+    if (!written.removeOne(mainName)) {
+        *error = QStringLiteral("Cannot write %1: nothing was written").arg(m_path);
+        return false;
+    }
+    written << mainName; // last, so that it appears complete
+    // Checked again: the old output may have changed while the run was going on.
+    QStringList oldFiles;
+    QString why;
+    if (!replaceableOutput(target.absoluteFilePath(), m_driver, &oldFiles, &why)) {
+        *error = QStringLiteral("Cannot replace %1: %2").arg(m_path, why);
+        return false;
+    }
+    const QDir folder = target.absoluteDir();
+    for (const QString& name : qAsConst(written)) {
+        const QString to = folder.absoluteFilePath(name);
+        if (!moveInto(QDir(m_staging->path()).filePath(name), to)) {
+            *error = QStringLiteral("Cannot move %1 into place: %2").arg(to, qt_error_string(errno));
+            return false;
+        }
+        oldFiles.removeAll(to);
+    }
+    for (const QString& stale : qAsConst(oldFiles))
+        QFile::remove(stale); // an old sidecar the new output has not, such as an .aux.xml
+    m_staging.reset();
+    return true;
 }
 
 // ---------------------------------------------------------------------------------
@@ -428,40 +556,84 @@ bool GdalJob::IsInput(const QString& path) const
     return m_inputs.contains(canonical(path));
 }
 
-bool GdalJob::PrepareOutput(const QString& name, QString* path)
+const OutputFile* GdalJob::PrepareOutput(const QString& name, OutputKind kind)
 {
     const QString text = Text(name);
-    if (text.isEmpty())
-        return Fail(kBadParameter, QStringLiteral("%1 needs a value").arg(name));
-    const QFileInfo file(text);
-    const QFileInfo folder(file.absolutePath());
-    if (folder.exists() && !folder.isDir())
-        return Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: %2 is not a folder").arg(text, folder.filePath()));
-    if (!folder.isDir())
-        return Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: folder %2 does not exist").arg(text, folder.filePath()));
-    if (!folder.isWritable())
-        return Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: folder %2 is not writable").arg(text, folder.filePath()));
-    if (file.isDir())
-        return Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: it is a folder").arg(text));
-    if (IsInput(text))
-        return Fail(kBadParameter, QStringLiteral("%1 %2 is also an input; choose another output").arg(name, text));
-    if (file.exists() || file.isSymLink()) {
-        deleteDataset(file.absoluteFilePath());
-        if (QFileInfo::exists(file.absoluteFilePath()))
-            return Fail(kCannotWriteOutput, QStringLiteral("Cannot replace existing %1").arg(text));
+    if (text.isEmpty()) {
+        Fail(kBadParameter, QStringLiteral("%1 needs a value").arg(name));
+        return nullptr;
     }
-    m_outputs << file.absoluteFilePath();
-    *path = text;
+    QString driver, error;
+    if (!driverFor(text, kind, &driver, &error)) {
+        Fail(kBadParameter, error);
+        return nullptr;
+    }
+    if (isVirtualPath(text)) {
+        Fail(kBadParameter, QStringLiteral("Cannot write %1: outputs are files on disk").arg(text));
+        return nullptr;
+    }
+    const QFileInfo file(text);
+    const QString folder = file.absolutePath();
+    const QFileInfo folderInfo(folder);
+    if (folderInfo.exists() && !folderInfo.isDir()) {
+        Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: %2 is not a folder").arg(text, folder));
+        return nullptr;
+    }
+    if (!folderInfo.exists() && !QDir().mkpath(folder)) {
+        Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: cannot create folder %2").arg(text, folder));
+        return nullptr;
+    }
+    if (!QFileInfo(folder).isWritable()) {
+        Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: folder %2 is not writable").arg(text, folder));
+        return nullptr;
+    }
+    if (IsInput(text)) {
+        Fail(kBadParameter, QStringLiteral("%1 %2 is also an input; choose another output").arg(name, text));
+        return nullptr;
+    }
+    QStringList existing;
+    if (!replaceableOutput(file.absoluteFilePath(), driver, &existing, &error)) {
+        Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: %2").arg(text, error));
+        return nullptr;
+    }
+    // Beside the output, so that moving it into place is a rename on one file system.
+    auto staging = std::make_unique<QTemporaryDir>(
+        QDir(folder).filePath(QStringLiteral(".%1.partial-XXXXXX").arg(file.fileName())));
+    if (!staging->isValid()) {
+        Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: cannot create a file in folder %2: %3")
+                                     .arg(text, folder, staging->errorString()));
+        return nullptr;
+    }
+    m_outputs.push_back(std::make_unique<OutputFile>(text, driver, std::move(staging)));
+    return m_outputs.back().get();
+}
+
+bool GdalJob::Finish()
+{
+    if (m_errors.FailureCount() > 0) {
+        QString message = QStringLiteral("%1 failed: %2").arg(m_config.displayText, Readable(m_errors.Message()));
+        if (m_errors.FailureCount() > 1)
+            message += QStringLiteral(" (GDAL reported %1 errors)").arg(m_errors.FailureCount());
+        return Fail(kProcessingFailed, message);
+    }
+    for (const std::unique_ptr<OutputFile>& output : m_outputs) {
+        QString error;
+        if (!output->Commit(&error))
+            return Fail(kCannotWriteOutput, error);
+    }
     return true;
 }
 
 void GdalJob::RemoveOutputs()
 {
-    for (const QString& path : qAsConst(m_outputs)) {
-        if (QFileInfo::exists(path))
-            deleteDataset(path);
-    }
     m_outputs.clear();
+}
+
+QString GdalJob::Readable(QString gdalText) const
+{
+    for (const std::unique_ptr<OutputFile>& output : m_outputs)
+        gdalText.replace(output->WritePath(), output->Path());
+    return gdalText;
 }
 
 bool GdalJob::Fail(int code, const QString& message)
@@ -474,7 +646,7 @@ bool GdalJob::FailGdal(int code, const QString& message)
     // GDAL often starts with the file name, which the message already gives.
     // Not static: runs fail concurrently, and a shared expression compiles lazily.
     const QRegularExpression leadingPath(QStringLiteral("^(?:`([^']+)'|(/[^:]+):)\\s+"));
-    QString detail = m_errors.LastMessage();
+    QString detail = Readable(m_errors.Message());
     const QRegularExpressionMatch m = leadingPath.match(detail);
     if (m.hasMatch() && message.contains(m.captured(1) + m.captured(2)))
         detail.remove(0, m.capturedLength());
@@ -492,9 +664,12 @@ void GdalJob::Progress(double percent, const QString& text)
 
 bool RasterTarget::Prepare(GdalJob& job, const QString& name, bool allowStaging)
 {
-    if (!job.PrepareOutput(name, &m_path))
+    const OutputFile* output = job.PrepareOutput(name, OutputKind::Raster);
+    if (!output)
         return false;
-    m_driver = RasterDriverFor(m_path);
+    m_path = output->Path();
+    m_writePath = output->WritePath();
+    m_driver = output->Driver();
     GDALDriver* driver = GetGDALDriverManager()->GetDriverByName(m_driver.toLatin1().constData());
     if (!driver)
         return job.Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: format %2 is not available").arg(m_path, m_driver));
@@ -509,7 +684,7 @@ QByteArray RasterTarget::ToolFormat() const
 
 QByteArray RasterTarget::ToolPath() const
 {
-    return m_staged ? QByteArray() : encoded(m_path);
+    return m_staged ? QByteArray() : encoded(m_writePath);
 }
 
 GDALDatasetUniquePtr RasterTarget::Create(GdalJob& job, int width, int height, int bands, GDALDataType type)
@@ -539,7 +714,7 @@ bool RasterTarget::Commit(GdalJob& job, GDALDatasetUniquePtr dataset, double fro
     if (m_staged) {
         GDALDriver* driver = GetGDALDriverManager()->GetDriverByName(m_driver.toLatin1().constData());
         GdalProgress progress(job, QStringLiteral("Writing %1").arg(QFileInfo(m_path).fileName()), from, to);
-        const QByteArray name = encoded(m_path);
+        const QByteArray name = encoded(m_writePath);
         GDALDatasetUniquePtr copy(driver->CreateCopy(name.constData(), dataset.get(), FALSE, nullptr,
                                                      &GdalProgress::Function, &progress));
         dataset.reset();
@@ -598,7 +773,7 @@ void RegisterGdalAlgorithm(const Plugin::AlgoConfig& config, GdalRunFn run)
             ensureGdalRegistered();
             GdalJob job(config, params, ctx);
             job.Progress(0.0, config.displayText);
-            if (!job.CheckRequired() || !run(job)) {
+            if (!job.CheckRequired() || !run(job) || !job.Finish()) {
                 job.RemoveOutputs();
                 return false;
             }

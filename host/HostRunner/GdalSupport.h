@@ -16,10 +16,12 @@
 
 #include <climits>
 #include <functional>
+#include <memory>
 #include <vector>
 
 class OGRLayer;
 class OGRSpatialReference;
+class QTemporaryDir;
 
 namespace Plugin {
 class AlgoRunContext;
@@ -43,10 +45,12 @@ extern const char* const kVectorInputFilter;
 extern const char* const kVectorOutputFilter;
 extern const char* const kTableOutputFilter;
 
-// The GDAL driver for an output path, from its extension: GTiff, resp. the shapefile one,
-// when the extension is unknown or missing.
-QString RasterDriverFor(const QString& path);
-QString VectorDriverFor(const QString& path);
+// What an output parameter receives; each kind has its own known extensions.
+enum class OutputKind {
+    Raster, // .tif, .img, .asc, .png, ... written by GDAL
+    Vector, // .shp, .gpkg, .geojson, .csv, ... written by GDAL
+    Table,  // .csv or .txt written by the algorithm itself
+};
 
 // The paths of a "multiFile" value: separated by ';', blanks dropped.
 QStringList SplitPaths(const QString& value);
@@ -64,8 +68,10 @@ Plugin::Param WithDefault(Plugin::Param param, const QString& defaultValue);
 Plugin::Param Optional(Plugin::Param param, const QString& defaultValue = QString());
 
 // Collects the GDAL errors raised on the calling thread while it lives, instead of
-// letting GDAL print them. GDAL's handler stack is per thread, so concurrent runs
-// do not see each other's errors. Debug messages pass through to the previous handler.
+// letting GDAL print them, and keeps GDAL's work on that thread meanwhile, so that no
+// error is raised where the capture cannot see it. GDAL's handler stack is per thread,
+// so concurrent runs do not see each other's errors. Debug messages pass through to
+// the previous handler.
 class GdalErrorCapture
 {
 public:
@@ -74,20 +80,55 @@ public:
     GdalErrorCapture(const GdalErrorCapture&) = delete;
     GdalErrorCapture& operator=(const GdalErrorCapture&) = delete;
 
-    // The last failure's text, else the last warning's; empty when GDAL said nothing.
-    QString LastMessage() const;
+    // The first failure's text, the cause of those after it (a block that did not
+    // decode, then the file that could not be written), else the last warning's;
+    // empty when GDAL said nothing.
+    QString Message() const;
     // How many failures were raised so far: compare before and after a call.
     int FailureCount() const { return m_failures; }
 
 private:
     static void CPL_STDCALL Handler(CPLErr level, CPLErrorNum number, const char* message);
 
-    QString m_lastFailure;
+    QString m_firstFailure;
     QString m_lastWarning;
     int m_failures = 0;
+    QByteArray m_threadsBefore; // this thread's own GDAL_NUM_THREADS, restored at the end
+    bool m_hadThreads = false;
 };
 
 class GdalJob;
+
+// An output of a run while it is written: GDAL writes WritePath(), inside a hidden
+// folder beside Path(), and Commit() moves every file written there (a shapefile's
+// sidecars too) to the final folder, the main file last. Until then nothing under
+// the final name changes; destroyed uncommitted, it removes what was written.
+class OutputFile
+{
+public:
+    // staging is the hidden folder, which the output owns.
+    OutputFile(const QString& path, const QString& driver, std::unique_ptr<QTemporaryDir> staging);
+    ~OutputFile();
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    // Moves the written files into place, replacing an older output of the same
+    // format with all its files. False with *error set when that cannot be done.
+    bool Commit(QString* error);
+
+    // Where the output ends up; what messages name.
+    const QString& Path() const { return m_path; }
+    // Where GDAL (or the algorithm) writes it.
+    const QString& WritePath() const { return m_writePath; }
+    // The GDAL driver of its extension; empty for a table.
+    const QString& Driver() const { return m_driver; }
+
+private:
+    QString m_path;
+    QString m_driver;
+    QString m_writePath;
+    std::unique_ptr<QTemporaryDir> m_staging; // removed with its content
+};
 
 // Forwards a GDAL progress (0..1) to the job as [from, to] percent, at most once per
 // whole percent. Pass Function() and this to GDAL's *SetProgress / pfnProgress.
@@ -142,19 +183,24 @@ public:
     // The layer named by parameter layerName, or the first one. Owned by dataset.
     OGRLayer* Layer(GDALDataset& dataset, const QString& path, const QString& layerName);
 
-    // The output path of parameter name, ready to be written: its folder exists and is
-    // writable, it is no input, and what was there (a shapefile with its sidecars) is
-    // gone. Call after opening the inputs.
-    bool PrepareOutput(const QString& name, QString* path);
+    // The output of parameter name, ready to be written: its extension is one the host
+    // writes for kind, its folder exists (made when missing), it is no input, and what
+    // is there already may be replaced. Null (and the job failed) otherwise. Owned by
+    // the job. Call after opening the inputs.
+    const OutputFile* PrepareOutput(const QString& name, OutputKind kind);
 
     bool Fail(int code, const QString& message);
-    // Fails with GDAL's last message appended, when there is one.
+    // Fails with GDAL's message appended, when there is one.
     bool FailGdal(int code, const QString& message);
     // Closes a written dataset (which flushes it); a GDAL error while closing means
     // the output at path is incomplete, and fails the job.
     bool CloseOutput(GDALDatasetUniquePtr& dataset, const QString& path);
     const GdalErrorCapture& Errors() const { return m_errors; }
-    // Deletes the outputs PrepareOutput handed out, so a failed run leaves no half file.
+    // Ends a run whose algorithm succeeded: fails it when GDAL reported an error at any
+    // point (GDAL's utilities finish with blocks that did not read), else moves the
+    // outputs into place.
+    bool Finish();
+    // Drops the outputs PrepareOutput handed out, so a failed run leaves no half file.
     void RemoveOutputs();
 
     // Reports progress, never going backwards.
@@ -163,13 +209,15 @@ public:
 
 private:
     bool IsInput(const QString& path) const;
+    // GDAL's text with the outputs' write paths replaced by their final paths.
+    QString Readable(QString gdalText) const;
 
     const Plugin::AlgoConfig& m_config;
     const QJsonObject& m_params;
     Plugin::AlgoRunContext& m_ctx;
     GdalErrorCapture m_errors;
-    QStringList m_inputs;  // canonical paths
-    QStringList m_outputs; // absolute paths
+    QStringList m_inputs; // canonical paths
+    std::vector<std::unique_ptr<OutputFile>> m_outputs;
     double m_lastPercent = -1.0;
 };
 
@@ -178,10 +226,11 @@ private:
 class RasterTarget
 {
 public:
-    // Resolves output parameter name as GdalJob::PrepareOutput does, and its format.
-    // allowStaging false: the caller's utility copies into copy-only formats itself.
+    // Resolves raster output parameter name as GdalJob::PrepareOutput does, and its
+    // format. allowStaging false: the caller's utility copies into copy-only formats itself.
     bool Prepare(GdalJob& job, const QString& name, bool allowStaging = true);
 
+    // The final path, for messages.
     const QString& Path() const { return m_path; }
     // What a GDAL utility writes with: the file's format and path, or MEM when staged.
     QByteArray ToolFormat() const;
@@ -193,13 +242,14 @@ public:
 
 private:
     QString m_path;
+    QString m_writePath;
     QString m_driver;
     bool m_staged = false;
 };
 
-// Creates the vector dataset at a path from GdalJob::PrepareOutput, in the format of
-// its extension; null (and the job failed) when the format cannot be created.
-GDALDatasetUniquePtr CreateVectorOutput(GdalJob& job, const QString& path);
+// Creates the vector dataset of an output from GdalJob::PrepareOutput, in the format
+// of its extension; null (and the job failed) when the format cannot be created.
+GDALDatasetUniquePtr CreateVectorOutput(GdalJob& job, const OutputFile& output);
 
 // Layer creation options a vector format needs for our outputs (CSV keeps geometry).
 CPLStringList LayerOptionsFor(const QString& driver);
@@ -223,7 +273,8 @@ private:
 using GdalRunFn = std::function<bool(GdalJob& job)>;
 
 // Registers an algorithm whose runs get a GdalJob: GDAL's drivers registered, errors
-// captured for the call, required parameters checked, and 100 % reported on success.
+// captured for the call, required parameters checked, the outputs moved into place
+// by GdalJob::Finish, and 100 % reported on success.
 void RegisterGdalAlgorithm(const Plugin::AlgoConfig& config, GdalRunFn run);
 
 } // namespace HostRunner

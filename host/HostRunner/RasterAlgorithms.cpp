@@ -481,8 +481,8 @@ bool runBandStatistics(GdalJob& job)
         for (int b = 1; b <= src->GetRasterCount(); ++b)
             bands.push_back(b);
     }
-    QString out;
-    if (!job.PrepareOutput(kOut, &out))
+    const OutputFile* out = job.PrepareOutput(kOut, OutputKind::Table);
+    if (!out)
         return false;
 
     QByteArray csv("band,valid_pixels,nodata_pixels,min,max,mean,stddev,sum\n");
@@ -503,9 +503,9 @@ bool runBandStatistics(GdalJob& job)
         }
         csv += '\n';
     }
-    QFile file(out);
+    QFile file(out->WritePath());
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(csv) != csv.size() || !file.flush())
-        return job.Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: %2").arg(out, file.errorString()));
+        return job.Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: %2").arg(out->Path(), file.errorString()));
     return true;
 }
 
@@ -521,19 +521,19 @@ bool runPolygonize(GdalJob& job)
     if (!job.Int(kBand, &bandNumber) || !job.CheckBand(*src, kBand, bandNumber)
         || !job.OneOf(QStringLiteral("Connectedness"), {"4", "8"}, &connectedness))
         return false;
-    QString out;
-    if (!job.PrepareOutput(kOut, &out))
+    const OutputFile* output = job.PrepareOutput(kOut, OutputKind::Vector);
+    if (!output)
         return false;
-    GDALDatasetUniquePtr ds = CreateVectorOutput(job, out);
+    GDALDatasetUniquePtr ds = CreateVectorOutput(job, *output);
     if (!ds)
         return false;
-    const QString driver = VectorDriverFor(out);
+    const QString& out = output->Path();
     GDALRasterBand* band = src->GetRasterBand(bandNumber);
     const bool floating = GDALDataTypeIsFloating(band->GetRasterDataType());
     // CreateLayer clones the spatial reference; it only lacks the const.
     OGRLayer* layer = ds->CreateLayer(QFileInfo(out).completeBaseName().toUtf8().constData(),
                                       const_cast<OGRSpatialReference*>(src->GetSpatialRef()),
-                                      wkbPolygon, LayerOptionsFor(driver).List());
+                                      wkbPolygon, LayerOptionsFor(output->Driver()).List());
     OGRFieldDefn field(fieldName.toUtf8().constData(), floating ? OFTReal : OFTInteger);
     if (!layer || layer->CreateField(&field) != OGRERR_NONE)
         return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create layer in %1").arg(out));

@@ -91,10 +91,11 @@ QByteArray wktOf(const OGRSpatialReference& srs)
 // args (format, layer options and the layer's name added).
 bool vectorTranslateInto(GdalJob& job, GDALDataset& source, OGRLayer& layer, ToolArgs args, const QString& what)
 {
-    QString out;
-    if (!job.PrepareOutput(kOut, &out))
+    const OutputFile* output = job.PrepareOutput(kOut, OutputKind::Vector);
+    if (!output)
         return false;
-    const QString driver = VectorDriverFor(out);
+    const QString& out = output->Path();
+    const QString& driver = output->Driver();
     args << "-f" << driver;
     const CPLStringList layerOptions = LayerOptionsFor(driver);
     for (int i = 0; i < layerOptions.Count(); ++i)
@@ -107,7 +108,7 @@ bool vectorTranslateInto(GdalJob& job, GDALDataset& source, OGRLayer& layer, Too
     GDALVectorTranslateOptionsSetProgress(options.get(), &GdalProgress::Function, &progress);
     GDALDatasetH sourceHandle = GDALDataset::ToHandle(&source);
     int usageError = FALSE;
-    const QByteArray name = QFile::encodeName(out);
+    const QByteArray name = QFile::encodeName(output->WritePath());
     GDALDatasetUniquePtr result(GDALDataset::FromHandle(
         GDALVectorTranslate(name.constData(), nullptr, 1, &sourceHandle, options.get(), &usageError)));
     if (!result)
@@ -175,16 +176,17 @@ bool runBuffer(GdalJob& job)
     int segments = 8;
     if (!job.Double(QStringLiteral("Distance"), &distance) || !job.Int(QStringLiteral("Segments"), &segments, 1, 1000))
         return false;
-    QString out;
-    if (!job.PrepareOutput(kOut, &out))
+    const OutputFile* output = job.PrepareOutput(kOut, OutputKind::Vector);
+    if (!output)
         return false;
-    GDALDatasetUniquePtr ds = CreateVectorOutput(job, out);
+    GDALDatasetUniquePtr ds = CreateVectorOutput(job, *output);
     if (!ds)
         return false;
+    const QString& out = output->Path();
     // Multi-polygons throughout: a buffer may split or merge parts, and some formats
     // refuse a multi-polygon in a polygon layer.
     OGRLayer* target = ds->CreateLayer(QFileInfo(out).completeBaseName().toUtf8().constData(), layer->GetSpatialRef(),
-                                       wkbMultiPolygon, LayerOptionsFor(VectorDriverFor(out)).List());
+                                       wkbMultiPolygon, LayerOptionsFor(output->Driver()).List());
     if (!target)
         return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create layer in %1").arg(out));
     OGRFeatureDefn* sourceDefn = layer->GetLayerDefn();

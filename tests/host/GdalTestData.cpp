@@ -64,9 +64,18 @@ QString vectorDriver(const QString& path)
     return QStringLiteral("ESRI Shapefile");
 }
 
+struct Watched
+{
+    RunResult* result;
+    const std::function<void(double)>* watch;
+};
+
 int onProgress(double percent, const char*, void* user)
 {
-    static_cast<RunResult*>(user)->progress.push_back(percent);
+    auto* w = static_cast<Watched*>(user);
+    w->result->progress.push_back(percent);
+    if (*w->watch)
+        (*w->watch)(percent);
     return 1;
 }
 
@@ -76,8 +85,11 @@ bool WriteRaster(const QString& path, const Grid& grid, const PixelFn& value)
 {
     registerOnce();
     GDALDriver* driver = GetGDALDriverManager()->GetDriverByName("GTiff");
+    CPLStringList options;
+    for (const QString& option : grid.options)
+        options.AddString(option.toUtf8().constData());
     GDALDatasetUniquePtr ds(driver->Create(name(path).constData(), grid.width, grid.height, grid.bands,
-                                           GDALGetDataTypeByName(grid.dataType), nullptr));
+                                           GDALGetDataTypeByName(grid.dataType), options.List()));
     if (!ds)
         return false;
     double gt[6] = {grid.originX, grid.pixelSize, 0.0, grid.originY, 0.0, -grid.pixelSize};
@@ -245,13 +257,14 @@ QString Box(double xmin, double ymin, double xmax, double ymax)
         .arg(xmin, 0, 'f', 6).arg(ymin, 0, 'f', 6).arg(xmax, 0, 'f', 6).arg(ymax, 0, 'f', 6);
 }
 
-RunResult RunAlgorithm(const char* algorithm, const QJsonObject& params)
+RunResult RunAlgorithm(const char* algorithm, const QJsonObject& params, const std::function<void(double)>& watch)
 {
     RunResult result;
+    Watched watched{&result, &watch};
     HostRunner::RunRecord record;
     std::memset(&record, 0, sizeof record);
     record.callback = &onProgress;
-    record.userData = &result;
+    record.userData = &watched;
     const QByteArray json = QJsonDocument(params).toJson(QJsonDocument::Compact);
     result.ok = HostRunner::ExcuteAlgo(algorithm, json.constData(), &record);
     result.code = record.errorCode;

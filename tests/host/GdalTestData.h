@@ -28,6 +28,7 @@ struct Grid
     int epsg = 32633; // 0: no spatial reference
     bool hasNoData = false;
     double noData = 0.0;
+    QStringList options; // GeoTIFF creation options, e.g. "COMPRESS=DEFLATE"
 };
 
 using PixelFn = std::function<double(int band, int x, int y)>;
@@ -90,8 +91,10 @@ struct RunResult
     QString message;
     std::vector<double> progress;
 };
-// Runs an algorithm through HostRunner::ExcuteAlgo with params (string values).
-RunResult RunAlgorithm(const char* algorithm, const QJsonObject& params);
+// Runs an algorithm through HostRunner::ExcuteAlgo with params (string values);
+// watch, when given, is called at each progress report, while the run is going on.
+RunResult RunAlgorithm(const char* algorithm, const QJsonObject& params,
+                       const std::function<void(double percent)>& watch = {});
 
 // A run that must fail: its code, and texts its message must contain.
 struct BadInputCase

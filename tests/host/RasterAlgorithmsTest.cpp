@@ -347,7 +347,7 @@ TEST_F(RasterAlgorithms, BadInputGivesCodeAndMessageAndNoOutput)
         {"mosaic of unlike bands", "raster.mosaic", {{"In Files", in + ";" + other}}, 20, {other, "2 band(s)"}},
         {"mosaic of unlike projections", "raster.mosaic", {{"In Files", in + ";" + unreferenced}}, 20, {"spatial references differ"}},
         {"mask that is no vector", "raster.clipByPolygon", {{"In File", in}, {"Mask File", text}}, 21, {"Cannot open vector layer", text}},
-        {"folder missing", "raster.slope", {{"In File", in}, {"Out File", Path("no/such/out.tif")}}, 22, {"does not exist", Path("no/such/out.tif")}},
+        {"folder cannot be made", "raster.slope", {{"In File", in}, {"Out File", text + "/sub/out.tif"}}, 22, {"cannot create folder", text + "/sub"}},
         {"folder is a file", "raster.ndvi", {{"In File", other}, {"Red Band", "1"}, {"NIR Band", "2"}, {"Out File", text + "/x.tif"}}, 22, {"is not a folder"}},
         {"output is the input", "raster.translate", {{"In File", in}, {"Out File", in}}, 20, {"also an input"}},
         {"format refuses the bands", "raster.translate", {{"In File", other}, {"Out File", Path("out.asc")}}, 23, {"out.asc", "band"}},

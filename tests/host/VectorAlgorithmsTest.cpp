@@ -195,7 +195,7 @@ TEST_F(VectorAlgorithms, BadInputGivesCodeAndMessageAndNoOutput)
         {"absurd resolution", "vector.rasterize", {{"In File", halves}, {"Resolution", "0.0001"}, {"Out File", Path("out.tif")}}, 20, {"coarser"}},
         {"unknown data type", "vector.rasterize", {{"In File", halves}, {"Resolution", "10"}, {"Data Type", "Float128"}, {"Out File", Path("out.tif")}}, 20, {"Data Type", "Float128"}},
         {"empty layer", "vector.rasterize", {{"In File", empty}, {"Resolution", "10"}, {"Out File", Path("out.tif")}}, 21, {"nothing to rasterize"}},
-        {"folder missing", "vector.buffer", {{"In File", towns}, {"Distance", "1"}, {"Out File", Path("gone/out.shp")}}, 22, {"does not exist"}},
+        {"folder cannot be made", "vector.buffer", {{"In File", towns}, {"Distance", "1"}, {"Out File", raster + "/sub/out.shp"}}, 22, {"cannot create folder", raster + "/sub"}},
         {"output is the input", "vector.translate", {{"In File", towns}, {"Out File", towns}}, 20, {"also an input"}},
     };
     const QByteArray original = TestSupport::ReadAll(towns);
