@@ -5,6 +5,7 @@
 #include "engine/APCLog.h"
 #include "engine/APCModelFile.h"
 #include "engine/APCRasterFileIterator.h"
+#include "engine/HeadlessAlgo.h"
 #include "engine/ModelAlgo.h"
 #include "engine/STModelAlgoData.h"
 #include "engine/SequenceControl.h"
@@ -19,7 +20,6 @@
 #include <QThreadPool>
 #include <gtest/gtest.h>
 
-extern "C" HostTask::IHostTask* GetAlgoObj(const QString& name);
 
 using namespace Plugin;
 using namespace TestSupport;
@@ -215,10 +215,10 @@ TEST_F(NestedModels, StoppingTheOuterRunReleasesTheNestedOne)
 TEST_F(NestedModels, HeadlessObjectsAsAHostCallsThem)
 {
     WriteCopyModel();
-    EXPECT_EQ(GetAlgoObj("ModelInfoAlgo"), nullptr);
-    EXPECT_EQ(GetAlgoObj("modelalgo"), nullptr);
+    EXPECT_EQ(Plugin::CreateHeadlessAlgo("ModelInfoAlgo"), nullptr);
+    EXPECT_EQ(Plugin::CreateHeadlessAlgo("modelalgo"), nullptr);
 
-    TaskPtr info(GetAlgoObj("ModelAlgoInfo"));
+    TaskPtr info(Plugin::CreateHeadlessAlgo("ModelAlgoInfo"));
     ASSERT_TRUE(info);
     STModelAlgoData request;
     request.file = ModelPath("copy.apc");
@@ -233,7 +233,7 @@ TEST_F(NestedModels, HeadlessObjectsAsAHostCallsThem)
     WriteAll(File("in.txt"), "headless");
     inputs.params[0].value = File("in.txt");
     inputs.params[1].value = File("out.txt");
-    TaskPtr run(GetAlgoObj("ModelAlgo"));
+    TaskPtr run(Plugin::CreateHeadlessAlgo("ModelAlgo"));
     std::vector<double> progress;
     run->Progress.connect([&](double v, const QString&, void*) { progress.push_back(v); return 0; });
     run->SetParams(inputs);
@@ -271,7 +271,7 @@ TEST_F(NestedModels, HeadlessObjectsRejectWrongRecordsWithCode100)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        TaskPtr task(GetAlgoObj(c.object));
+        TaskPtr task(Plugin::CreateHeadlessAlgo(c.object));
         task->SetParams(c.slot);
         EXPECT_EQ(task->Execute(), c.result);
         int code = -1;

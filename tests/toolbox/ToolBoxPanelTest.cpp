@@ -1,5 +1,6 @@
 #include "HostDesktop/IApplication.h"
 #include "HostShell/EnvironmentSetting.h"
+#include "HostTask/IHostTask.h"
 #include "plugin/PythonCommand.h"
 #include "plugin/ToolBoxPlugin.h"
 #include "support/TestSupport.h"
@@ -9,11 +10,13 @@
 #include "toolbox/ToolBoxCommand.h"
 #include "toolbox/ToolBoxWidget.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QDockWidget>
 #include <QMainWindow>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QLibrary>
 #include <QTextCodec>
 #include <gtest/gtest.h>
 
@@ -190,6 +193,20 @@ TEST(PluginModule, MakesItsCommandsByNameInAnyCase)
     python->OnClick(); // does nothing, and must not fail
     EXPECT_FALSE(module->CreateCommand("ToolBox_Other", ""));
     EXPECT_EQ(toolBox->RefCount(), 1);
+}
+
+// The host loads one file and finds both exports in it, as it would at run time.
+TEST(PluginModule, BothExportsResolveFromTheLibraryTheHostLoads)
+{
+    QLibrary library(QCoreApplication::applicationDirPath() + "/libModelBuilder.so");
+    ASSERT_TRUE(library.load()) << qPrintable(library.errorString());
+    EXPECT_TRUE(library.resolve("GetPluginModule"));
+    using GetAlgoObjFn = HostTask::IHostTask* (*)(const QString&);
+    auto getAlgoObj = reinterpret_cast<GetAlgoObjFn>(library.resolve("GetAlgoObj"));
+    ASSERT_TRUE(getAlgoObj);
+    HostCore::_ptr_t<HostTask::IHostTask> task(getAlgoObj("ModelAlgo"));
+    EXPECT_TRUE(task);
+    EXPECT_EQ(getAlgoObj("modelalgo"), nullptr);
 }
 
 TEST(PluginModule, ACommandNeverOpenedNeverTouchesTheFile)
