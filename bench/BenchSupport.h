@@ -1,6 +1,8 @@
 #pragma once
 // Small helpers shared by the benchmark programs (header-only on purpose: each
 // benchmark is one program).
+#include "engine/ModelRun.h"
+
 #include <QByteArray>
 #include <QCoreApplication>
 #include <QString>
@@ -27,40 +29,15 @@ inline double Millis(const std::function<void()>& work)
     return t.nsecsElapsed() / 1e6;
 }
 
-// Builds and starts control on model and serves this thread's events until the
-// run has ended; returns the wall time in milliseconds.
-template <class Control, class Model>
-double RunToEnd(Control& control, Model& model, const QString& name)
+// Prepares and runs model on control the way every caller does and serves this
+// thread's events until the run has ended; returns the wall time in milliseconds.
+inline double RunToEnd(Plugin::SequenceControl& control, Plugin::APCModel& model, const QString& name)
 {
-    QEventLoop loop;
-    bool done = false;
-    auto connection = control.NodeFinished.connect([&](auto* node) {
-        if (!node) {
-            done = true;
-            loop.quit();
-        }
+    Plugin::ModelRun run(control, model);
+    return Millis([&] {
+        if (run.Start({}, name))
+            run.Wait();
     });
-    const double ms = Millis([&] {
-        control.SetName(name);
-        control.Build(&model);
-        control.Start();
-        if (!done)
-            loop.exec();
-    });
-    connection.disconnect();
-    return ms;
-}
-
-// Serves this thread's events until done() holds; checks every millisecond
-// without spinning a core the pool threads need.
-inline void SpinUntil(const std::function<bool()>& done)
-{
-    QEventLoop loop;
-    QTimer poll;
-    QObject::connect(&poll, &QTimer::timeout, &loop, [&] { if (done()) loop.quit(); });
-    poll.start(1);
-    if (!done())
-        loop.exec();
 }
 
 } // namespace Bench

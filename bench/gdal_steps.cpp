@@ -110,17 +110,8 @@ double engine(const std::vector<Step>& steps)
     QMap<QString, APCVar*> outputs;
     for (const Step& s : steps)
         addStep(model, s, outputs);
-    model.ResetVarValues();
-    model.ResolveVarValues({});
     SequenceControl control;
-    bool done = false;
-    control.NodeFinished.connect([&](SequenceNode* n) { if (!n) done = true; });
-    const double ms = Bench::Millis([&] {
-        control.SetName("bench");
-        control.Build(&model);
-        control.Start();
-        Bench::SpinUntil([&] { return done; });
-    });
+    const double ms = Bench::RunToEnd(control, model, "bench");
     int code = 0;
     QString message;
     control.GetError(code, message);

@@ -2,15 +2,16 @@
 #include "HostRunner/AlgorithmList.h"
 #include "engine/APCExecuteFactory.h"
 #include "engine/APCLog.h"
+#include "engine/ModelRun.h"
 #include "engine/SequenceControl.h"
 #include "engine/SequenceNode.h"
 #include "model/APCModel.h"
 #include "model/APCObject.h"
 #include "model/APCProcess.h"
 #include "model/APCVar.h"
+#include "model/FreeVars.h"
 
 #include <QCoreApplication>
-#include <QEventLoop>
 #include <QFileInfo>
 #include <QTextCodec>
 #include <QTimer>
@@ -110,12 +111,10 @@ int main(int argc, char** argv)
         return UsageError;
     }
 
-    QList<Plugin::APCVar*> free = model.GetFreeVars();
-    std::unique_ptr<QList<Plugin::APCVar*>, void (*)(QList<Plugin::APCVar*>*)> freeOwner(
-        &free, [](QList<Plugin::APCVar*>* l) { qDeleteAll(*l); });
+    const Plugin::FreeVars free(model);
     if (list) {
         out(QStringLiteral("id\tdescription\ttype\n"));
-        for (Plugin::APCVar* v : free)
+        for (Plugin::APCVar* v : free.List())
             out(QStringLiteral("%1\t%2\t%3\n").arg(v->GetName(), v->GetDescription(), v->GetClass()));
         return Success;
     }
@@ -130,7 +129,7 @@ int main(int argc, char** argv)
     }
     for (const auto& s : settings) {
         bool matched = false;
-        for (Plugin::APCVar* v : free)
+        for (Plugin::APCVar* v : free.List())
             if (v->GetName() == s.first || v->GetDescription() == s.first) {
                 v->SetValue(s.second);
                 matched = true;
@@ -140,35 +139,24 @@ int main(int argc, char** argv)
             return UsageError;
         }
     }
-    for (Plugin::APCVar* v : free)
+    for (Plugin::APCVar* v : free.List())
         if (v->GetValue().isEmpty()) {
             err(QStringLiteral("Please set value: %1 (--set \"%1=...\")\n").arg(v->GetDescription()));
             return UsageError;
         }
 
-    model.ResetVarValues();
-    model.ResolveVarValues(free);
-    freeOwner.reset();
-
     Plugin::SequenceControl control;
     auto* log = new StreamingLog;
     control.SetLog(log);
-    control.SetName(QFileInfo(path).baseName());
-    control.Build(&model);
-
-    QEventLoop loop;
     const bool terminal = isatty(fileno(stderr));
-    control.NodeFinished.connect([&](Plugin::SequenceNode* node) {
-        if (!node)
-            loop.quit();
-    });
     if (terminal)
         control.NodeProgress.connect([](Plugin::SequenceNode* node, double value) {
             err(QStringLiteral("\r%1: %2%   ").arg(node->GetProcess()->GetDescription()).arg(value, 0, 'f', 0));
         });
 
-    // A run that waits for nothing (a variable with two writers, or an end node the
-    // iterator never reaches again) would wait forever: end it with a message.
+    // A graph that cannot run is refused before the start; a run that still
+    // waits for nothing (an end node the iterator never reaches again) would
+    // wait forever: end it with a message.
     bool stuck = false;
     QTimer watchdog;
     QObject::connect(&watchdog, &QTimer::timeout, [&] {
@@ -180,9 +168,12 @@ int main(int argc, char** argv)
     });
     watchdog.start(500);
 
-    control.Start();
-    if (control.GetState() != Plugin::SequenceControl::Idle)
-        loop.exec();
+    Plugin::ModelRun run(control, model);
+    if (!run.Start(free.List(), QFileInfo(path).baseName())) {
+        err(QStringLiteral("mbrun: the model cannot run: %1\n").arg(control.GetBuildError()));
+        return UsageError;
+    }
+    run.Wait();
     if (terminal)
         err(QStringLiteral("\n"));
 

@@ -3,6 +3,7 @@
 #include "editor/ModelCommand.h"
 #include "editor/ModelControler.h"
 #include "editor/ModelTool.h"
+#include "model/SoftAssert.h"
 
 #include <QAction>
 #include <QCoreApplication>
@@ -37,7 +38,7 @@ void ModelCommandManager::AddCommand(ModelCommand* command)
         return;
     m_commands.append(command);
     if (QAction* action = command->GetAction())
-        connect(action, SIGNAL(triggered()), this, SLOT(OnCommandTriggered()));
+        MB_CHECK(connect(action, SIGNAL(triggered()), this, SLOT(OnCommandTriggered())));
     command->OnCreate();
 }
 

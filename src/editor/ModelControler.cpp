@@ -39,6 +39,7 @@
 #include "model/APCModel.h"
 #include "model/APCProcess.h"
 #include "model/APCVar.h"
+#include "model/SoftAssert.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -60,10 +61,10 @@ ModelControler::ModelControler(const QString& path, bool readOnly, QWidget* pare
       m_control(new SequenceControl),
       m_scene(new ModelScene(this))
 {
-    connect(m_scene, SIGNAL(SceneMouseMove(QGraphicsSceneMouseEvent*)), this,
-            SLOT(OnSceneMouseMove(QGraphicsSceneMouseEvent*)));
-    connect(this, SIGNAL(APCObjectChanged(APCObject*, enAPCOperator)), this,
-            SLOT(OnAPCObjectChanged(APCObject*, enAPCOperator)));
+    MB_CHECK(connect(m_scene, SIGNAL(SceneMouseMove(QGraphicsSceneMouseEvent*)), this,
+                     SLOT(OnSceneMouseMove(QGraphicsSceneMouseEvent*))));
+    MB_CHECK(connect(this, SIGNAL(APCObjectChanged(APCObject*, enAPCOperator)), this,
+                     SLOT(OnAPCObjectChanged(APCObject*, enAPCOperator))));
     m_view = new ModelView(m_scene, this);
     m_view->setAcceptDrops(true);
     setCentralWidget(m_view);

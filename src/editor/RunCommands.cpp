@@ -4,9 +4,11 @@
 #include "editor/RunCommand.h"
 #include "editor/StopCommand.h"
 #include "editor/ValidateCommand.h"
+#include "engine/ModelRun.h"
 #include "engine/SequenceControl.h"
 #include "model/APCModel.h"
 #include "model/APCVar.h"
+#include "model/FreeVars.h"
 
 #include <QCoreApplication>
 #include <QMessageBox>
@@ -51,22 +53,17 @@ void RunCommand::OnClick()
                                  QCoreApplication::translate("RunCommand", "OK"));
         return;
     }
-    const QList<APCVar*> free = model->GetFreeVars();
-    if (!free.isEmpty()) {
+    const FreeVars free(*model);
+    if (!free.IsEmpty()) {
         // The dialog that asks for inputs comes with the var widgets; until then
         // such a model runs from mbrun, which takes them on its command line.
-        qDeleteAll(free);
         QMessageBox::information(window, QCoreApplication::translate("RunCommand", "Error"),
                                  QCoreApplication::translate("RunCommand",
                                                              "This model has inputs; run it with mbrun --set NAME=VALUE for now."),
                                  QCoreApplication::translate("RunCommand", "OK"));
         return;
     }
-    model->ResetVarValues();
-    model->ResolveVarValues(QList<APCVar*>());
-    control->SetName(window->GetModelName());
-    control->Build(model);
-    control->Start();
+    ModelRun(*control, *model).Start(free.List(), window->GetModelName());
 }
 
 bool PauseCommand::IsEnable() { return m_controler->GetSequenceControl()->GetState() == Running; }

@@ -4,8 +4,10 @@
 #include "HostCatalog/Metadata.h"
 #include "HostRunner/ExcuteAlgo.h"
 #include "HostRunner/RunRecord.h"
+#include "model/APCDialogFactory.h"
 #include "model/APCModel.h"
 #include "model/APCVar.h"
+#include "model/VarReference.h"
 
 #include <QDomNode>
 #include <QJsonDocument>
@@ -93,14 +95,9 @@ QString APCAlgo::ExecutionText() const
     APCModel* model = GetModel();
     QString json = QStringLiteral("{");
     for (const APCParameter& p : GetParameters()) {
-        QString value = p.value;
-        if (value.startsWith(QLatin1Char('%'))) {
-            const QString id = QString(value).remove(QLatin1Char('%'));
-            APCVar* var = model ? model->FindVar(id) : nullptr;
-            // A reference to a missing var sends an empty value; the algorithm
-            // then reports the missing input itself.
-            value = var ? var->GetRunValue() : QString();
-        }
+        // A reference to a missing var sends an empty value; the algorithm then
+        // reports the missing input itself.
+        const QString value = RunValueOf(model, p.value);
         json += QLatin1Char('"') + p.name + QStringLiteral("\":\"") + escapeQuotes(value) + QStringLiteral("\",");
     }
     if (json.endsWith(QLatin1Char(',')))
@@ -160,6 +157,8 @@ int APCAlgo::OnRunProgress(double percent, const char* text, void* userData)
 } // namespace Plugin
 
 namespace Plugin {
-// The algorithm dialog comes with the editor's dialogs.
-APCObjectDialog* APCAlgo::CreateDialog(QWidget*) { return nullptr; }
+APCObjectDialog* APCAlgo::CreateDialog(QWidget* parent)
+{
+    return APCDialogFactory::Instance()->CreateDialog(APCDialogFactory::AlgoDialog, this, parent);
+}
 } // namespace Plugin

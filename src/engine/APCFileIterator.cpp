@@ -5,6 +5,7 @@
 #include "HostCatalog/GetParamValue.h"
 #include "model/APCModel.h"
 #include "model/APCVar.h"
+#include "model/VarReference.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -73,7 +74,7 @@ bool APCFileIterator::Check()
 bool APCFileIterator::RefreshOutputs()
 {
     const QString text = GetParameter(kFilter).value;
-    if (text.startsWith(QLatin1Char('%')))
+    if (IsVarReference(text))
         return false;
     const QList<Filter> filters = ParseFilters(text);
     if (filters.isEmpty())
@@ -95,7 +96,7 @@ bool APCFileIterator::RefreshOutputs()
         out.description = f.first;
         out.type = QStringLiteral("file");
         out.direction = 1;
-        out.value = QLatin1Char('%') + QUuid::createUuid().toString() + QLatin1Char('%');
+        out.value = VarReferenceTo(QUuid::createUuid().toString());
         params.append(out);
     }
     return true;
@@ -103,11 +104,7 @@ bool APCFileIterator::RefreshOutputs()
 
 QString APCFileIterator::ParameterText(const QString& name) const
 {
-    QString value = GetParameter(name).value;
-    if (!value.startsWith(QLatin1Char('%')))
-        return value;
-    APCVar* var = GetModel() ? GetModel()->FindVar(value.remove(QLatin1Char('%'))) : nullptr;
-    return var ? var->GetRunValue() : QString();
+    return RunValueOf(GetModel(), GetParameter(name).value);
 }
 
 QList<APCFileIterator::Directory> APCFileIterator::ParseDirectories(const QString& text)
@@ -314,10 +311,10 @@ bool APCFileIterator::Execute()
         // so instead of iterating over nothing.
         for (const QString& name : {kDir, kFilter}) {
             const QString value = GetParameter(name).value;
-            if (!value.startsWith(QLatin1Char('%')))
+            if (!IsVarReference(value))
                 continue;
-            const QString id = QString(value).remove(QLatin1Char('%'));
-            if (!GetModel() || !GetModel()->FindVar(id)) {
+            const QString id = ReferencedVarId(value);
+            if (!ReferencedVar(GetModel(), value)) {
                 SetError(-2, QCoreApplication::translate("APCFileIterator", "The setting %1 names the variable %2, which the model does not have")
                                  .arg(GetParameter(name).description, id));
                 return false;
@@ -335,7 +332,7 @@ bool APCFileIterator::Execute()
     SetIteratorState(Iterating);
     const QMap<QString, QString> round = m_rounds.takeFirst();
     for (auto it = round.constBegin(); it != round.constEnd(); ++it) {
-        const QString id = GetParameter(it.key()).value.remove(QLatin1Char('%'));
+        const QString id = ReferencedVarId(GetParameter(it.key()).value);
         APCVar* var = GetModel() ? GetModel()->FindVar(id) : nullptr;
         if (!var) {
             // An output that feeds no var cannot hand out its file: say so

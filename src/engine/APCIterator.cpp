@@ -1,4 +1,5 @@
 #include "engine/APCIterator.h"
+#include "model/APCDialogFactory.h"
 
 namespace Plugin {
 
@@ -20,7 +21,9 @@ void APCIterator::WriteXml(QXmlStreamWriter& writer, bool)
     WriteProcessElement(writer, true);
 }
 
-// The iterator dialogs come with the editor's dialogs.
-APCObjectDialog* APCIterator::CreateDialog(QWidget*) { return nullptr; }
+APCObjectDialog* APCIterator::CreateDialog(QWidget* parent)
+{
+    return APCDialogFactory::Instance()->CreateDialog(APCDialogFactory::AlgoDialog, this, parent);
+}
 
 } // namespace Plugin

@@ -2,14 +2,17 @@
 
 #include "HostShell/EnvironmentSetting.h"
 #include "engine/APCExecuteFactory.h"
+#include "engine/ModelRun.h"
 #include "engine/SequenceControl.h"
 #include "engine/SequenceNode.h"
 #include "model/APCArrow.h"
+#include "model/APCDialogFactory.h"
 #include "model/APCModel.h"
 #include "model/APCVar.h"
+#include "model/FreeVars.h"
+#include "model/VarReference.h"
 
 #include <QDomNode>
-#include <QEventLoop>
 #include <QFileInfo>
 #include <QSet>
 #include <QThreadStorage>
@@ -62,8 +65,10 @@ private:
 APCModelFile::APCModelFile() = default;
 APCModelFile::~APCModelFile() = default;
 
-// The nested model dialog comes with the editor's dialogs.
-APCObjectDialog* APCModelFile::CreateDialog(QWidget*) { return nullptr; }
+APCObjectDialog* APCModelFile::CreateDialog(QWidget* parent)
+{
+    return APCDialogFactory::Instance()->CreateDialog(APCDialogFactory::ModelFileDialog, this, parent);
+}
 
 APCObject* APCModelFile::Clone()
 {
@@ -109,15 +114,15 @@ bool APCModelFile::LoadParameters()
     APCModel model;
     if (!model.LoadFile(m_modelPath))
         return false;
-    const QList<APCVar*> free = model.GetFreeVars();
+    const FreeVars free(model);
     QSet<QString> ids;
-    for (APCVar* v : free)
+    for (APCVar* v : free.List())
         ids.insert(v->GetName());
     QList<APCParameter>& params = GetParameters();
     for (int i = params.size() - 1; i >= 0; --i)
         if (!ids.contains(params[i].name))
             params.removeAt(i);
-    for (APCVar* v : free) {
+    for (APCVar* v : free.List()) {
         if (GetParameter(v->GetName()).name == v->GetName())
             continue;
         APCParameter p;
@@ -129,10 +134,9 @@ bool APCModelFile::LoadParameters()
         for (APCArrow* a : model.ArrowsOfVar(v))
             if (a->GetHead() == v->GetName())
                 p.direction = 1;
-        p.value = QLatin1Char('%') + QUuid::createUuid().toString() + QLatin1Char('%');
+        p.value = VarReferenceTo(QUuid::createUuid().toString());
         params.append(p);
     }
-    qDeleteAll(free);
     return true;
 }
 
@@ -159,32 +163,20 @@ bool APCModelFile::Execute()
     auto model = std::make_unique<APCModel>();
     if (!model->LoadFile(m_modelPath))
         return false;
-    control->SetName(QFileInfo(m_modelPath).baseName());
     if (model->FindInvalidObject() || model->GetProcesses().isEmpty())
         return false;
 
-    const QList<APCVar*> free = model->GetFreeVars();
-    std::unique_ptr<QList<APCVar*>, void (*)(QList<APCVar*>*)> freeOwner(
-        new QList<APCVar*>(free), [](QList<APCVar*>* l) { qDeleteAll(*l); delete l; });
-    if (free.size() != GetParameters().size())
+    const FreeVars free(*model);
+    if (free.Size() != GetParameters().size())
         return false;
     APCModel* outer = GetModel();
-    for (APCVar* clone : free) {
+    for (APCVar* clone : free.List()) {
         const APCParameter p = GetParameter(clone->GetName());
         if (p.name != clone->GetName())
             return false;
-        QString value = p.value;
-        if (value.startsWith(QLatin1Char('%'))) {
-            APCVar* var = outer ? outer->FindVar(value.remove(QLatin1Char('%'))) : nullptr;
-            value = var ? var->GetRunValue() : QString();
-        }
-        clone->SetValue(value);
+        clone->SetValue(RunValueOf(outer, p.value));
     }
-    model->ResetVarValues();
-    model->ResolveVarValues(free);
-    freeOwner.reset();
 
-    control->Build(model.get());
     m_nodeProgress.clear();
     boost::signals2::scoped_connection progress =
         control->NodeProgress.connect([this](SequenceNode* n, double v) { OnNestedProgress(n, v); });
@@ -192,27 +184,32 @@ bool APCModelFile::Execute()
     boost::signals2::scoped_connection finished =
         control->NodeFinished.connect([this](SequenceNode* n) { OnNestedFinished(n); });
 
-    QEventLoop loop;
+    ModelRun run(*control, *model);
     {
         std::lock_guard<std::mutex> lock(m_stopMutex);
-        m_control = control.get();
-        m_eventLoop = &loop;
+        m_run = &run;
+        m_nodeCount = 0;
         m_stopRequested = false;
     }
-    control->Start();
-    bool stopNow = false;
+    const bool started = run.Start(free.List(), QFileInfo(m_modelPath).baseName());
     {
         std::lock_guard<std::mutex> lock(m_stopMutex);
-        stopNow = m_stopRequested;
+        m_nodeCount = control->GetNodes().size();
+        if (!started)
+            m_run = nullptr;
+        else if (m_stopRequested)
+            run.RequestStop();
     }
-    if (stopNow)
-        control->Stop();
-    if (control->GetState() != SequenceControl::Idle)
-        loop.exec();
+    if (!started) {
+        // A graph that cannot run would wait for ever: fail the step with the reason.
+        SetError(-4, control->GetBuildError());
+        return false;
+    }
+    run.Wait();
     {
         std::lock_guard<std::mutex> lock(m_stopMutex);
-        m_eventLoop = nullptr;
-        m_control = nullptr;
+        m_run = nullptr;
+        m_nodeCount = 0;
     }
 
     int code = 0;
@@ -233,11 +230,8 @@ void APCModelFile::RequestStop()
 {
     std::lock_guard<std::mutex> lock(m_stopMutex);
     m_stopRequested = true;
-    if (!m_eventLoop || !m_control)
-        return;
-    SequenceControl* control = m_control;
-    // The nested control lives on the thread of the loop: stop it there.
-    QMetaObject::invokeMethod(m_eventLoop, [control] { control->Stop(); }, Qt::QueuedConnection);
+    if (m_run)
+        m_run->RequestStop(); // carried out on the nested run's own thread
 }
 
 void APCModelFile::OnNestedProgress(SequenceNode* node, double value)
@@ -245,9 +239,9 @@ void APCModelFile::OnNestedProgress(SequenceNode* node, double value)
     double sum = 0;
     {
         std::lock_guard<std::mutex> lock(m_stopMutex);
-        if (!m_control)
+        const int n = m_nodeCount;
+        if (n == 0)
             return;
-        const int n = m_control->GetNodes().size();
         m_nodeProgress[node] = value;
         for (double v : m_nodeProgress)
             sum += 100.0 / n * v / 100.0;
@@ -264,8 +258,6 @@ void APCModelFile::OnNestedFinished(SequenceNode* node)
         m_nodeProgress.clear();
     }
     Progress(100.0, QString(), nullptr);
-    if (m_eventLoop)
-        m_eventLoop->quit();
 }
 
 } // namespace Plugin

@@ -6,10 +6,10 @@
 
 #include <mutex>
 
-class QEventLoop;
 
 namespace Plugin {
 
+class ModelRun;
 class SequenceControl;
 class SequenceNode;
 
@@ -48,10 +48,10 @@ private:
     void OnNestedFinished(SequenceNode* node);
 
     QString m_modelPath;
-    SequenceControl* m_control = nullptr;  // owned, during Execute only
-    QEventLoop* m_eventLoop = nullptr;     // owned, while waiting only
+    ModelRun* m_run = nullptr; // the nested run, during Execute only
+    int m_nodeCount = 0;       // its steps, for the progress share of each
     QMap<SequenceNode*, double> m_nodeProgress;
-    std::mutex m_stopMutex; // guards m_control/m_eventLoop against RequestStop
+    std::mutex m_stopMutex; // guards m_run and m_stopRequested against RequestStop
     bool m_stopRequested = false;
 };
 

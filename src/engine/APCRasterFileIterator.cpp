@@ -1,4 +1,5 @@
 #include "engine/APCRasterFileIterator.h"
+#include "model/APCDialogFactory.h"
 
 #include <QCoreApplication>
 
@@ -20,7 +21,9 @@ APCObject* APCRasterFileIterator::Clone()
     return copy;
 }
 
-// The iterator dialog comes with the editor's dialogs.
-APCObjectDialog* APCRasterFileIterator::CreateDialog(QWidget*) { return nullptr; }
+APCObjectDialog* APCRasterFileIterator::CreateDialog(QWidget* parent)
+{
+    return APCDialogFactory::Instance()->CreateDialog(APCDialogFactory::FileIteratorDialog, this, parent);
+}
 
 } // namespace Plugin

@@ -1,4 +1,5 @@
 #include "engine/APCVectorFileIterator.h"
+#include "model/APCDialogFactory.h"
 
 #include <QCoreApplication>
 
@@ -20,7 +21,9 @@ APCObject* APCVectorFileIterator::Clone()
     return copy;
 }
 
-// The iterator dialog comes with the editor's dialogs.
-APCObjectDialog* APCVectorFileIterator::CreateDialog(QWidget*) { return nullptr; }
+APCObjectDialog* APCVectorFileIterator::CreateDialog(QWidget* parent)
+{
+    return APCDialogFactory::Instance()->CreateDialog(APCDialogFactory::FileIteratorDialog, this, parent);
+}
 
 } // namespace Plugin

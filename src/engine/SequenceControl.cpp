@@ -9,14 +9,25 @@
 #include "model/APCArrow.h"
 #include "model/APCModel.h"
 #include "model/APCVar.h"
+#include "model/FreeVars.h"
+#include "model/SoftAssert.h"
+#include "model/VarReference.h"
 
 #include <QCoreApplication>
 #include <QHash>
 #include <QSet>
+#include <QThread>
 
 namespace Plugin {
 
 namespace {
+
+// How a build error names an object: its description, or its id when it has none.
+QString describe(const APCObject* object)
+{
+    const QString d = object->GetDescription();
+    return QLatin1Char('"') + (d.isEmpty() ? object->GetName() : d) + QLatin1Char('"');
+}
 
 // {"description":"value",...} with references shown as their run values.
 QString logParameters(APCProcess* process)
@@ -25,11 +36,7 @@ QString logParameters(APCProcess* process)
     QString text = QStringLiteral("{");
     bool first = true;
     for (const APCParameter& p : process->GetParameters()) {
-        QString value = p.value;
-        if (value.startsWith(QLatin1Char('%'))) {
-            APCVar* var = model ? model->FindVar(value.remove(QLatin1Char('%'))) : nullptr;
-            value = var ? var->GetRunValue() : QString();
-        }
+        const QString value = RunValueOf(model, p.value);
         if (!first)
             text += QLatin1Char(',');
         first = false;
@@ -77,8 +84,14 @@ void SequenceControl::Build(APCModel* model)
     m_pending.clear();
     m_endCount = 0;
     m_endReached = 0;
+    m_buildError.clear();
     if (!model)
         return;
+    auto refuse = [this](const QString& reason) {
+        m_buildError = reason;
+        // Nothing may start from half a graph.
+        m_pending.clear();
+    };
 
     QHash<QString, SequenceNode*> byName;
     for (APCProcess* process : model->GetProcesses()) {
@@ -106,16 +119,21 @@ void SequenceControl::Build(APCModel* model)
         APCProcess* writer = model->FindProcess(arrow->GetTail());
         SequenceNode* writerNode = writer ? byName.value(writer->GetName()) : nullptr;
         if (!var || !writer || !writerNode)
-            return;
+            return refuse(QCoreApplication::translate("SequenceControl", "An arrow joins %1 and %2, which the model does not both have")
+                              .arg(arrow->GetTail(), arrow->GetHead()));
         for (APCArrow* other : arrowsOfVar.value(var->GetName())) {
             if (other == arrow)
                 continue;
             // A second writer of the same var: the graph is not runnable.
-            if (other->GetHeadType() == kVar)
-                return;
+            if (other->GetHeadType() == kVar) {
+                APCProcess* second = model->FindProcess(other->GetTail());
+                return refuse(QCoreApplication::translate("SequenceControl", "The variable %1 is written by two steps: %2 and %3")
+                                  .arg(describe(var), describe(writer), second ? describe(second) : other->GetTail()));
+            }
             SequenceNode* reader = byName.value(other->GetHead());
             if (!reader)
-                return;
+                return refuse(QCoreApplication::translate("SequenceControl", "The variable %1 feeds %2, which the model does not have")
+                                  .arg(describe(var), other->GetHead()));
             writerNode->Successors().append(reader);
             reader->Predecessors().append(writerNode);
         }
@@ -139,17 +157,17 @@ void SequenceControl::Start()
     } else {
         QString parameters;
         if (m_model) {
-            const QList<APCVar*> free = m_model->GetFreeVars();
-            if (!free.isEmpty()) {
+            const FreeVars free(*m_model);
+            if (!free.IsEmpty()) {
                 parameters = QCoreApplication::translate("SequenceControl", "Parameter: ");
-                for (int i = 0; i < free.size(); ++i) {
+                for (int i = 0; i < free.Size(); ++i) {
                     if (i > 0)
                         parameters += QStringLiteral(", ");
-                    parameters += free[i]->GetDescription() + QStringLiteral(" = ") + free[i]->GetRunValue();
+                    parameters += free.List()[i]->GetDescription() + QStringLiteral(" = ") + free.List()[i]->GetRunValue();
                 }
             }
-            qDeleteAll(free);
         }
+        m_thread = QThread::currentThread();
         m_log->LogStart(m_name, parameters);
     }
     m_state = Running;
@@ -159,8 +177,15 @@ void SequenceControl::Start()
         node->Run();
 }
 
+bool SequenceControl::OnRunThread() const
+{
+    return !m_thread || m_thread == QThread::currentThread();
+}
+
 void SequenceControl::RunNode(SequenceNode* node)
 {
+    MB_ASSERT(node, return);
+    MB_CHECK(OnRunThread());
     if (m_state == Running)
         node->Run();
     else if (m_state == Paused)
@@ -174,6 +199,8 @@ void SequenceControl::SetNodeStatus(SequenceNode* node, int status)
 
 void SequenceControl::NodeExecuteFinished(SequenceNode* node)
 {
+    MB_ASSERT(node && node->GetExecutable() && node->GetProcess(), return);
+    MB_CHECK(OnRunThread());
     int code = 0;
     QString message;
     node->GetExecutable()->GetError(code, message);
@@ -212,6 +239,8 @@ void SequenceControl::NodeExecuteFinished(SequenceNode* node)
 
 void SequenceControl::OnEndNodeFinished(SequenceNode*)
 {
+    MB_ASSERT(m_endCount > 0, return);
+    MB_CHECK(OnRunThread());
     if (++m_endReached < m_endCount)
         return;
     m_endReached = 0;
@@ -269,6 +298,7 @@ void SequenceControl::Pause()
 
 void SequenceControl::Stop()
 {
+    MB_CHECK(OnRunThread());
     APCExecuteFactory::Instance()->CancelAll();
     StopNestedRuns();
     m_log->LogEnd(m_name);

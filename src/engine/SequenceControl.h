@@ -8,6 +8,8 @@
 #include <memory>
 #include <vector>
 
+class QThread;
+
 namespace Plugin {
 
 class APCLog;
@@ -31,8 +33,12 @@ public:
     // Takes ownership of log; null is ignored.
     void SetLog(APCLog* log);
     void SetName(const QString& name);
-    // Rebuilds the graph from model (not owned). A bad graph leaves nothing to start.
+    // Rebuilds the graph from model (not owned). A bad graph leaves nothing to
+    // start, and GetBuildError() says why.
     void Build(APCModel* model);
+    // Why the last Build found the graph not runnable (a var written by two steps,
+    // an arrow to a missing object); empty when it can run.
+    QString GetBuildError() const { return m_buildError; }
     // Starts a run, or continues a paused one.
     void Start();
     void Pause();
@@ -65,6 +71,8 @@ private:
     void ResetSubtree(SequenceNode* node, int status);
     void Finish();
     void DeleteNodes();
+    // True on the thread that started the run (or before any run).
+    bool OnRunThread() const;
     // Stops the nested runs that steps of this run are waiting in.
     void StopNestedRuns();
 
@@ -73,6 +81,8 @@ private:
     QList<SequenceNode*> m_pending;
     APCLog* m_log = nullptr; // owned
     QString m_name;
+    QString m_buildError;
+    QThread* m_thread = nullptr; // the thread that called Start
     APCModel* m_model = nullptr;
     int m_state = Idle;
     int m_endCount = 0;

@@ -1,4 +1,5 @@
 #include "model/APCArrow.h"
+#include "model/APCDialogFactory.h"
 
 #include <QDomElement>
 #include <QXmlStreamWriter>
@@ -40,5 +41,8 @@ void APCArrow::WriteXml(QXmlStreamWriter& writer, bool)
 
 namespace Plugin {
 // The arrow dialog lives with the editor's dialogs; without them there is none.
-APCObjectDialog* APCArrow::CreateDialog(QWidget*) { return nullptr; }
+APCObjectDialog* APCArrow::CreateDialog(QWidget* parent)
+{
+    return APCDialogFactory::Instance()->CreateDialog(APCDialogFactory::ArrowDialog, this, parent);
+}
 } // namespace Plugin

@@ -1,10 +1,11 @@
 #include "model/APCModel.h"
 
-#include "engine/APCIterator.h"
 #include "model/APCArrow.h"
 #include "model/APCProcess.h"
+#include "model/APCProcessFactory.h"
 #include "model/APCVar.h"
 #include "model/APCVarFactory.h"
+#include "model/VarReference.h"
 
 #include <QThread>
 
@@ -22,27 +23,9 @@ bool isRequired(const APCParameter& p)
     return !p.isOptional && p.defaultValue.isEmpty();
 }
 
-QString reference(const QString& id)
+bool isIterator(const APCProcess* process)
 {
-    return QLatin1Char('%') + id + QLatin1Char('%');
-}
-
-// The var ids named by "%...%" pairs in an expression, as APCVar::ResolveValue scans them.
-QStringList referencedIds(const QString& text)
-{
-    QStringList ids;
-    int p = 0;
-    for (;;) {
-        const int open = text.indexOf(QLatin1Char('%'), p);
-        if (open < 0)
-            break;
-        const int close = text.indexOf(QLatin1Char('%'), open + 1);
-        if (close < 0)
-            break;
-        ids << text.mid(open + 1, close - open - 1);
-        p = close + 1;
-    }
-    return ids;
+    return process && APCProcessFactory::Instance()->IsIterator(process->GetClass());
 }
 
 } // namespace
@@ -139,7 +122,7 @@ QSet<QString> APCModel::IteratorOutputIds() const
 {
     QSet<QString> ids;
     for (APCArrow* a : m_arrows)
-        if (a->GetHeadType() == kVar && a->GetTailType() == kProcess && dynamic_cast<APCIterator*>(FindProcess(a->GetTail())))
+        if (a->GetHeadType() == kVar && a->GetTailType() == kProcess && isIterator(FindProcess(a->GetTail())))
             ids.insert(a->GetHead());
     return ids;
 }
@@ -181,7 +164,7 @@ bool APCModel::IsIteratorOutput(const QString& varId) const
     for (APCArrow* a : m_arrows) {
         const bool ofVar = (a->GetHeadType() == kVar && a->GetHead() == varId) ||
                            (a->GetTailType() == kVar && a->GetTail() == varId);
-        if (ofVar && a->GetTailType() == kProcess && dynamic_cast<APCIterator*>(FindProcess(a->GetTail())))
+        if (ofVar && a->GetTailType() == kProcess && isIterator(FindProcess(a->GetTail())))
             return true;
     }
     return false;
@@ -236,7 +219,7 @@ void APCModel::SetArrowParameter(APCArrow* arrow, bool wire)
             p.value.clear();
             return;
         }
-        p.value = reference(varId);
+        p.value = VarReferenceTo(varId);
         const QString typeParam = p.typeParam;
         if (APCVar* var = FindVar(varId))
             var->SetTypeParam(typeParam);
@@ -310,7 +293,7 @@ bool APCModel::AddProcess(APCProcess* process)
         m_vars.append(var);
         InvalidateIndex();
         varAdded(var);
-        process->GetParameters()[i].value = reference(var->GetName());
+        process->GetParameters()[i].value = VarReferenceTo(var->GetName());
         CreateParameterArrow(process, p.name, p.direction, var);
     }
     return true;
@@ -394,15 +377,15 @@ bool APCModel::UpdateProcess(APCProcess* process)
         APCParameter& p = params[i];
         if (!isRequired(p))
             continue;
-        const bool isReference = !p.value.isEmpty() && p.value.startsWith(QLatin1Char('%')) &&
-                                 p.value.endsWith(QLatin1Char('%'));
+        // Stricter than a step's reading: a value counts here only when it also ends with "%".
+        const bool isReference = IsVarReference(p.value) && p.value.endsWith(QLatin1Char('%'));
         if (!isReference) {
             for (APCArrow* a : ArrowsOfProcess(process, QString()))
                 if (a->GetHeadParam() == p.name || a->GetTailParam() == p.name)
                     DetachArrow(a);
             continue;
         }
-        const QString id = QString(p.value).remove(QLatin1Char('%'));
+        const QString id = ReferencedVarId(p.value);
         if (APCVar* var = FindVar(id)) {
             bool found = false;
             for (APCArrow* a : m_arrows) {
@@ -433,7 +416,7 @@ bool APCModel::UpdateProcess(APCProcess* process)
         var->SetDescription(p.description);
         var->SetConstant(false);
         AddVar(var);
-        p.value = reference(var->GetName());
+        p.value = VarReferenceTo(var->GetName());
         const QList<APCArrow*> arrows = ArrowsOfProcess(process, p.name);
         if (arrows.isEmpty()) {
             CreateParameterArrow(process, p.name, p.direction, var);
@@ -498,7 +481,7 @@ bool APCModel::ResolveVarValues(const QList<APCVar*>& inputs)
     QHash<QString, std::vector<int>> readers;
     for (int i = 0; i < count; ++i)
         if (!pending[i]->GetConstant())
-            for (const QString& id : referencedIds(pending[i]->GetFunExp()))
+            for (const QString& id : ReferencedIdsIn(pending[i]->GetFunExp()))
                 readers[id].push_back(i);
 
     int left = count;

@@ -1,10 +1,5 @@
 #include "model/APCProcessFactory.h"
 
-#include "engine/APCAlgo.h"
-#include "engine/APCModelFile.h"
-#include "engine/APCRasterFileIterator.h"
-#include "engine/APCVectorFileIterator.h"
-
 namespace Plugin {
 
 APCProcessFactory* APCProcessFactory::Instance()
@@ -15,15 +10,19 @@ APCProcessFactory* APCProcessFactory::Instance()
 
 APCProcess* APCProcessFactory::Create(const QString& className)
 {
-    if (className == QLatin1String("algo"))
-        return new APCAlgo;
-    if (className == QLatin1String("RasterFileIterator"))
-        return new APCRasterFileIterator;
-    if (className == QLatin1String("VectorFileIterator"))
-        return new APCVectorFileIterator;
-    if (className == QLatin1String("model"))
-        return new APCModelFile;
-    return nullptr;
+    const auto it = m_entries.constFind(className);
+    return it == m_entries.constEnd() ? nullptr : it->create();
+}
+
+bool APCProcessFactory::IsIterator(const QString& className) const
+{
+    const auto it = m_entries.constFind(className);
+    return it != m_entries.constEnd() && it->isIterator;
+}
+
+void APCProcessFactory::Register(const QString& className, Creator creator, bool isIterator)
+{
+    m_entries.insert(className, Entry{std::move(creator), isIterator});
 }
 
 } // namespace Plugin

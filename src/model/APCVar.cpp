@@ -2,8 +2,10 @@
 
 #include "functions/APCFun.h"
 #include "model/APCArrow.h"
+#include "model/APCDialogFactory.h"
 #include "model/APCModel.h"
 #include "model/APCProcess.h"
+#include "model/VarReference.h"
 
 #include <QDomElement>
 #include <QRegExp>
@@ -47,8 +49,12 @@ void APCVar::SetModel(APCModel* model)
         m_fun->SetModel(model);
 }
 
-APCObjectDialog* APCVar::CreateDialog(QWidget*) { return nullptr; }
-DataTypeWidget* APCVar::CreateWidget() { return nullptr; }
+APCObjectDialog* APCVar::CreateDialog(QWidget* parent)
+{
+    return APCDialogFactory::Instance()->CreateDialog(APCDialogFactory::VarDialog, this, parent);
+}
+
+DataTypeWidget* APCVar::CreateWidget() { return APCDialogFactory::Instance()->CreateWidget(this); }
 
 QString APCVar::GetValue() const { return m_value; }
 void APCVar::SetValue(const QString& value) { m_value = value; }
@@ -113,18 +119,10 @@ bool APCVar::ResolveValue()
         return !m_value.isEmpty();
     }
     APCModel* model = GetModel();
-    int p = 0;
-    for (;;) {
-        const int open = m_funExp.indexOf(QLatin1Char('%'), p);
-        if (open < 0)
-            break;
-        const int close = m_funExp.indexOf(QLatin1Char('%'), open + 1);
-        if (close < 0)
-            break;
-        APCVar* var = model ? model->FindVar(m_funExp.mid(open + 1, close - open - 1)) : nullptr;
+    for (const QString& id : ReferencedIdsIn(m_funExp)) {
+        APCVar* var = model ? model->FindVar(id) : nullptr;
         if (!var || var->GetRunValue().isEmpty())
             return false;
-        p = close + 1;
     }
     if (m_fun)
         SetRunValue(m_fun->Evaluate());

@@ -2,6 +2,7 @@
 #include "engine/APCExecuteFactory.h"
 #include "engine/APCLog.h"
 #include "engine/APCRasterFileIterator.h"
+#include "engine/ModelRun.h"
 #include "engine/SequenceControl.h"
 #include "engine/SequenceNode.h"
 #include "model/APCArrow.h"
@@ -276,6 +277,10 @@ TEST_P(Engine, SecondWriterOfAVarLeavesNothingToStart)
     SequenceControl control;
     control.SetName("bad");
     control.Build(&model);
+    EXPECT_TRUE(control.GetBuildError().contains("is written by two steps")) << qPrintable(control.GetBuildError());
+    EXPECT_FALSE(ModelRun(control, model).Start({}, "bad")); // refused before it starts
+    EXPECT_EQ(control.GetState(), SequenceControl::Idle);
+    // Start itself keeps its old way: a run with nothing to start.
     control.Start();
     WaitUntil([] { return false; }, 100);
     EXPECT_EQ(control.GetState(), SequenceControl::Running);

@@ -58,6 +58,14 @@ TEST(Mbrun, ExitCodesAndMessages)
     SetLiteral(invalid, bad, "In File", "");
     invalid.SaveFile(dir.filePath("invalid.apc"));
     WriteAll(dir.filePath("garbage.apc"), "not a model");
+    TestSupport::HeadlessModel twoWriters;
+    APCAlgo* first = AddAlgo(twoWriters, "test.copyText");
+    APCAlgo* second = AddAlgo(twoWriters, "test.copyText");
+    for (APCAlgo* step : {first, second})
+        SetConstant(VarOf(twoWriters, step, "In File"), dir.filePath("in.txt"));
+    SetConstant(VarOf(twoWriters, first, "Out File"), dir.filePath("out.txt"));
+    Connect(twoWriters, VarOf(twoWriters, first, "Out File"), second, "Out File");
+    twoWriters.SaveFile(dir.filePath("two-writers.apc"));
     // test.copyText is a test algorithm: mbrun's registry lacks it, so the
     // step fails with the runner's own message.
     const QString source = "Source=" + dir.filePath("in.txt");
@@ -72,6 +80,7 @@ TEST(Mbrun, ExitCodesAndMessages)
         {"empty model", {dir.filePath("empty.apc")}, 2, "", "can not run an empty model!"},
         {"invalid model", {dir.filePath("invalid.apc")}, 2, "", "Broken step is wrong!"},
         {"free input not given", {model}, 2, "", "Please set value: Source"},
+        {"a var with two writers", {dir.filePath("two-writers.apc")}, 2, "", "is written by two steps"},
         {"unknown input", {model, "--set", "Nope=1"}, 2, "", "no free input named \"Nope\""},
         {"list", {model, "--list"}, 0, "\tSource\tfile\n", ""},
         {"a step fails", {model, "--set", source}, 1, "Error message: Unknown algorithm: test.copyText", ""},

@@ -40,6 +40,7 @@ void SetConstant(APCVar* var, const QString& value)
 } // namespace TestSupport
 
 #include "engine/APCLog.h"
+#include "engine/ModelRun.h"
 #include "engine/SequenceControl.h"
 #include "support/TestSupport.h"
 
@@ -58,12 +59,8 @@ RunResult RunModel(SequenceControl& control, APCModel& model, const QString& nam
     RunResult result;
     boost::signals2::scoped_connection c =
         control.NodeFinished.connect([&](SequenceNode* n) { if (!n) ++result.finishes; });
-    model.ResetVarValues();
-    model.ResolveVarValues({});
-    control.SetName(name);
-    control.Build(&model);
-    control.Start();
-    result.finished = WaitUntil([&] { return result.finishes > 0; }, timeoutMs);
+    ModelRun run(control, model);
+    result.finished = run.Start({}, name) && run.Wait(timeoutMs);
     result.log = control.GetLog()->GetLogText();
     result.errors = control.GetLog()->GetErrorText();
     control.GetError(result.code, result.message);

@@ -12,11 +12,32 @@ using TestApplication = QCoreApplication;
 #endif
 #include <gtest/gtest.h>
 
+#ifdef MB_TEST_SOFT_ASSERTS
+#include "model/SoftAssert.h"
+
+namespace {
+// A soft assert recovers in the product; in a test it is a failure of its own.
+class SoftAssertListener : public ::testing::EmptyTestEventListener
+{
+    void OnTestStart(const ::testing::TestInfo&) override { m_before = Plugin::SoftAssertFailures(); }
+    void OnTestEnd(const ::testing::TestInfo&) override
+    {
+        const int failed = Plugin::SoftAssertFailures() - m_before;
+        EXPECT_EQ(failed, 0) << "soft asserts failed during the test (see SOFT ASSERT lines above)";
+    }
+    int m_before = 0;
+};
+} // namespace
+#endif
+
 int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", qgetenv("QT_QPA_PLATFORM").isEmpty() ? "offscreen" : qgetenv("QT_QPA_PLATFORM"));
     TestApplication app(argc, argv);
     HostRunner::RegisterTestAlgorithms();
     ::testing::InitGoogleTest(&argc, argv);
+#ifdef MB_TEST_SOFT_ASSERTS
+    ::testing::UnitTest::GetInstance()->listeners().Append(new SoftAssertListener);
+#endif
     return RUN_ALL_TESTS();
 }
