@@ -1,4 +1,6 @@
 // Run, pause, stop and validate: the engine put to use from a model window.
+#include "HostCatalogGui/DataTypeWidget.h"
+#include "dialogs/RunCmdDlg.h"
 #include "editor/ModelControler.h"
 #include "editor/PauseCommand.h"
 #include "editor/RunCommand.h"
@@ -9,6 +11,7 @@
 #include "model/APCModel.h"
 #include "model/APCVar.h"
 #include "model/FreeVars.h"
+#include "model/SoftAssert.h"
 
 #include <QCoreApplication>
 #include <QMessageBox>
@@ -28,6 +31,27 @@ bool reportInvalid(ModelControler* window, const char* context)
     QMessageBox::information(window, QCoreApplication::translate(context, "Error"),
                              invalid->GetDescription() + QCoreApplication::translate(context, " is wrong!"),
                              QCoreApplication::translate(context, "OK"));
+    return true;
+}
+
+// Asks the run dialog for a value of every free input and gives each clone the
+// text of its widget; false when the user cancelled. The model is not touched:
+// the values reach the run through the clones only.
+bool AskFreeInputs(ModelControler* window, const FreeVars& free)
+{
+    RunCmdDlg dialog(window);
+    QList<QPair<APCVar*, DataTypeWidget*>> pages;
+    for (APCVar* clone : free.List()) {
+        DataTypeWidget* widget = clone->CreateWidget();
+        MB_ASSERT(widget, return false);
+        widget->SetCaption(clone->GetDescription());
+        pages.append({clone, widget});
+        dialog.AddPage(widget, clone->GetDescription());
+    }
+    if (dialog.exec() != QDialog::Accepted)
+        return false;
+    for (const auto& page : pages)
+        page.first->SetValue(page.second->GetValue());
     return true;
 }
 
@@ -54,16 +78,12 @@ void RunCommand::OnClick()
         return;
     }
     const FreeVars free(*model);
-    if (!free.IsEmpty()) {
-        // The dialog that asks for inputs comes with the var widgets; until then
-        // such a model runs from mbrun, which takes them on its command line.
-        QMessageBox::information(window, QCoreApplication::translate("RunCommand", "Error"),
-                                 QCoreApplication::translate("RunCommand",
-                                                             "This model has inputs; run it with mbrun --set NAME=VALUE for now."),
-                                 QCoreApplication::translate("RunCommand", "OK"));
+    if (!free.IsEmpty() && !AskFreeInputs(window, free))
         return;
-    }
-    ModelRun(*control, *model).Start(free.List(), window->GetModelName());
+    ModelRun run(*control, *model);
+    if (!run.Start(free.List(), window->GetModelName()))
+        QMessageBox::information(window, QCoreApplication::translate("RunCommand", "Error"),
+                                 control->GetBuildError(), QCoreApplication::translate("RunCommand", "OK"));
 }
 
 bool PauseCommand::IsEnable() { return m_controler->GetSequenceControl()->GetState() == Running; }

@@ -1,0 +1,79 @@
+#include "HostCatalogGui/SpatialReferenceDataWidget.h"
+
+#include <QLabel>
+#include <QLineEdit>
+
+#include <cpl_error.h>
+#include <ogr_spatialref.h>
+
+namespace Plugin {
+
+namespace {
+
+struct Verdict
+{
+    bool ok = false;
+    QString name;   // the reference's own name when ok
+    QString detail; // GDAL's reason when not
+};
+
+Verdict checkWithGdal(QString text)
+{
+    bool isNumber = false;
+    text.toInt(&isNumber);
+    if (isNumber)
+        text.prepend(QLatin1String("EPSG:")); // the runner reads a bare code so too
+    Verdict verdict;
+    OGRSpatialReference srs;
+    // Quiet: a rejected keystroke is no error for the log. The limitations keep
+    // the check off files and the network, as the runner does.
+    CPLPushErrorHandler(CPLQuietErrorHandler);
+    CPLErrorReset();
+    const QByteArray input = text.toUtf8();
+    verdict.ok = srs.SetFromUserInput(input.constData(), OGRSpatialReference::SET_FROM_USER_INPUT_LIMITATIONS_get())
+                 == OGRERR_NONE;
+    verdict.detail = QString::fromUtf8(CPLGetLastErrorMsg());
+    CPLPopErrorHandler();
+    if (verdict.ok)
+        verdict.name = QString::fromUtf8(srs.GetName());
+    return verdict;
+}
+
+} // namespace
+
+SpatialReferenceDataWidget::SpatialReferenceDataWidget(QWidget* parent) : LineEditDataWidget(NoButton, parent)
+{
+    Edit()->setPlaceholderText(QStringLiteral("EPSG:4326"));
+    m_message = new QLabel(this);
+    m_message->setObjectName(QStringLiteral("message"));
+    m_message->setTextFormat(Qt::PlainText);
+    m_message->setWordWrap(true);
+    m_message->hide();
+    AddBelow(m_message);
+    connect(Edit(), &QLineEdit::textChanged, this, &SpatialReferenceDataWidget::Check);
+}
+
+void SpatialReferenceDataWidget::Check(const QString& text)
+{
+    const QString trimmed = text.trimmed();
+    if (trimmed.isEmpty()) {
+        m_acceptable = true;
+        m_message->hide();
+        return;
+    }
+    const Verdict verdict = checkWithGdal(trimmed);
+    m_acceptable = verdict.ok;
+    QPalette palette;
+    if (verdict.ok) {
+        m_message->setText(verdict.name);
+        m_message->setToolTip(QString());
+    } else {
+        palette.setColor(QPalette::WindowText, QColor(0xc0, 0x00, 0x00));
+        m_message->setText(tr("Unknown spatial reference: enter an EPSG code such as EPSG:4326, or WKT."));
+        m_message->setToolTip(verdict.detail);
+    }
+    m_message->setPalette(palette);
+    m_message->setVisible(!m_message->text().isEmpty());
+}
+
+} // namespace Plugin

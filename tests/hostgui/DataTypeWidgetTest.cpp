@@ -1,0 +1,289 @@
+#include "support/GuiDriver.h"
+
+#include "HostCatalogGui/DataTypeFactory.h"
+#include "HostCatalogGui/DataTypeWidget.h"
+#include "HostCatalogGui/SpatialReferenceDataWidget.h"
+
+#include <QCheckBox>
+#include <QFileDialog>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLabel>
+#include <QLineEdit>
+#include <QSet>
+#include <QTableWidget>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QToolButton>
+#include <gtest/gtest.h>
+
+#include <memory>
+
+using Plugin::DataTypeFactory;
+using Plugin::DataTypeWidget;
+
+namespace {
+
+using WidgetPtr = std::unique_ptr<DataTypeWidget>;
+
+WidgetPtr make(const QString& type, const QString& typeParam = QString())
+{
+    return WidgetPtr(DataTypeFactory::CreateDataTypeWidget(type, typeParam));
+}
+
+QJsonObject json(const QString& text)
+{
+    return QJsonDocument::fromJson(text.toUtf8()).object();
+}
+
+QTableWidget* tableOf(DataTypeWidget* w)
+{
+    return w->findChild<QTableWidget*>(QStringLiteral("table"));
+}
+
+QCheckBox* checkAt(DataTypeWidget* w, int row, int column)
+{
+    return tableOf(w)->cellWidget(row, column)->findChild<QCheckBox*>();
+}
+
+void click(DataTypeWidget* w, const char* button)
+{
+    auto* b = w->findChild<QAbstractButton*>(QLatin1String(button));
+    ASSERT_NE(b, nullptr) << button;
+    QTest::mouseClick(b, Qt::LeftButton);
+}
+
+const QStringList kTypes = {"file", "filePath", "folder", "multiFile", "multiDirectory", "filter",
+                            "string", "int", "long", "float", "spatialReference"};
+
+} // namespace
+
+TEST(DataTypeFactory, ListsEveryTypeOnceAndMakesItsOwnWidget)
+{
+    const QList<Plugin::DataTypeInfo> infos = DataTypeFactory::GetDataTypeInfo();
+    QSet<QString> types, labels;
+    for (const Plugin::DataTypeInfo& info : infos) {
+        types.insert(info.type);
+        labels.insert(info.label);
+        // Each listed type has a widget of its own, not the fallback line edit.
+        EXPECT_STRNE(make(info.type)->metaObject()->className(), "Plugin::DefaultDataWidget") << info.type.toStdString();
+    }
+    EXPECT_EQ(types, QSet<QString>(kTypes.begin(), kTypes.end()));
+    EXPECT_EQ(labels.size(), infos.size());
+    EXPECT_STREQ(make("no such type")->metaObject()->className(), "Plugin::DefaultDataWidget");
+    EXPECT_STREQ(make("File")->metaObject()->className(), "Plugin::DefaultDataWidget");
+}
+
+TEST(DataTypeWidget, GivesBackExactlyTheTextItWasGiven)
+{
+    const QString longList = QStringList(QVector<QString>(3000, QStringLiteral("/data/scene_000.tif")).toList()).join(';');
+    const QStringList values = {
+        "", "plain", "%{2b8c1d5e-0000-4000-8000-000000000001}%", "  blanks  ", "line\nbreak", "Höhe \"1\" \\ x",
+        longList, "{\"/b\":{\"subdir\":\"1\",\"enabled\":\"1\"},\"/a\":{\"enabled\":\"0\"}}",
+        "{ \"Out File\" : \"*.tif;*.tiff\", \"x\":1 }", "{\"a\":{\"subdir\":1,\"note\":\"kept\"}}", "{broken", "[1,2]",
+        "12", "-3.5e2", "EPSG:4326", "not a number"};
+    for (const QString& type : kTypes + QStringList{"unknown"}) {
+        for (const QString& value : values) {
+            SCOPED_TRACE((type + " <- " + value.left(60)).toStdString());
+            WidgetPtr w = make(type, R"j({"direction":"1","filter":"GeoTIFF (*.tif)"})j");
+            w->SetValue(value);
+            EXPECT_EQ(w->GetValue(), value);
+            w->SetValue("x");
+            w->SetValue(value); // a second SetValue forgets the first
+            EXPECT_EQ(w->GetValue(), value);
+        }
+    }
+}
+
+TEST(DataTypeWidget, BadTypeParamIsHarmless)
+{
+    for (const QString& type : kTypes) {
+        for (const char* typeParam : {"{", "[]", "null", "\"x\"", "{\"direction\":{}}", "{\"filter\":7}"}) {
+            SCOPED_TRACE((type + " " + typeParam).toStdString());
+            WidgetPtr w = make(type, typeParam);
+            w->SetValue("v");
+            EXPECT_EQ(w->GetValue(), "v");
+        }
+    }
+}
+
+TEST(DataTypeWidget, NumberEditorsRefuseKeystrokesThatMakeNoNumber)
+{
+    struct Case { const char* name; const char* type; const char* start; const char* typed; const char* expected; };
+    const Case cases[] = {
+        {"letters into int", "int", "12", "abc", "12"},
+        {"signed int", "int", "", "-42", "-42"},
+        {"int up to 32 bits", "int", "214748364", "7", "2147483647"},
+        {"int past 32 bits", "int", "214748364", "8", "214748364"},
+        {"long takes 64 bits", "long", "", "9000000000", "9000000000"},
+        {"long past 64 bits", "long", "9223372036854775807", "1", "9223372036854775807"},
+        {"float exponent", "float", "", "-1.5e-3", "-1.5e-3"},
+        {"float comma", "float", "", "1,5", "15"},
+        {"float letters", "float", "2.5", "xyz", "2.5"},
+        {"float second point", "float", "2.5", ".", "2.5"},
+        {"text takes anything", "string", "", "a1,.", "a1,."},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        WidgetPtr w = make(c.type);
+        w->SetValue(c.start);
+        auto* edit = w->findChild<QLineEdit*>("edit");
+        edit->end(false);
+        GuiDriver::TypeInto(w.get(), "edit", c.typed);
+        EXPECT_EQ(w->GetValue(), c.expected);
+    }
+}
+
+TEST(DataTypeWidget, SpatialReferenceSaysWhatGdalThinksOfTheText)
+{
+    struct Case { const char* typed; bool acceptable; const char* message; };
+    const Case cases[] = {
+        {"EPSG:4326", true, "WGS 84"},
+        {"4326", true, "WGS 84"},
+        {"EPSG:999999", false, "Unknown spatial reference"},
+        {"nonsense", false, "Unknown spatial reference"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.typed);
+        auto w = std::make_unique<Plugin::SpatialReferenceDataWidget>();
+        w->show();
+        GuiDriver::TypeInto(w.get(), "edit", c.typed);
+        auto* message = w->findChild<QLabel*>("message");
+        EXPECT_EQ(w->IsAcceptable(), c.acceptable);
+        EXPECT_TRUE(message->isVisible());
+        EXPECT_TRUE(message->text().contains(c.message)) << message->text().toStdString();
+        EXPECT_EQ(w->GetValue(), c.typed); // the check informs; the text stays
+        w->findChild<QLineEdit*>("edit")->clear();
+        EXPECT_FALSE(message->isVisible());
+    }
+}
+
+TEST(DataTypeWidget, FolderRowsFollowClicksAndTheFolderPicker)
+{
+    QTemporaryDir dir;
+    WidgetPtr w = make("multiDirectory");
+    w->SetValue(R"({"/b":{"subdir":"1","enabled":"1","note":"kept"},"/a":{"enabled":"1"}})");
+    QTableWidget* table = tableOf(w.get());
+    ASSERT_EQ(table->rowCount(), 2);
+    EXPECT_EQ(table->item(0, 0)->text(), "/a"); // sorted, as the iterator reads them
+    EXPECT_FALSE(checkAt(w.get(), 0, 1)->isChecked());
+    EXPECT_TRUE(checkAt(w.get(), 1, 1)->isChecked());
+
+    QTest::mouseClick(checkAt(w.get(), 0, 1), Qt::LeftButton);
+    EXPECT_EQ(json(w->GetValue()), json(R"({"/a":{"subdir":"1","enabled":"1"},
+        "/b":{"subdir":"1","enabled":"1","note":"kept"}})"));
+
+    const QString picked = QDir(dir.path()).absolutePath();
+    for (int round = 0; round < 2; ++round) { // the second pick of the same folder adds nothing
+        GuiDriver::OnNextModal([&](QWidget* modal) {
+            auto* dialog = qobject_cast<QFileDialog*>(modal);
+            ASSERT_NE(dialog, nullptr);
+            EXPECT_EQ(dialog->fileMode(), QFileDialog::Directory);
+            dialog->setDirectory(picked); // a folder dialog answers with the folder it shows
+            static_cast<QDialog*>(dialog)->accept();
+        });
+        click(w.get(), "add");
+    }
+    ASSERT_EQ(table->rowCount(), 3);
+    EXPECT_EQ(json(w->GetValue()).value(picked).toObject(), json(R"({"subdir":"0","enabled":"1"})"));
+
+    table->selectRow(0);
+    click(w.get(), "remove");
+    table->selectRow(0);
+    click(w.get(), "remove");
+    EXPECT_EQ(json(w->GetValue()).keys(), QStringList{picked});
+    table->selectRow(0);
+    click(w.get(), "remove");
+    EXPECT_EQ(w->GetValue(), ""); // no rows is nothing set
+}
+
+TEST(DataTypeWidget, FilterRowsAreEditedInPlaceAndTextTheyCannotShowIsKept)
+{
+    WidgetPtr w = make("filter");
+    w->SetValue("%{5f0e}%"); // a var reference is no list of rows
+    EXPECT_TRUE(w->findChild<QLineEdit*>("text")->isVisibleTo(w.get()));
+    EXPECT_EQ(w->GetValue(), "%{5f0e}%");
+    click(w.get(), "useRows");
+    EXPECT_EQ(w->GetValue(), "");
+
+    w->SetValue(R"({"Out File":"*.tif"})");
+    w->show();
+    click(w.get(), "add"); // opens the new row's patterns for typing
+    auto* editor = tableOf(w.get())->findChild<QLineEdit*>();
+    ASSERT_NE(editor, nullptr);
+    QTest::keyClicks(editor, "*_b.tif");
+    QTest::keyClick(editor, Qt::Key_Return);
+    QCoreApplication::processEvents(); // the table takes the edit in a queued call
+    EXPECT_EQ(w->GetValue(), R"({"Out File":"*.tif","Out File 2":"*_b.tif"})");
+}
+
+TEST(DataTypeWidget, BrowseAsksForTheRightKindOfPathAndTakesTheAnswer)
+{
+    QTemporaryDir dir;
+    const QString a = dir.filePath("a.tif"), b = dir.filePath("b.tif");
+    for (const QString& path : {a, b}) {
+        QFile f(path);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    }
+    const QString filter = R"j("filter":"GeoTIFF (*.tif *.tiff);;All files (*)")j";
+    struct Case { const char* name; QString type; QString typeParam; QString start; QFileDialog::AcceptMode accept;
+                  QFileDialog::FileMode mode; QStringList pick; QString expected; };
+    const Case cases[] = {
+        {"input file", "file", "{" + filter + "}", "", QFileDialog::AcceptOpen, QFileDialog::ExistingFile, {a}, a},
+        {"output file", "file", "{\"direction\":\"1\"," + filter + "}", "", QFileDialog::AcceptSave,
+         QFileDialog::AnyFile, {dir.filePath("new.tif")}, dir.filePath("new.tif")},
+        {"file to write", "filePath", "{" + filter + "}", "", QFileDialog::AcceptSave, QFileDialog::AnyFile,
+         {dir.filePath("out.tif")}, dir.filePath("out.tif")},
+        {"files are added", "multiFile", "{" + filter + "}", a, QFileDialog::AcceptOpen, QFileDialog::ExistingFiles,
+         {a, b}, a + ";" + b},
+        {"folder", "folder", "", "", QFileDialog::AcceptOpen, QFileDialog::Directory, {dir.path()}, dir.path()},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        WidgetPtr w = make(c.type, c.typeParam);
+        w->SetValue(c.start);
+        GuiDriver::OnNextModal([&](QWidget* modal) {
+            auto* dialog = qobject_cast<QFileDialog*>(modal);
+            ASSERT_NE(dialog, nullptr);
+            EXPECT_EQ(dialog->acceptMode(), c.accept);
+            EXPECT_EQ(dialog->fileMode(), c.mode);
+            if (c.mode != QFileDialog::Directory) {
+                EXPECT_EQ(dialog->nameFilters(), QStringList({"GeoTIFF (*.tif *.tiff)", "All files (*)"}));
+            }
+            QStringList names;
+            for (const QString& p : c.pick)
+                names << '"' + QFileInfo(p).fileName() + '"';
+            if (c.mode == QFileDialog::Directory) {
+                dialog->setDirectory(c.pick.first());
+            } else {
+                dialog->setDirectory(dir.path());
+                // What a user types into the dialog's file name line.
+                dialog->findChild<QLineEdit*>("fileNameEdit")
+                    ->setText(names.size() == 1 ? QFileInfo(c.pick.first()).fileName() : names.join(' '));
+            }
+            static_cast<QDialog*>(dialog)->accept();
+        });
+        click(w.get(), "browse");
+        EXPECT_EQ(w->GetValue(), c.expected);
+    }
+}
+
+TEST(DataTypeWidget, EditorsStayUsableInTheSmallRunDialog)
+{
+    for (const QString& type : kTypes) {
+        SCOPED_TRACE(type.toStdString());
+        QWidget page;
+        page.resize(400, 80); // what a tab of the 426 x 148 run dialog leaves
+        WidgetPtr w = make(type);
+        w->setParent(&page);
+        w->SetCaption("A caption of some length for the parameter");
+        w->SetValue("");
+        w->resize(page.size());
+        page.show();
+        QWidget* editor = w->focusProxy();
+        ASSERT_NE(editor, nullptr);
+        const QRect inPage(editor->mapTo(&page, QPoint(0, 0)), editor->size());
+        EXPECT_GE(editor->height(), editor->fontMetrics().height()) << "too low to read";
+        EXPECT_TRUE(QRect(QPoint(0, 0), page.size()).contains(inPage)) << "cut off";
+    }
+}

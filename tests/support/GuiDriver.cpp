@@ -1,0 +1,51 @@
+#include "support/GuiDriver.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QLineEdit>
+#include <QPointer>
+#include <QTest>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+namespace GuiDriver {
+
+void OnNextModal(std::function<void(QWidget*)> act)
+{
+    QPointer<QWidget> before = QApplication::activeModalWidget();
+    auto* timer = new QTimer;
+    auto clock = std::make_shared<QElapsedTimer>();
+    clock->start();
+    QObject::connect(timer, &QTimer::timeout, [=] {
+        QWidget* modal = QApplication::activeModalWidget();
+        if (modal && modal != before) {
+            timer->stop();
+            timer->deleteLater();
+            act(modal);
+            // A window the test forgot to close would hang the suite: fail instead.
+            QPointer<QWidget> opened = modal;
+            QTimer::singleShot(5000, modal, [opened] {
+                if (opened && opened->isVisible() && QApplication::activeModalWidget() == opened) {
+                    ADD_FAILURE() << "modal window left open";
+                    opened->close();
+                }
+            });
+        } else if (clock->elapsed() > 5000) {
+            timer->stop();
+            timer->deleteLater();
+            ADD_FAILURE() << "no modal window opened";
+        }
+    });
+    timer->start(10);
+}
+
+void TypeInto(QWidget* root, const QString& name, const QString& text)
+{
+    auto* edit = root->findChild<QLineEdit*>(name);
+    ASSERT_NE(edit, nullptr) << name.toStdString();
+    edit->setFocus();
+    QTest::keyClick(edit, Qt::Key_End); // as after a click behind the text
+    QTest::keyClicks(edit, text);
+}
+
+} // namespace GuiDriver

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+#include <ostream>
+
+class QWidget;
+
+namespace GuiDriver {
+
+// Calls act with the next modal window that opens (from inside its event loop, as a
+// user would meet it); if none opens within 5 s the test fails. Call before exec().
+void OnNextModal(std::function<void(QWidget*)> act);
+
+// Types text at the end of the line edit named name below root, as a user would.
+void TypeInto(QWidget* root, const QString& name, const QString& text);
+
+} // namespace GuiDriver
+
+// Failures show texts, not bytes.
+inline void PrintTo(const QString& text, std::ostream* os)
+{
+    *os << '"' << text.toStdString() << '"';
+}
