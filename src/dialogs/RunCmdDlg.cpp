@@ -1,6 +1,7 @@
 #include "dialogs/RunCmdDlg.h"
 
 #include "HostCatalogGui/DataTypeWidget.h"
+#include "dialogs/APCObjectDialog.h"
 #include "model/SoftAssert.h"
 
 #include <QHBoxLayout>
@@ -12,8 +13,7 @@
 
 RunCmdDlg::RunCmdDlg(QWidget* parent) : QDialog(parent)
 {
-    setWindowFlags(windowFlags() & ~(Qt::WindowContextHelpButtonHint | Qt::WindowMinimizeButtonHint |
-                                     Qt::WindowMaximizeButtonHint));
+    Plugin::StripDialogButtons(this);
     setWindowTitle(tr("Run"));
     resize(426, 148);
     auto* layout = new QVBoxLayout(this);
