@@ -12,7 +12,7 @@ endif
 
 CMAKE_FLAGS = -DCMAKE_BUILD_TYPE=$(BUILD_TYPE) -DMB_SANITIZE=$(SANITIZE)
 
-.PHONY: deps configure build test run bench fuzz clean
+.PHONY: deps configure build test run bench fuzz screenshots clean
 
 deps:
 	@bash scripts/deps.sh
@@ -37,6 +37,10 @@ fuzz:
 	@cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=Debug -DMB_FUZZ=ON -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ > build-fuzz.configure.log 2>&1 || (cat build-fuzz.configure.log; exit 1)
 	@cmake --build build-fuzz -j $(JOBS) --target fuzz_expr
 	./build-fuzz/bin/fuzz_expr -max_total_time=$${FUZZ_SECONDS:-60} tests/fuzz/corpus/expr
+
+screenshots: build
+	@cmake --build $(BUILD_DIR) --target mb_screenshots
+	xvfb-run -a -s "-screen 0 1280x860x24" ./$(BUILD_DIR)/bin/mb_screenshots docs $(SHOTS)
 
 clean:
 	rm -rf build build-address build-thread build-fuzz *.configure.log

@@ -1,5 +1,6 @@
 // The tools' activation. What each does with the mouse comes with the tools'
 // own work; until then Qt's handling of the items serves.
+#include "dialogs/APCObjectDialog.h"
 #include "editor/ConnectTool.h"
 #include "editor/ModelControler.h"
 #include "editor/ModelScene.h"
@@ -8,8 +9,13 @@
 #include "editor/SelectTool.h"
 #include "editor/ZoomInTool.h"
 #include "editor/ZoomOutTool.h"
+#include "engine/SequenceControl.h"
+#include "model/APCObject.h"
 
+#include <QGraphicsSceneMouseEvent>
 #include <QPixmap>
+
+#include <memory>
 
 namespace Plugin {
 
@@ -22,6 +28,20 @@ void activate(ModelControler* window, bool interactive, const char* pixmap, int 
 }
 
 } // namespace
+
+void SelectTool::OnDoubleClick(QGraphicsSceneMouseEvent* event, APCObject* object, void*)
+{
+    if (!event || event->button() != Qt::LeftButton || !object)
+        return;
+    std::unique_ptr<APCObjectDialog> dialog(object->CreateDialog(m_controler));
+    if (!dialog)
+        return;
+    const bool accepted = dialog->exec() == QDialog::Accepted;
+    // Steps of a run read the model from pool threads: it is edited only when idle.
+    const bool idle = m_controler->GetSequenceControl()->GetState() == SequenceControl::Idle;
+    if (accepted && !m_controler->IsReadOnly() && idle)
+        dialog->Apply();
+}
 
 void SelectTool::OnClick() { activate(m_controler, true, ":/res/Model_SelectTool.png", 3, 0); }
 void ConnectTool::OnClick() { activate(m_controler, false, ":/res/Model_ConnectTool.png", -1, -1); }

@@ -1,0 +1,158 @@
+// Draws the pictures of the README: real windows of the editor on the shipped
+// examples, captured as a person sees them. Run under a display (xvfb-run):
+//   make screenshots        (writes docs/*.png)
+#include "HostCatalogGui/DataTypeWidget.h"
+#include "dialogs/RunCmdDlg.h"
+#include "editor/GraphicsItemBase.h"
+#include "editor/ModelControler.h"
+#include "editor/ModelView.h"
+#include "model/APCModel.h"
+#include "model/APCObject.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDir>
+#include <QGraphicsItem>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QPointer>
+#include <QScreen>
+#include <QTabWidget>
+#include <QTimer>
+
+#include <cstdio>
+#include <functional>
+
+namespace {
+
+QString g_out;
+
+// Saves what the screen shows inside the window's frame: dialogs over it included.
+void shoot(QWidget* window, const QString& name)
+{
+    QApplication::processEvents();
+    const QRect frame = window->frameGeometry();
+    const QPixmap picture = window->screen()->grabWindow(0, frame.x(), frame.y(), frame.width(), frame.height());
+    const QString path = QDir(g_out).filePath(name);
+    std::printf("%s: %s\n", qPrintable(path), picture.save(path) ? "written" : "FAILED");
+    std::fflush(stdout);
+}
+
+// Calls act with the next modal window, from inside its own event loop.
+void onNextModal(const std::function<void(QWidget*)>& act)
+{
+    QWidget* before = QApplication::activeModalWidget();
+    auto* timer = new QTimer;
+    QObject::connect(timer, &QTimer::timeout, [=] {
+        QWidget* modal = QApplication::activeModalWidget();
+        if (!modal || modal == before)
+            return;
+        timer->stop();
+        timer->deleteLater();
+        QTimer::singleShot(300, modal, [=] { act(modal); });
+    });
+    timer->start(20);
+}
+
+QAction* actionOf(QWidget* window, const QString& text)
+{
+    for (QAction* a : window->findChildren<QAction*>())
+        if (a->text() == text)
+            return a;
+    return nullptr;
+}
+
+QGraphicsItem* firstItemOf(Plugin::ModelControler& window, const QString& className)
+{
+    for (QGraphicsItem* item : window.GetView()->scene()->items())
+        if (auto* base = dynamic_cast<Plugin::GraphicsItemBase*>(item))
+            if (base->GetObject() && base->GetObject()->GetClass() == className)
+                return item;
+    return nullptr;
+}
+
+Plugin::ModelControler* openModel(const QString& file)
+{
+    auto* window = new Plugin::ModelControler(QApplication::applicationDirPath() + "/../Model/apc/" + file, false);
+    window->SetModelName(QFileInfo(file).baseName());
+    window->setGeometry(40, 40, 1100, 720);
+    window->show();
+    QApplication::processEvents();
+    // Fit once the window has its final size; the docks settle after the show.
+    QTimer::singleShot(100, window, [window] {
+        if (QAction* full = actionOf(window, "Full Extent"))
+            full->trigger();
+    });
+    return window;
+}
+
+void openAlgorithmDialog(Plugin::ModelControler* window);
+
+void runDialog()
+{
+    Plugin::ModelControler* window = openModel("scene_ndvi.apc");
+    QTimer::singleShot(400, window, [window] { actionOf(window, "Run")->trigger(); });
+    onNextModal([window](QWidget* modal) {
+        // The user has picked the output folder on the second tab.
+        if (auto* tabs = modal->findChild<QTabWidget*>()) {
+            tabs->setCurrentIndex(1);
+            if (auto* edit = tabs->currentWidget()->findChild<QLineEdit*>())
+                edit->setText(QDir::homePath() + "/ndvi");
+        }
+        shoot(window, "run-dialog.png");
+        modal->close();
+        QTimer::singleShot(100, [window] { window->close(); });
+    });
+}
+
+void algorithmDialog()
+{
+    Plugin::ModelControler* window = openModel("scene_ndvi.apc");
+    QTimer::singleShot(400, window, [window] { openAlgorithmDialog(window); });
+}
+
+void openAlgorithmDialog(Plugin::ModelControler* window)
+{
+    QGraphicsItem* item = firstItemOf(*window, "algo");
+    if (!item) {
+        std::printf("algorithm-dialog: no algorithm step on the canvas\n");
+        return;
+    }
+    onNextModal([window](QWidget* modal) {
+        shoot(window, "algorithm-dialog.png");
+        modal->close();
+    });
+    // A double click as the select tool receives it.
+    QGraphicsView* view = window->GetView();
+    view->centerOn(item);
+    const QPoint at = view->mapFromScene(item->sceneBoundingRect().center());
+    for (QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick}) {
+        QMouseEvent event(type, at, Qt::LeftButton, type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton,
+                          Qt::NoModifier);
+        QApplication::sendEvent(view->viewport(), &event);
+    }
+    window->close();
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QApplication app(argc, argv);
+    g_out = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("docs");
+    QDir().mkpath(g_out);
+    const QStringList wanted = app.arguments().mid(2);
+    const std::vector<std::pair<QString, std::function<void()>>> shots = {
+        {"run-dialog", runDialog},
+        {"algorithm-dialog", algorithmDialog},
+    };
+    int delay = 200;
+    for (const auto& shot : shots) {
+        if (!wanted.isEmpty() && !wanted.contains(shot.first))
+            continue;
+        QTimer::singleShot(delay, shot.second);
+        delay += 2500;
+    }
+    QTimer::singleShot(delay, &app, &QApplication::quit);
+    return app.exec();
+}
