@@ -20,11 +20,10 @@ bool APCModel::LoadFile(const QString& path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return false;
-    if (!doc.setContent(&file, true)) {
-        file.close();
-        return false;
-    }
+    const QByteArray bytes = Gb2312::ReadableReferences(file.readAll());
     file.close();
+    if (!doc.setContent(bytes, true))
+        return false;
     const QDomElement root = doc.documentElement();
     if (root.tagName() != QLatin1String("Configuration"))
         return false;

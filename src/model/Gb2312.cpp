@@ -41,15 +41,46 @@ QByteArray Gb2312::EncodeDocument(const QString& xml)
         if (codec->canEncode(piece)) {
             safe += piece;
         } else {
-            // One reference per UTF-16 unit: the DOM reader maps a reference to a
-            // single unit, so a pair of them restores characters beyond the BMP.
-            for (const QChar unit : piece)
-                safe += QStringLiteral("&#x%1;").arg(unit.unicode(), 0, 16);
+            // One reference per character, as every XML reader expects; a lone
+            // surrogate has no character to name and is written as its unit.
+            const uint code = pair ? QChar::surrogateToUcs4(piece.at(0), piece.at(1)) : c.unicode();
+            safe += QStringLiteral("&#x%1;").arg(code, 0, 16);
         }
         if (pair)
             ++i;
     }
     return codec->fromUnicode(safe);
+}
+
+QByteArray Gb2312::ReadableReferences(const QByteArray& bytes)
+{
+    // References are plain ASCII, and no byte of "&#...;" can be the second byte
+    // of a GBK character, so the bytes can be scanned without decoding them.
+    QByteArray out;
+    int copied = 0;
+    for (int at = bytes.indexOf("&#"); at >= 0; at = bytes.indexOf("&#", at + 2)) {
+        const int end = bytes.indexOf(';', at);
+        if (end < 0)
+            break;
+        const bool hex = at + 2 < end && (bytes.at(at + 2) == 'x' || bytes.at(at + 2) == 'X');
+        const QByteArray digits = bytes.mid(at + (hex ? 3 : 2), end - at - (hex ? 3 : 2));
+        bool ok = false;
+        const uint code = digits.toUInt(&ok, hex ? 16 : 10);
+        if (!ok || code <= 0xFFFF || code > 0x10FFFF)
+            continue;
+        // The DOM reader keeps a reference only to a single UTF-16 unit: name the
+        // character by its two surrogates, which it joins back together.
+        out += bytes.mid(copied, at - copied);
+        out += QStringLiteral("&#x%1;&#x%2;")
+                   .arg(QChar::highSurrogate(code), 0, 16)
+                   .arg(QChar::lowSurrogate(code), 0, 16)
+                   .toLatin1();
+        copied = end + 1;
+    }
+    if (copied == 0)
+        return bytes;
+    out += bytes.mid(copied);
+    return out;
 }
 
 bool Gb2312::SaveDocument(const QString& path, const std::function<void(QXmlStreamWriter&)>& body)

@@ -22,6 +22,10 @@ public:
     // by Declaration(), and characters the codec cannot hold become character
     // references, so that no text is lost.
     static QByteArray EncodeDocument(const QString& xml);
+    // The bytes of a file with every character reference beyond the basic plane
+    // (&#127757;) turned into the surrogate pair the DOM reader can take; older
+    // files that already hold pairs read as they are.
+    static QByteArray ReadableReferences(const QByteArray& bytes);
     // Writes a document to path: body writes the root element and what is in it
     // on a formatting writer, and the encoded text replaces the file only once
     // complete, so a failed write never costs the old file. False when the file

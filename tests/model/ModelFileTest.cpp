@@ -139,7 +139,7 @@ TEST(ModelFile, WithElementFalseIsHonouredOnlyByPlainProcessesAndVars)
     }
 }
 
-TEST(ModelFile, CharactersOutsideGb2312SurviveAsReferences)
+TEST(ModelFile, CharactersOutsideGb2312SurviveAsOneReferenceEach)
 {
     QTemporaryDir dir;
     APCModel model;
@@ -147,9 +147,26 @@ TEST(ModelFile, CharactersOutsideGb2312SurviveAsReferences)
     v->SetDescription(QString::fromUtf8("naïve café ❤ 𝄞 ü"));
     model.AddVar(v);
     ASSERT_TRUE(model.SaveFile(dir.filePath("x.apc")));
+    const QByteArray bytes = ReadAll(dir.filePath("x.apc"));
+    EXPECT_TRUE(bytes.contains("&#x1d11e;")) << bytes.constData(); // not two surrogate halves
+    EXPECT_FALSE(bytes.contains("&#xd834;"));
     APCModel back;
     ASSERT_TRUE(back.LoadFile(dir.filePath("x.apc")));
     EXPECT_EQ(back.GetVars()[0]->GetDescription(), v->GetDescription());
+
+    // Files of other writers name such characters in decimal or in hex; older
+    // files of ours hold the two halves. All three read back the same.
+    const QString globe = QString::fromUcs4(U"\U0001F30D");
+    for (const char* reference : {"&#127757;", "&#x1F30D;", "&#xd83c;&#xdf0d;"}) {
+        SCOPED_TRACE(reference);
+        WriteAll(dir.filePath("r.apc"), kDeclaration + "\n<Configuration><Vars><Var class=\"string\" name=\"{v}\" "
+                                        "description=\"a" + QByteArray(reference) + "b\" constant=\"1\" value=\"\"/>"
+                                        "</Vars></Configuration>\n");
+        APCModel read;
+        ASSERT_TRUE(read.LoadFile(dir.filePath("r.apc")));
+        ASSERT_EQ(read.GetVars().size(), 1);
+        EXPECT_EQ(read.GetVars()[0]->GetDescription(), "a" + globe + "b");
+    }
 }
 
 TEST(ModelFile, ReadsGbkDeclarationAndDamagedInputSafely)
