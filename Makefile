@@ -36,7 +36,7 @@ fuzz:
 	@WITH_FUZZ=1 bash scripts/deps.sh
 	@cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=Debug -DMB_FUZZ=ON -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ > build-fuzz.configure.log 2>&1 || (cat build-fuzz.configure.log; exit 1)
 	@cmake --build build-fuzz -j $(JOBS) --target fuzz_expr
-	./build-fuzz/bin/fuzz_expr -max_total_time=$${FUZZ_SECONDS:-60} tests/fuzz/corpus/expr
+	./build-fuzz/bin/fuzz_expr -max_total_time=$${FUZZ_SECONDS:-60} $(CURDIR)/tests/fuzz/corpus/expr
 
 screenshots: build
 	@cmake --build $(BUILD_DIR) --target mb_screenshots
