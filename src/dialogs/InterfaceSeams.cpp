@@ -3,6 +3,9 @@
 #include "HostCatalogGui/DataTypeFactory.h"
 #include "HostCatalogGui/DataTypeWidget.h"
 #include "dialogs/APCAlgoDlg.h"
+#include "dialogs/APCArrowDlg.h"
+#include "dialogs/APCFileIteratorDlg.h"
+#include "dialogs/APCModelFileDlg.h"
 #include "model/APCDialogFactory.h"
 #include "model/APCProcess.h"
 #include "model/APCVar.h"
@@ -17,6 +20,12 @@ namespace {
     factory->RegisterDialog(APCDialogFactory::AlgoDialog, [](APCObject* object, QWidget* parent) -> APCObjectDialog* {
         return new APCAlgoDlg(static_cast<APCProcess*>(object), parent);
     });
+    factory->RegisterDialog(APCDialogFactory::ArrowDialog,
+                            [](APCObject* object, QWidget* parent) { return new APCArrowDlg(object, parent); });
+    factory->RegisterDialog(APCDialogFactory::FileIteratorDialog,
+                            [](APCObject* object, QWidget* parent) { return new APCFileIteratorDlg(object, parent); });
+    factory->RegisterDialog(APCDialogFactory::ModelFileDialog,
+                            [](APCObject* object, QWidget* parent) { return new APCModelFileDlg(object, parent); });
     return true;
 }();
 

@@ -1,0 +1,101 @@
+#include "dialogs/APCFileIteratorDlg.h"
+
+#include "HostCatalogGui/DataTypeFactory.h"
+#include "HostCatalogGui/DataTypeWidget.h"
+#include "dialogs/ParameterEdit.h"
+#include "engine/APCFileIterator.h"
+#include "model/APCModel.h"
+#include "model/SoftAssert.h"
+
+#include <QCoreApplication>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QSpacerItem>
+#include <QVBoxLayout>
+
+namespace Plugin {
+
+namespace {
+
+const QString kDir = QStringLiteral("strDir");
+const QString kFilter = QStringLiteral("strFilter");
+
+// The editor of one parameter, without caption: the row's label names it. The
+// typeParam is left out on purpose: the iterator's inputs need no settings.
+DataTypeWidget* parameterWidget(const APCParameter& p, QGridLayout* grid, int row)
+{
+    DataTypeWidget* widget = DataTypeFactory::CreateDataTypeWidget(p.type, QString());
+    widget->SetCaption(QString());
+    widget->SetValue(p.value);
+    grid->addWidget(widget, row, 1);
+    return widget;
+}
+
+} // namespace
+
+APCFileIteratorDlg::APCFileIteratorDlg(APCObject* object, QWidget* parent) : APCObjectDialog(object, parent)
+{
+    setWindowTitle(QCoreApplication::translate("APCFileIteratorDlg", "File Iterator"));
+    resize(515, 96);
+    auto* layout = new QVBoxLayout(this);
+    auto* grid = new QGridLayout;
+    grid->addWidget(new QLabel(QCoreApplication::translate("APCFileIteratorDlg", "Directory:"), this), 0, 0,
+                    Qt::AlignTop);
+    grid->addWidget(new QLabel(QCoreApplication::translate("APCFileIteratorDlg", "Filter:"), this), 1, 0,
+                    Qt::AlignTop);
+    grid->setColumnStretch(1, 1);
+    layout->addLayout(grid);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addItem(new QSpacerItem(40, 20, QSizePolicy::Expanding, QSizePolicy::Minimum));
+    auto* ok = new QPushButton(QCoreApplication::translate("APCFileIteratorDlg", "OK"), this);
+    ok->setObjectName(QStringLiteral("okButton"));
+    buttons->addWidget(ok);
+    auto* cancel = new QPushButton(QCoreApplication::translate("APCFileIteratorDlg", "Cancel"), this);
+    cancel->setObjectName(QStringLiteral("cancelButton"));
+    buttons->addWidget(cancel);
+    layout->addLayout(buttons);
+
+    MB_CHECK(connect(ok, SIGNAL(clicked(bool)), this, SLOT(OnOKClicked(bool))));
+    MB_CHECK(connect(cancel, SIGNAL(clicked(bool)), this, SLOT(OnCancelClicked(bool))));
+
+    auto* iterator = dynamic_cast<APCFileIterator*>(object);
+    MB_ASSERT(iterator, return);
+    for (const APCParameter& p : iterator->GetParameters()) {
+        if (p.name == kDir) {
+            m_directoryWidget = parameterWidget(p, grid, 0);
+            m_directoryWidget->setObjectName(QStringLiteral("directoryWidget"));
+        } else if (p.name == kFilter) {
+            m_filterWidget = parameterWidget(p, grid, 1);
+            m_filterWidget->setObjectName(QStringLiteral("filterWidget"));
+        }
+    }
+}
+
+void APCFileIteratorDlg::Apply()
+{
+    auto* iterator = dynamic_cast<APCFileIterator*>(m_object);
+    MB_ASSERT(iterator, return);
+    APCModel* model = iterator->GetModel();
+    MB_ASSERT(model, return); // a step is edited only once it stands on a model
+
+    for (int i = 0; i < iterator->GetParameters().size(); ++i) {
+        const QString name = iterator->GetParameters().at(i).name;
+        if (name == kDir && m_directoryWidget)
+            SetParameterValue(iterator, i, m_directoryWidget->GetValue());
+        else if (name == kFilter && m_filterWidget)
+            SetParameterValue(iterator, i, m_filterWidget->GetValue());
+    }
+    // A filter that names no outputs (empty, bad, a var reference) keeps the outputs
+    // as they are; the step's Check speaks for an empty one later.
+    iterator->RefreshOutputs();
+    model->UpdateProcess(iterator);
+}
+
+void APCFileIteratorDlg::OnOKClicked(bool) { accept(); }
+
+void APCFileIteratorDlg::OnCancelClicked(bool) { close(); }
+
+} // namespace Plugin

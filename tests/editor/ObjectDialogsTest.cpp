@@ -1,0 +1,461 @@
+// The property dialogs of arrows, file iterators and nested model steps, driven as
+// a user drives them on a model open in its window, then read back from the model.
+#include "HostCatalogGui/DataTypeWidget.h"
+#include "HostShell/EnvironmentSetting.h"
+#include "dialogs/APCArrowDlg.h"
+#include "dialogs/APCFileIteratorDlg.h"
+#include "dialogs/APCModelFileDlg.h"
+#include "editor/ModelControler.h"
+#include "engine/APCAlgo.h"
+#include "engine/APCModelFile.h"
+#include "engine/APCRasterFileIterator.h"
+#include "model/APCArrow.h"
+#include "model/APCVar.h"
+#include "model/APCVarFactory.h"
+#include "support/GuiDriver.h"
+#include "support/ModelFixtures.h"
+#include "support/TestSupport.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLineEdit>
+#include <QTableWidget>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QXmlStreamWriter>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+
+using namespace Plugin;
+using GuiDriver::OnNextModal;
+
+namespace {
+
+// What the model told its listeners, one label per signal, sorted: "arrow~", "var+"...
+class ChangeLog
+{
+public:
+    explicit ChangeLog(APCModel& m)
+    {
+        watch(m.processAdded, m.processChanged, m.processRemoved, "process");
+        watch(m.varAdded, m.varChanged, m.varRemoved, "var");
+        watch(m.arrowAdded, m.arrowChanged, m.arrowRemoved, "arrow");
+    }
+    QStringList Sorted() const { QStringList s = m_seen; s.sort(); return s; }
+
+private:
+    template <class Signal> void watch(Signal& added, Signal& changed, Signal& removed, const QString& kind)
+    {
+        for (auto [signal, sign] : {std::pair(&added, "+"), std::pair(&changed, "~"), std::pair(&removed, "-")})
+            m_connections.emplace_back(signal->connect([this, label = kind + sign](auto*) { m_seen << label; }));
+    }
+    QStringList m_seen;
+    std::vector<boost::signals2::scoped_connection> m_connections;
+};
+
+template <class T> T* child(QObject* root, const char* name)
+{
+    auto* w = root->findChild<T*>(QLatin1String(name));
+    EXPECT_NE(w, nullptr) << name;
+    return w;
+}
+
+void click(QWidget* root, const char* name)
+{
+    if (auto* button = child<QAbstractButton>(root, name))
+        QTest::mouseClick(button, Qt::LeftButton);
+}
+
+// The rows of a combo box, the current one marked with "*".
+QString rows(QWidget* dialog, const char* name)
+{
+    auto* combo = child<QComboBox>(dialog, name);
+    QStringList rows;
+    for (int i = 0; i < combo->count(); ++i)
+        rows << (i == combo->currentIndex() ? "*" : "") + combo->itemText(i);
+    return rows.join('|');
+}
+
+// Picks a row of a closed combo box with the keyboard.
+void choose(QWidget* dialog, const char* name, const QString& text)
+{
+    auto* combo = child<QComboBox>(dialog, name);
+    QTest::keyClick(combo, Qt::Key_Home);
+    for (int i = 0; i < combo->count() && combo->currentText() != text; ++i)
+        QTest::keyClick(combo, Qt::Key_Down);
+    EXPECT_EQ(combo->currentText(), text);
+}
+
+// Replaces a line's text as a user does: select all, type.
+void retype(QLineEdit* edit, const QString& text)
+{
+    ASSERT_NE(edit, nullptr);
+    QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(edit, text);
+}
+
+// Types into a table cell, opened with a click and F2 unless its editor is open.
+void typeInCell(QTableWidget* table, int row, int column, const QString& text)
+{
+    const QModelIndex index = table->model()->index(row, column);
+    if (!table->indexWidget(index)) {
+        QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, table->visualRect(index).center());
+        QTest::keyClick(table, Qt::Key_F2);
+    }
+    auto* editor = qobject_cast<QLineEdit*>(table->indexWidget(index));
+    retype(editor, text);
+    if (editor)
+        QTest::keyClick(editor, Qt::Key_Return);
+    QCoreApplication::processEvents(); // the table takes the edit in a queued call
+}
+
+// A JSON object text in one form (keys sorted, compact), so that texts compare.
+QString json(const QString& text)
+{
+    return QJsonDocument(QJsonDocument::fromJson(text.toUtf8()).object()).toJson(QJsonDocument::Compact);
+}
+
+// text with every id of the model's objects replaced by that object's description.
+QString describe(APCModel& model, QString text)
+{
+    for (APCProcess* o : model.GetProcesses())
+        text.replace(o->GetName(), o->GetDescription());
+    for (APCVar* o : model.GetVars())
+        text.replace(o->GetName(), o->GetDescription());
+    return text;
+}
+
+// The parameters as "description=value", ids described.
+QStringList values(APCModel& model, APCProcess* process, bool outputsOnly = false)
+{
+    QStringList result;
+    for (const APCParameter& p : process->GetParameters())
+        if (!outputsOnly || p.direction == 1)
+            result << p.description + '=' + describe(model, p.value);
+    return result;
+}
+
+// Runs the dialog with the user's actions inside it, and applies what was accepted,
+// as the double click does.
+int runAndApply(APCObjectDialog& dialog, const std::function<void()>& user)
+{
+    OnNextModal([&](QWidget*) { user(); });
+    const int result = dialog.exec();
+    if (result == QDialog::Accepted)
+        dialog.Apply();
+    return result;
+}
+
+APCModelFile* addNestedStep(APCModel& m)
+{
+    auto* step = new APCModelFile;
+    step->SetClass("model");
+    step->SetProcessName("Model/apc/inner.apc");
+    m.AddProcess(step);
+    return step;
+}
+
+} // namespace
+
+class ObjectDialogs : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        HostShell::EnvironmentSetting::Instance()->SetAppBinDir(dir.filePath("bin"));
+        for (const char* folder : {"bin", "Model/apc", "scenes"})
+            QDir(dir.path()).mkpath(folder);
+    }
+    void TearDown() override { HostShell::EnvironmentSetting::Instance()->SetAppBinDir(QString()); }
+
+    // Saves what build puts on a model and opens the file in a window, whose model
+    // then listens as in the editor.
+    std::unique_ptr<ModelControler> open(const std::function<void(APCModel&)>& build)
+    {
+        {
+            TestSupport::HeadlessModel m;
+            build(m);
+            EXPECT_TRUE(m.SaveFile(dir.filePath("m.apc")));
+        }
+        return std::make_unique<ModelControler>(dir.filePath("m.apc"), false);
+    }
+
+    // The nested model: a copy step whose "Source" and "Copy" are free. Version 2 gives
+    // "Copy" a value and adds a free "Extra", keeping the ids.
+    void writeInner(int version)
+    {
+        TestSupport::HeadlessModel m;
+        if (version == 1) {
+            APCAlgo* copy = TestSupport::AddAlgo(m, "test.copyText");
+            TestSupport::VarOf(m, copy, "In File")->SetDescription("Source");
+            TestSupport::VarOf(m, copy, "Out File")->SetDescription("Copy");
+        } else {
+            ASSERT_TRUE(m.LoadFile(inner()));
+            TestSupport::SetConstant(m.GetVars().value(1), "/x/copy.txt");
+            APCVar* extra = APCVarFactory::Instance()->Create("string");
+            extra->SetDescription("Extra");
+            m.AddVar(extra);
+        }
+        ASSERT_TRUE(m.SaveFile(inner()));
+    }
+    QString inner() const { return dir.filePath("Model/apc/inner.apc"); }
+
+    QTemporaryDir dir;
+};
+
+TEST_F(ObjectDialogs, ArrowRepointedThroughTheDialogRewiresTheParameters)
+{
+    struct Case
+    {
+        const char* name;
+        std::function<void(QWidget*)> act;
+        const char* ends;   // head|headType|headParam|tail|tailType|tailParam
+        const char* inputs; // "In File" of the first and of the second step
+    };
+    const std::vector<Case> cases = {
+        {"TailToAnotherVar", [](QWidget* d) { choose(d, "tailObject", "Second out"); },
+         "First|process|In File|Second out|var|", "%Second out%|%Second in%"},
+        {"HeadToAnotherProcess", [](QWidget* d) { choose(d, "headObject", "Second"); },
+         "Second|process|In File|First in|var|", "|%First in%"},
+        {"HeadToAVarHasNoParameter",
+         [](QWidget* d) {
+             choose(d, "headType", "var");
+             EXPECT_EQ(rows(d, "headParameter"), "");
+         },
+         "First in|var||First in|var|", "|%Second in%"},
+        {"TailAtProcessesOffersOnlyOutputs",
+         [](QWidget* d) {
+             choose(d, "tailType", "process");
+             EXPECT_EQ(rows(d, "tailParameter"), "*Out File");
+             choose(d, "tailObject", "Inputs only");
+             EXPECT_EQ(rows(d, "tailParameter"), "");
+         },
+         "First|process|In File|Inputs only|process|", "|%Second in%"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        auto window = open([](APCModel& m) {
+            for (const char* step : {"First", "Second"}) {
+                APCAlgo* copy = TestSupport::AddAlgo(m, "test.copyText");
+                TestSupport::VarOf(m, copy, "In File")->SetDescription(step + QString(" in"));
+                TestSupport::VarOf(m, copy, "Out File")->SetDescription(step + QString(" out"));
+            }
+            TestSupport::AddAlgo(m, "test.fail");
+        });
+        APCModel& model = *window->GetDocument();
+        // Steps are read back with their catalogue text; named apart for the combos.
+        const QList<APCProcess*> steps = model.GetProcesses();
+        for (int i = 0; i < 3; ++i)
+            steps[i]->SetDescription(QStringList({"First", "Second", "Inputs only"})[i]);
+        APCArrow* arrow = model.ArrowsOfProcess(steps[0], "In File").value(0);
+        ASSERT_TRUE(arrow);
+        ChangeLog log(model);
+
+        APCArrowDlg dialog(arrow, window.get());
+        EXPECT_EQ(dialog.windowTitle(), "Depend");
+        EXPECT_EQ(dialog.size(), QSize(522, 181));
+        const int result = runAndApply(dialog, [&] {
+            // The arrow as it stands; a head offers inputs only, a var no parameter.
+            QStringList shown;
+            for (const char* end : {"head", "tail"})
+                for (const char* box : {"Type", "Object", "Parameter"})
+                    shown << rows(&dialog, qPrintable(end + QString(box)));
+            EXPECT_EQ(shown, QStringList({"*process|var", "*First|Second|Inputs only", "*In File", "process|*var",
+                                          "*First in|First out|Second in|Second out", ""}));
+            c.act(&dialog);
+            click(&dialog, "okButton");
+        });
+        EXPECT_EQ(result, QDialog::Accepted);
+        const QStringList ends = {arrow->GetHead(), arrow->GetHeadType(), arrow->GetHeadParam(),
+                                  arrow->GetTail(), arrow->GetTailType(), arrow->GetTailParam()};
+        EXPECT_EQ(describe(model, ends.join('|')), c.ends);
+        EXPECT_EQ(describe(model, steps[0]->GetParameter("In File").value + '|' +
+                                      steps[1]->GetParameter("In File").value),
+                  c.inputs);
+        EXPECT_EQ(log.Sorted(), QStringList{"arrow~"});
+        EXPECT_TRUE(window->IsModified());
+    }
+}
+
+TEST_F(ObjectDialogs, IteratorFoldersAndFilterReachItsParametersAndItsOutputsFollow)
+{
+    const QString scenes = QDir(dir.filePath("scenes")).absolutePath();
+    for (const char* f : {"s1_B4.tif", "s1_mask.tif", "s2_B4.tif", "s2_mask.tif", "s3_B4.tif"})
+        TestSupport::WriteAll(scenes + '/' + f, "");
+    struct Case
+    {
+        const char* name;
+        std::function<void(QTableWidget*, QWidget* filter)> editFilter;
+        const char* filter;
+        QStringList outputs; // each wired to a var of its own, named after it
+        QStringList changes;
+        int rounds;
+    };
+    const std::vector<Case> cases = {
+        {"AnOutputAdded",
+         [](QTableWidget* t, QWidget* filter) {
+             typeInCell(t, 0, 1, "*_B4.tif");
+             click(filter, "add");
+             typeInCell(t, 1, 1, "*_mask.tif");
+         },
+         R"({"Out File":"*_B4.tif","Out File 2":"*_mask.tif"})", {"Out File=%Out File%", "Out File 2=%Out File 2%"},
+         {"arrow+", "arrow-", "process~", "var+"}, 2},
+        {"TheOutputRenamed",
+         [](QTableWidget* t, QWidget*) {
+             typeInCell(t, 0, 0, "Band");
+             typeInCell(t, 0, 1, "*_B4.tif");
+         },
+         R"({"Band":"*_B4.tif"})", {"Band=%Band%"}, {"arrow+", "arrow-", "arrow-", "process~", "var+"}, 3},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        auto window = open([](APCModel& m) { m.AddProcess(new APCRasterFileIterator); });
+        APCModel& model = *window->GetDocument();
+        auto* iterator = dynamic_cast<APCFileIterator*>(model.GetProcesses().value(0));
+        ASSERT_TRUE(iterator);
+        ChangeLog log(model);
+
+        APCFileIteratorDlg dialog(iterator, window.get());
+        EXPECT_EQ(dialog.windowTitle(), "File Iterator");
+        const int result = runAndApply(dialog, [&] {
+            // The folders name the var the dropped step got: the user gives that up
+            // for a folder of the picker.
+            auto* folders = child<QWidget>(&dialog, "directoryWidget");
+            click(folders, "useRows");
+            OnNextModal([&](QWidget* picker) {
+                qobject_cast<QFileDialog*>(picker)->setDirectory(scenes);
+                static_cast<QDialog*>(picker)->accept();
+            });
+            click(folders, "add");
+            auto* filter = child<QWidget>(&dialog, "filterWidget");
+            c.editFilter(child<QTableWidget>(filter, "table"), filter);
+            click(&dialog, "okButton");
+        });
+        EXPECT_EQ(result, QDialog::Accepted);
+        EXPECT_EQ(json(iterator->GetParameter("strDir").value),
+                  json(QString(R"({"%1":{"subdir":"0","enabled":"1"}})").arg(scenes)));
+        EXPECT_EQ(json(iterator->GetParameter("strFilter").value), json(c.filter));
+        EXPECT_EQ(values(model, iterator, true), c.outputs);
+        EXPECT_EQ(model.ArrowsOfProcess(iterator, "").size(), c.outputs.size()); // none left at the folders
+        EXPECT_EQ(log.Sorted(), c.changes);
+        EXPECT_TRUE(window->IsModified());
+        std::unique_ptr<APCFileIterator> run(static_cast<APCFileIterator*>(iterator->Clone()));
+        EXPECT_TRUE(run->BuildRounds());
+        EXPECT_EQ(run->GetRounds().size(), c.rounds);
+    }
+}
+
+TEST_F(ObjectDialogs, NestedModelStepTakesTheFreeInputsOfItsModelFile)
+{
+    struct Case
+    {
+        const char* name;
+        int before, after; // versions of the model file; 0: none yet
+        QStringList shown; // the captions of the form
+        QString typed;     // into the first widget
+        QStringList values;
+        QStringList changes;
+    };
+    const std::vector<Case> cases = {
+        {"AFileThatAppears", 0, 1, {}, "", {"Source=%Source%", "Copy=%Copy%"},
+         {"arrow+", "arrow+", "process~", "var+", "var+"}},
+        {"AFileThatChanged", 1, 2, {"Source", "Copy"}, "/data/in.txt", {"Source=/data/in.txt", "Extra=%Extra%"},
+         {"arrow+", "arrow-", "arrow-", "process~", "var+"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        QFile::remove(inner());
+        if (c.before)
+            writeInner(1);
+        auto window = open(addNestedStep);
+        APCModel& model = *window->GetDocument();
+        auto* step = dynamic_cast<APCModelFile*>(model.GetProcesses().value(0));
+        ASSERT_TRUE(step);
+        for (int v = c.before + 1; v <= c.after; ++v)
+            writeInner(v);
+        ChangeLog log(model);
+
+        APCModelFileDlg dialog(step, window.get());
+        EXPECT_EQ(dialog.windowTitle(), "Model file");
+        const int result = runAndApply(dialog, [&] {
+            QStringList shown;
+            for (DataTypeWidget* w : dialog.findChildren<DataTypeWidget*>())
+                shown << w->GetCaption();
+            EXPECT_EQ(shown, c.shown);
+            if (!c.typed.isEmpty())
+                retype(dialog.findChild<QLineEdit*>("edit"), c.typed);
+            click(&dialog, "okButton");
+        });
+        EXPECT_EQ(result, QDialog::Accepted);
+        // One parameter per free var of the file, named by its id.
+        TestSupport::HeadlessModel file;
+        ASSERT_TRUE(file.LoadFile(inner()));
+        QStringList free, names;
+        for (APCVar* v : file.GetFreeVars()) {
+            free << v->GetName();
+            delete v;
+        }
+        for (const APCParameter& p : step->GetParameters())
+            names << p.name;
+        EXPECT_EQ(names, free);
+        EXPECT_EQ(values(model, step), c.values);
+        EXPECT_EQ(model.ArrowsOfProcess(step, "").size(), c.values.filter("=%").size());
+        EXPECT_EQ(log.Sorted(), c.changes);
+        EXPECT_TRUE(window->IsModified());
+    }
+}
+
+TEST_F(ObjectDialogs, CancelChangesNothing)
+{
+    writeInner(1);
+    auto window = open([](APCModel& m) {
+        TestSupport::AddAlgo(m, "test.copyText");
+        m.AddProcess(new APCRasterFileIterator);
+        addNestedStep(m);
+    });
+    APCModel& model = *window->GetDocument();
+    const QList<APCProcess*> steps = model.GetProcesses();
+    ASSERT_EQ(steps.size(), 3);
+    struct Case
+    {
+        const char* name;
+        APCObject* object;
+        APCObjectDialog* dialog;
+        std::function<void(QWidget*)> edit;
+    };
+    const std::vector<Case> cases = {
+        {"Arrow", model.GetArrows()[0], new APCArrowDlg(model.GetArrows()[0], window.get()),
+         [](QWidget* d) { choose(d, "headType", "var"); }},
+        {"Iterator", steps[1], new APCFileIteratorDlg(steps[1], window.get()),
+         [](QWidget* d) { typeInCell(child<QTableWidget>(child<QWidget>(d, "filterWidget"), "table"), 0, 0, "B"); }},
+        {"NestedModel", steps[2], new APCModelFileDlg(steps[2], window.get()),
+         [](QWidget* d) { retype(d->findChild<QLineEdit*>("edit"), "/data/in.txt"); }},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const auto snapshot = [&] {
+            QString text;
+            QXmlStreamWriter writer(&text);
+            c.object->WriteXml(writer, true);
+            return text;
+        };
+        const QString before = snapshot();
+        ChangeLog log(model);
+        std::unique_ptr<APCObjectDialog> dialog(c.dialog);
+        const int result = runAndApply(*dialog, [&] {
+            c.edit(dialog.get());
+            click(dialog.get(), "cancelButton");
+        });
+        EXPECT_EQ(result, QDialog::Rejected);
+        EXPECT_EQ(snapshot(), before);
+        EXPECT_TRUE(log.Sorted().isEmpty());
+        EXPECT_FALSE(window->IsModified());
+    }
+}
