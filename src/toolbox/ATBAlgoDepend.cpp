@@ -2,16 +2,67 @@
 
 #include "editor/ModelCommandManager.h"
 #include "editor/ModelControler.h"
+#include "editor/ModelScene.h"
+#include "editor/ModelView.h"
+#include "toolbox/ATBCreateCircuitDlg.h"
+
+#include <QCoreApplication>
+#include <QCursor>
+#include <QFile>
+#include <QFileDialog>
+#include <QMenu>
+#include <QMessageBox>
 
 namespace Plugin {
 
-void ATBAlgoDepend::OnDoubleClicked()
+namespace {
+
+// Fits the whole model into the view, but never magnified beyond 1:1, where a
+// model of one or two steps would fill the window with a few huge boxes.
+void showWholeModel(ModelControler* window)
+{
+    ModelView* view = window->GetView();
+    const QRectF items = window->GetScene()->itemsBoundingRect();
+    if (items.isEmpty())
+        return; // a new model starts at 1:1
+    const QRectF all = items.adjusted(-20, -20, 20, 20);
+    // The room with no scroll bars: a model that fits needs none.
+    const QSize room = view->maximumViewportSize();
+    const double scale = qMin(1.0, qMin(room.width() / all.width(), room.height() / all.height()));
+    if (scale <= 0)
+        return;
+    view->resetTransform();
+    view->scale(scale, scale);
+    window->GetScene()->SetScale(scale);
+    view->centerOn(all.center());
+}
+
+} // namespace
+
+ATBAlgoDepend::ATBAlgoDepend(bool readOnly) : ATBFile(ATB_AlgoDepend), m_readOnly(readOnly), m_menu(new QMenu)
+{
+    if (!readOnly) {
+        m_removeAction = m_menu->addAction(QCoreApplication::translate("ATBAlgo", "Remove"));
+        m_editAction = m_menu->addAction(QCoreApplication::translate("ATBAlgo", "Edit"));
+        QObject::connect(m_removeAction, &QAction::triggered, m_menu, [this] { OnRemove(); });
+        QObject::connect(m_editAction, &QAction::triggered, m_menu, [this] { OnEdit(); });
+    }
+    QAction* exportAction = m_menu->addAction(QCoreApplication::translate("ATBAlgo", "Export"));
+    QObject::connect(exportAction, &QAction::triggered, m_menu, [this] { OnExport(); });
+    ConnectInspectTimer(m_menu, [this] { OnInspectTimer(); });
+}
+
+ATBAlgoDepend::~ATBAlgoDepend() { delete m_menu; }
+
+void ATBAlgoDepend::OnDoubleClicked() { OpenWindow(); }
+
+ModelControler* ATBAlgoDepend::OpenWindow()
 {
     const QString path = AppRoot() + m_file;
     ModelCommandManager* manager = ModelCommandManager::Instance();
     // One window per model: an open one is left as it is, not even raised.
-    if (manager->FindWindow(path))
-        return;
+    if (ModelControler* open = manager->FindWindow(path))
+        return open;
     auto* window = new ModelControler(path, m_readOnly, m_parentWidget);
     const QString title = window->windowTitle() + QLatin1Char('-') + m_name;
     window->SetModelName(m_name);
@@ -19,6 +70,56 @@ void ATBAlgoDepend::OnDoubleClicked()
     window->setGeometry(100, 100, 800, 500);
     window->show();
     manager->AddWindow(window);
+    showWholeModel(window); // once shown, the view has its size
+    return window;
+}
+
+bool ATBAlgoDepend::OnContextMenu(QContextMenuEvent*)
+{
+    // The lock also holds for a window opened since the last tick.
+    OnInspectTimer();
+    m_menu->exec(QCursor::pos());
+    return true;
+}
+
+void ATBAlgoDepend::OnInspectTimer() { EnableUnlessModelsOpen({m_removeAction, m_editAction}); }
+
+void ATBAlgoDepend::OnRemove()
+{
+    const auto answer = QMessageBox::question(m_parentWidget, QCoreApplication::translate("SaveAsCommand", "Warning"),
+                                              QCoreApplication::translate("SaveAsCommand", "Whether to delete or not?"),
+                                              QMessageBox::Yes | QMessageBox::No);
+    if (answer != QMessageBox::Yes)
+        return;
+    m_valid = 0;
+    QFile::remove(AppRoot() + m_file);
+    NotifyChanged();
+}
+
+void ATBAlgoDepend::OnEdit()
+{
+    ATBCreateCircuitDlg dialog(m_parentWidget);
+    dialog.SetName(m_name);
+    dialog.SetFile(m_file);
+    dialog.SetDescription(m_description);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    // The dialog has renamed the file on the disk already when the name changed.
+    m_name = dialog.GetName();
+    m_file = dialog.GetFile();
+    m_description = dialog.GetDescription();
+    NotifyChanged();
+}
+
+void ATBAlgoDepend::OnExport()
+{
+    const QString target = QFileDialog::getSaveFileName(
+        m_parentWidget, QCoreApplication::translate("SaveAsCommand", "Save As"), QString(),
+        QCoreApplication::translate("SaveAsCommand", "AlgoProcessControl File(*.apc);;All File(*.*)"));
+    if (target.isEmpty())
+        return;
+    // Never over a file that exists: the copy refuses it.
+    QFile::copy(AppRoot() + m_file, target);
 }
 
 } // namespace Plugin

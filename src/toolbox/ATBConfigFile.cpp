@@ -31,12 +31,11 @@ bool ATBConfigFile::Load(const QString& path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return false;
-    QString error;
-    int line = 0;
-    int column = 0;
-    const bool parsed = document.setContent(&file, true, &error, &line, &column);
+    // Characters beyond the basic plane are written as one reference each,
+    // which the DOM reader takes only as a surrogate pair.
+    const QByteArray bytes = Gb2312::ReadableReferences(file.readAll());
     file.close();
-    if (!parsed)
+    if (!document.setContent(bytes, true))
         return false;
     const QDomElement root = document.documentElement();
     if (root.tagName() != QLatin1String("Configuration"))

@@ -1,6 +1,10 @@
 #include "toolbox/ATBItem.h"
 
 #include "HostShell/EnvironmentSetting.h"
+#include "editor/ModelCommandManager.h"
+#include "toolbox/ToolBoxWidget.h"
+
+#include <QAction>
 
 namespace Plugin {
 
@@ -13,6 +17,27 @@ int ATBItem::GetType() { return m_type; }
 void ATBItem::OnClicked() {}
 void ATBItem::OnDoubleClicked() {}
 bool ATBItem::OnContextMenu(QContextMenuEvent*) { return true; }
+
+void ATBItem::NotifyChanged()
+{
+    if (m_toolBox)
+        m_toolBox->UpdateItem(this);
+}
+
+void ATBItem::ConnectInspectTimer(QObject* context, const std::function<void()>& slot)
+{
+    QObject::connect(ModelCommandManager::Instance(), &ModelCommandManager::InspectTimer, context, slot);
+}
+
+void ATBItem::EnableUnlessModelsOpen(const QList<QAction*>& actions)
+{
+    // Any open window locks them all, not only its own model's: an open model
+    // may use any other one as a nested step.
+    const bool free = ModelCommandManager::Instance()->WindowCount() == 0;
+    for (QAction* action : actions)
+        if (action)
+            action->setEnabled(free);
+}
 
 QString ATBItem::IconPath(int type)
 {

@@ -1,8 +1,13 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 
+#include <functional>
+
+class QAction;
 class QContextMenuEvent;
+class QObject;
 class QWidget;
 
 namespace Plugin {
@@ -46,6 +51,9 @@ public:
     bool IsValid() const { return m_valid != 0; }
     QWidget* GetParentWidget() const { return m_parentWidget; }
     void SetToolBox(ToolBoxWidget* toolBox) { m_toolBox = toolBox; }
+    // Rebuilds the item's row and marks the tool box changed; does nothing for an
+    // item that has no tool box yet. Every change the user makes ends with it.
+    void NotifyChanged();
 
     // The resource path of the icon of a kind; the iterator shares the algorithm's.
     static QString IconPath(int type);
@@ -53,6 +61,11 @@ public:
     static QString AppRoot();
 
 protected:
+    // Calls slot at every tick of the model windows' timer, until context dies.
+    static void ConnectInspectTimer(QObject* context, const std::function<void()>& slot);
+    // Enables actions only while no model window is open; null actions are skipped.
+    static void EnableUnlessModelsOpen(const QList<QAction*>& actions);
+
     int m_type;
     QString m_name;
     QString m_description;

@@ -3,6 +3,7 @@
 #include "HostDesktop/IApplication.h"
 #include "HostShell/EnvironmentSetting.h"
 #include "toolbox/ATBConfigFile.h"
+#include "toolbox/ATBTreeWidget.h"
 #include "toolbox/ToolBoxWidget.h"
 
 #include <QCoreApplication>
@@ -42,13 +43,16 @@ void ToolBoxCommand::OnCreate(void* hook) { DesktopCommand::OnCreate(hook); }
 void ToolBoxCommand::OnClick()
 {
     QMainWindow* mainWindow = GetApplication() ? GetApplication()->GetMainWindow() : nullptr;
-    if (!m_dock)
+    if (!m_dock) {
         m_dock = new QDockWidget(QCoreApplication::translate("ToolBoxCommand", "Tool Box"), mainWindow);
+        m_dock->setObjectName(m_name); // a host that saves its dock layout finds the dock by it
+    }
     if (!m_toolBox) {
         m_toolBox = new ToolBoxWidget;
         ATBConfigFile file;
         file.Load(FilePath());
         m_toolBox->SetItems(mainWindow, file.GetItems());
+        m_toolBox->GetTree()->expandToDepth(0); // the groups open, their folders closed
         m_dock->setWidget(m_toolBox);
         m_dock->setAllowedAreas(Qt::AllDockWidgetAreas);
         if (mainWindow)

@@ -1,0 +1,396 @@
+// The tool box's menus and double clicks, driven as a user drives them: right
+// click on a row, pick an entry, answer the dialogs; then the host shuts down
+// and the tool box file is looked at.
+#include "HostCore/_ptr_t.h"
+#include "HostDesktop/IApplication.h"
+#include "HostShell/EnvironmentSetting.h"
+#include "editor/ModelCommandManager.h"
+#include "editor/ModelControler.h"
+#include "editor/ModelScene.h"
+#include "editor/ModelView.h"
+#include "model/APCModel.h"
+#include "support/GuiDriver.h"
+#include "support/TestSupport.h"
+#include "toolbox/ATBAlgoDepend.h"
+#include "toolbox/ATBTreeWidget.h"
+#include "toolbox/ToolBoxCommand.h"
+#include "toolbox/ToolBoxWidget.h"
+
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QDir>
+#include <QGraphicsItem>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+using namespace Plugin;
+using TestSupport::ReadAll;
+using TestSupport::WriteAll;
+
+namespace {
+
+const QByteArray kToolBox = R"(<?xml version="1.0" encoding="GB2312" standalone="no"?>
+<Configuration>
+    <ToolBox name="ToolBox">
+        <Group name="Models">
+            <Folder name="Mine" canDelete="1">
+                <APC name="First" file="Model/apc/first.apc" description="one"/>
+                <APC name="Second" file="Model/apc/second.apc" description=""/>
+                <APC name="Locked" readOnly="1" file="Model/apc/locked.apc" description=""/>
+            </Folder>
+            <Folder name="Shipped"/>
+        </Group>
+    </ToolBox>
+</Configuration>
+)";
+
+// A model of do-nothing steps at the given places.
+QByteArray Steps(const QList<QPoint>& places)
+{
+    QByteArray xml = "<?xml version=\"1.0\" encoding=\"GB2312\"?>\n<Configuration><Processes>";
+    for (const QPoint& p : places)
+        xml += QString(R"(<Process class="algo" name="{%1}" posX="%2" posY="%3" painter="" processName="test.noop"/>)")
+                   .arg(p.x() + p.y()).arg(p.x()).arg(p.y()).toLatin1();
+    return xml + "</Processes><Vars/><Arrows/></Configuration>\n";
+}
+const QByteArray kWide = Steps({{0, 0}, {2400, 900}}); // too wide for 1:1 in 800 by 500
+const QByteArray kSmall = Steps({{0, 0}});
+
+// Runs act on the next popup menu other than after, from inside its loop.
+void OnNextPopup(QWidget* after, std::function<void(QMenu*)> act)
+{
+    auto* timer = new QTimer;
+    auto ticks = std::make_shared<int>(0);
+    QObject::connect(timer, &QTimer::timeout, [=] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        const bool found = menu && menu != after;
+        if (!found && ++*ticks < 500)
+            return;
+        timer->deleteLater();
+        timer->stop();
+        if (found)
+            act(menu);
+        else
+            ADD_FAILURE() << "no menu opened";
+    });
+    timer->start(10);
+}
+
+// Clicks the entries of path in turn, through submenus.
+void Choose(const QStringList& path, QWidget* after = nullptr)
+{
+    OnNextPopup(after, [path](QMenu* menu) {
+        for (QAction* action : menu->actions())
+            if (action->text() == path.first()) {
+                if (path.size() > 1)
+                    Choose(path.mid(1), menu);
+                return QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(action).center());
+            }
+        ADD_FAILURE() << "no entry " << path.first().toStdString();
+        menu->close();
+    });
+}
+
+void Click(QWidget* dialog, const QString& text)
+{
+    for (QPushButton* button : dialog->findChildren<QPushButton*>())
+        if (button->text() == text)
+            return QTest::mouseClick(button, Qt::LeftButton);
+    ADD_FAILURE() << "no button " << text.toStdString();
+}
+
+void Retype(QWidget* dialog, const QString& field, const QString& text)
+{
+    dialog->findChild<QLineEdit*>(field)->clear();
+    GuiDriver::TypeInto(dialog, field, text);
+}
+
+// Checks the texts of the next message box and answers it with button.
+void Answer(const QString& title, const QString& text, QMessageBox::StandardButton button = QMessageBox::Ok)
+{
+    GuiDriver::OnNextModal([=](QWidget* modal) {
+        auto* box = qobject_cast<QMessageBox*>(modal);
+        ASSERT_TRUE(box);
+        EXPECT_EQ(box->windowTitle(), title);
+        EXPECT_EQ(box->text(), text);
+        QTest::mouseClick(box->button(button) ? box->button(button) : box->buttons().value(0), Qt::LeftButton);
+    });
+}
+
+// Answers the next file dialog with path, typed into its name field.
+void PickFile(const QString& path)
+{
+    GuiDriver::OnNextModal([=](QWidget* dialog) {
+        Retype(dialog, "fileNameEdit", path);
+        QTest::keyClick(dialog->findChild<QLineEdit*>("fileNameEdit"), Qt::Key_Return);
+    });
+}
+
+} // namespace
+
+// An installation in a temporary folder, its tool box open in a shown window.
+class ToolBoxActions : public ::testing::Test, public HostDesktop::IApplication
+{
+protected:
+    QMainWindow* GetMainWindow() override { return &window; }
+    void SetUp() override
+    {
+        for (const char* folder : {"bin", "Model/atb", "Model/apc", "elsewhere"})
+            ASSERT_TRUE(QDir(root.path()).mkpath(folder));
+        HostShell::EnvironmentSetting::Instance()->SetAppBinDir(root.path() + "/bin");
+        ASSERT_TRUE(WriteAll(atb(), kToolBox));
+        ASSERT_TRUE(WriteAll(apc("first"), kWide) && WriteAll(apc("second"), kWide) && WriteAll(apc("locked"), kSmall));
+        command->OnCreate(static_cast<HostDesktop::IApplication*>(this));
+        command->OnClick();
+        window.resize(1000, 700);
+        window.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    }
+    void TearDown() override
+    {
+        for (QWidget* window : QApplication::topLevelWidgets())
+            if (qobject_cast<ModelControler*>(window))
+                window->close();
+        manager->OnUpdateState();
+        command = nullptr;
+        HostShell::EnvironmentSetting::Instance()->SetAppBinDir(QString());
+    }
+
+    QString atb() const { return root.filePath("Model/atb/ToolBox.atb"); }
+    QString apc(const QString& name) const { return root.filePath("Model/apc/" + name + ".apc"); }
+    ToolBoxWidget* toolBox() const { return static_cast<ToolBoxCommand*>(command.get())->GetToolBox(); }
+    ATBTreeWidget* tree() const { return toolBox()->GetTree(); }
+    // The tool box file as the host leaves it at shutdown.
+    QString Shutdown()
+    {
+        command = nullptr;
+        return QString::fromLatin1(ReadAll(atb()));
+    }
+
+    // The row named name (names are unique here), scrolled into view.
+    QTreeWidgetItem* Row(const QString& name) const
+    {
+        tree()->expandAll();
+        QTreeWidgetItem* row = tree()->findItems(name, Qt::MatchExactly | Qt::MatchRecursive).value(0);
+        tree()->scrollToItem(row);
+        return row;
+    }
+    QStringList Children(const QString& name) const
+    {
+        QStringList names;
+        for (int i = 0; Row(name) && i < Row(name)->childCount(); ++i)
+            names << Row(name)->child(i)->text(0);
+        return names;
+    }
+    // A right click on the row; inMenu is set up to act inside the menu.
+    void RightClick(const QString& name, const std::function<void()>& inMenu)
+    {
+        QTreeWidgetItem* row = Row(name);
+        ASSERT_TRUE(row) << name.toStdString();
+        const QPoint at = tree()->visualItemRect(row).center();
+        QTest::mouseClick(tree()->viewport(), Qt::RightButton, {}, at);
+        inMenu();
+        QContextMenuEvent event(QContextMenuEvent::Mouse, at, tree()->viewport()->mapToGlobal(at));
+        QApplication::sendEvent(tree()->viewport(), &event);
+    }
+    void Menu(const QString& name, const QStringList& entries)
+    {
+        RightClick(name, [&] { Choose(entries); });
+    }
+    // The entries of a row's menu, "(off)" marking the disabled ones.
+    QStringList Entries(const QString& name)
+    {
+        QStringList texts;
+        RightClick(name, [&] {
+            OnNextPopup(nullptr, [&](QMenu* menu) {
+                for (QAction* action : menu->actions())
+                    texts << action->text() + (action->isEnabled() ? "" : " (off)");
+                menu->close();
+            });
+        });
+        return texts;
+    }
+    ModelControler* DoubleClick(const QString& name)
+    {
+        const QPoint at = tree()->visualItemRect(Row(name)).center();
+        QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {}, at);
+        QTest::mouseDClick(tree()->viewport(), Qt::LeftButton, {}, at);
+        QTest::mouseRelease(tree()->viewport(), Qt::LeftButton, {}, at);
+        return manager->FindWindow(root.path() + "/bin/../Model/apc/" + name.toLower() + ".apc");
+    }
+
+    QTemporaryDir root;
+    QMainWindow window;
+    HostCore::_ptr_t<HostShell::ICommand> command{new ToolBoxCommand};
+    ModelCommandManager* manager = ModelCommandManager::Instance();
+};
+
+TEST_F(ToolBoxActions, EachKindOffersItsEntries)
+{
+    EXPECT_EQ(Entries("Mine"), QStringList({"New", "Delete", "Import Model"}));
+    EXPECT_EQ(Entries("Shipped"), QStringList({"New", "Import Model"}));
+    EXPECT_EQ(Entries("First"), QStringList({"Remove", "Edit", "Export"}));
+    EXPECT_EQ(Entries("Locked"), QStringList({"Export"}));
+    EXPECT_EQ(Shutdown(), QString::fromLatin1(kToolBox)); // looking changes nothing
+}
+
+TEST_F(ToolBoxActions, NewToolSetRefusesAnEmptyNameAndMakesADeletableFolder)
+{
+    GuiDriver::OnNextModal([&](QWidget* dialog) {
+        EXPECT_EQ(dialog->windowTitle(), "ToolSet");
+        Answer("Error", "Name can not be empty");
+        Click(dialog, "OK");
+        GuiDriver::TypeInto(dialog, "nameEdit", "Sub");
+        Click(dialog, "OK");
+    });
+    Menu("Mine", {"New", "ToolSet"});
+    EXPECT_EQ(Children("Models"), QStringList({"Shipped", "Mine"})); // a changed folder goes last
+    EXPECT_EQ(Children("Mine"), QStringList({"First", "Second", "Locked", "Sub"}));
+    EXPECT_EQ(Entries("Sub"), QStringList({"New", "Delete", "Import Model"}));
+    EXPECT_TRUE(Shutdown().contains(R"(<Folder name="Sub" canDelete="1"/>)"));
+}
+
+TEST_F(ToolBoxActions, NewModelRefusesEmptyAndTakenNamesThenOpensTheModel)
+{
+    GuiDriver::OnNextModal([&](QWidget* dialog) {
+        EXPECT_EQ(dialog->windowTitle(), "CreateCircuit");
+        Answer("Error", "Name is null!");
+        Click(dialog, "OK");
+        GuiDriver::TypeInto(dialog, "nameEdit", "second");
+        Answer("Error", "File is existing!");
+        Click(dialog, "OK");
+        Retype(dialog, "nameEdit", "Fresh");
+        GuiDriver::TypeInto(dialog, "descriptionEdit", "made here");
+        Click(dialog, "OK");
+    });
+    Menu("Mine", {"New", "Model"});
+    EXPECT_EQ(Children("Mine"), QStringList({"First", "Second", "Locked", "Fresh"}));
+    EXPECT_TRUE(APCModel().LoadFile(apc("Fresh")));
+    ModelControler* window = manager->FindWindow(root.path() + "/bin/../Model/apc/Fresh.apc");
+    ASSERT_TRUE(window);
+    EXPECT_TRUE(window->isVisible() && !window->IsReadOnly());
+    EXPECT_EQ(window->windowTitle(), "Model Builder-Fresh");
+    EXPECT_TRUE(Shutdown().contains(R"(<APC name="Fresh" file="Model/apc/Fresh.apc" description="made here"/>)"));
+}
+
+TEST_F(ToolBoxActions, RemoveAsksAndOnlyYesDeletes)
+{
+    for (auto answer : {QMessageBox::No, QMessageBox::Yes}) {
+        const bool no = answer == QMessageBox::No;
+        SCOPED_TRACE(no ? "no" : "yes");
+        Answer("Warning", "Whether to delete or not?", answer);
+        Menu("Second", {"Remove"});
+        EXPECT_EQ(QFileInfo::exists(apc("second")), no);
+        EXPECT_EQ(Children("Mine").contains("Second"), no);
+        EXPECT_EQ(toolBox()->IsModified(), !no);
+    }
+    EXPECT_FALSE(Shutdown().contains("Second"));
+}
+
+TEST_F(ToolBoxActions, DeleteTakesTheFolderAtOnceAndLeavesItsModels)
+{
+    Menu("Mine", {"Delete"});
+    EXPECT_EQ(Children("Models"), QStringList({"Shipped"}));
+    EXPECT_TRUE(QFileInfo::exists(apc("first")));
+    EXPECT_FALSE(Shutdown().contains("Mine"));
+}
+
+TEST_F(ToolBoxActions, EditRenamesTheFileOrRefusesATakenName)
+{
+    GuiDriver::OnNextModal([&](QWidget* dialog) {
+        EXPECT_EQ(dialog->findChild<QLineEdit*>("nameEdit")->text(), "First");
+        EXPECT_EQ(dialog->findChild<QLineEdit*>("descriptionEdit")->text(), "one");
+        Retype(dialog, "nameEdit", "locked.apc");
+        Answer("Error", "File is existing!");
+        Click(dialog, "OK");
+        Retype(dialog, "nameEdit", "Renamed");
+        Click(dialog, "OK");
+    });
+    Menu("First", {"Edit"});
+    EXPECT_FALSE(QFileInfo::exists(apc("first")));
+    EXPECT_EQ(ReadAll(apc("Renamed")), kWide);
+    EXPECT_EQ(ReadAll(apc("locked")), kSmall);
+    EXPECT_EQ(Children("Mine"), QStringList({"Second", "Locked", "Renamed"}));
+
+    GuiDriver::OnNextModal([&](QWidget* dialog) { Click(dialog, "Cancel"); });
+    Menu("Second", {"Edit"});
+    EXPECT_EQ(Children("Mine"), QStringList({"Second", "Locked", "Renamed"}));
+    EXPECT_TRUE(Shutdown().contains(R"(<APC name="Renamed" file="Model/apc/Renamed.apc" description="one"/>)"));
+}
+
+TEST_F(ToolBoxActions, ImportCopiesUnderAFreeName)
+{
+    struct Case
+    {
+        const char* name;
+        QString source;      // in "elsewhere"
+        QStringList present; // in Model/apc beforehand
+        QString row;         // the item's name and description
+        QString file;        // its file
+    };
+    const Case cases[] = {
+        {"clash twice", "a.apc", {"a.apc", "a(1).apc"}, "a(2)", "Model/apc/a(2).apc"},
+        {"cut at the first point", "x.y.apc", {"x.y.apc"}, "x(1)", "Model/apc/x(1).apc"},
+        {"no clash keeps the extension", "m.txt", {}, "m", "Model/apc/m.txt"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        for (const QString& present : c.present)
+            ASSERT_TRUE(WriteAll(root.filePath("Model/apc/" + present), "taken"));
+        ASSERT_TRUE(WriteAll(root.filePath("elsewhere/" + c.source), kWide));
+        PickFile(root.filePath("elsewhere/" + c.source));
+        Menu("Shipped", {"Import Model"});
+        EXPECT_EQ(ReadAll(root.filePath(c.file)), kWide);
+        auto* item = dynamic_cast<ATBAlgoDepend*>(ToolBoxWidget::ItemOf(Row(c.row)));
+        ASSERT_TRUE(item);
+        EXPECT_EQ(item->GetFile(), c.file);
+        EXPECT_EQ(item->GetDescription(), c.row);
+    }
+}
+
+TEST_F(ToolBoxActions, ExportCopiesTheModelFile)
+{
+    PickFile(root.filePath("elsewhere/out.apc"));
+    Menu("First", {"Export"});
+    EXPECT_EQ(ReadAll(root.filePath("elsewhere/out.apc")), kWide);
+    EXPECT_EQ(Shutdown(), QString::fromLatin1(kToolBox)); // the tree did not change
+}
+
+TEST_F(ToolBoxActions, DoubleClickOpensOneWindowShowingTheWholeModel)
+{
+    const int before = manager->WindowCount();
+    ModelControler* window = DoubleClick("First");
+    ASSERT_TRUE(window);
+    EXPECT_EQ(DoubleClick("First"), window);
+    EXPECT_EQ(manager->WindowCount(), before + 1);
+    ModelView* view = window->GetView();
+    QCoreApplication::processEvents(); // the scroll bars the fit made needless go
+    EXPECT_LT(view->transform().m11(), 1.0);
+    EXPECT_DOUBLE_EQ(window->GetScene()->GetScale(), view->transform().m11());
+    for (QGraphicsItem* item : window->GetScene()->GetItems())
+        EXPECT_TRUE(view->viewport()->rect().contains(view->mapFromScene(item->sceneBoundingRect()).boundingRect()));
+    ModelControler* small = DoubleClick("Locked");
+    ASSERT_TRUE(small);
+    EXPECT_TRUE(small->IsReadOnly());
+    EXPECT_DOUBLE_EQ(small->GetView()->transform().m11(), 1.0); // not blown up
+}
+
+TEST_F(ToolBoxActions, MenusLockWhileAnyModelWindowIsOpen)
+{
+    const int before = manager->WindowCount();
+    ModelControler* window = DoubleClick("First");
+    ASSERT_TRUE(window);
+    EXPECT_EQ(Entries("Second"), QStringList({"Remove (off)", "Edit (off)", "Export"}));
+    EXPECT_EQ(Entries("Mine"), QStringList({"New", "Delete (off)", "Import Model"}));
+    window->close();
+    ASSERT_TRUE(TestSupport::WaitUntil([&] { return manager->WindowCount() == before; })); // the timer's tick
+    EXPECT_EQ(Entries("Second"), QStringList({"Remove", "Edit", "Export"}));
+    EXPECT_EQ(Entries("Mine"), QStringList({"New", "Delete", "Import Model"}));
+}
