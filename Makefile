@@ -12,7 +12,7 @@ endif
 
 CMAKE_FLAGS = -DCMAKE_BUILD_TYPE=$(BUILD_TYPE) -DMB_SANITIZE=$(SANITIZE)
 
-.PHONY: deps configure build test run bench fuzz screenshots clean
+.PHONY: deps configure build test run bench fuzz screenshots translations clean
 
 deps:
 	@bash scripts/deps.sh
@@ -41,6 +41,10 @@ fuzz:
 screenshots: build
 	@cmake --build $(BUILD_DIR) --target mb_screenshots
 	xvfb-run -a -s "-screen 0 1280x860x24" ./$(BUILD_DIR)/bin/mb_screenshots docs $(SHOTS)
+
+# Refreshes translations/*.ts from the texts in the code; translate, then build.
+translations: deps
+	lupdate -no-obsolete -locations none src host/HostCatalogGui apps/modelbuilder -ts translations/ModelBuilder_zh_CN.ts
 
 clean:
 	rm -rf build build-address build-thread build-fuzz *.configure.log

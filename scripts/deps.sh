@@ -4,7 +4,7 @@ set -euo pipefail
 
 packages=(
   build-essential cmake pkg-config
-  qtbase5-dev qtbase5-dev-tools libqt5xml5
+  qtbase5-dev qtbase5-dev-tools libqt5xml5 qttools5-dev qttools5-dev-tools
   libboost-dev
   libgdal-dev gdal-bin
   libgtest-dev googletest
