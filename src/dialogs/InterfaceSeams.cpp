@@ -6,6 +6,7 @@
 #include "dialogs/APCArrowDlg.h"
 #include "dialogs/APCFileIteratorDlg.h"
 #include "dialogs/APCModelFileDlg.h"
+#include "dialogs/APCVarDlg.h"
 #include "model/APCDialogFactory.h"
 #include "model/APCProcess.h"
 #include "model/APCVar.h"
@@ -24,6 +25,9 @@ namespace {
                             [](APCObject* object, QWidget* parent) { return new APCArrowDlg(object, parent); });
     factory->RegisterDialog(APCDialogFactory::FileIteratorDialog,
                             [](APCObject* object, QWidget* parent) { return new APCFileIteratorDlg(object, parent); });
+    factory->RegisterDialog(APCDialogFactory::VarDialog, [](APCObject* object, QWidget* parent) -> APCObjectDialog* {
+        return new APCVarDlg(object, parent);
+    });
     factory->RegisterDialog(APCDialogFactory::ModelFileDialog,
                             [](APCObject* object, QWidget* parent) { return new APCModelFileDlg(object, parent); });
     return true;

@@ -1,6 +1,7 @@
 // The edit commands of a model window. Copy, paste, delete and adding a var
 // get their work with the clipboard and the var dialogs; their enable rules
 // stand already.
+#include "dialogs/VarAddDlg.h"
 #include "editor/AutoLayoutCommand.h"
 #include "editor/CopyCommand.h"
 #include "editor/CutCommand.h"
@@ -12,6 +13,9 @@
 #include "editor/RedoCommand.h"
 #include "editor/UndoCommand.h"
 #include "editor/VarAddCommand.h"
+#include "model/APCVar.h"
+#include "model/APCVarFactory.h"
+#include "model/SoftAssert.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -53,7 +57,16 @@ void DeleteCommand::OnClick()
 }
 
 bool VarAddCommand::IsEnable() { return !m_controler->IsReadOnly(); }
-void VarAddCommand::OnClick() {}
+void VarAddCommand::OnClick()
+{
+    VarAddDlg dialog(m_controler);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    APCVar* var = APCVarFactory::Instance()->Create(dialog.GetDataType());
+    var->SetDescription(dialog.GetDataTypeLabel());
+    var->SetPos(QPointF(50, 50)); // every new var lands here, over any var already there
+    MB_ASSERT(m_controler->AddObject(var), delete var);
+}
 
 void CutCommand::OnClick() {}
 void UndoCommand::OnClick() {}
