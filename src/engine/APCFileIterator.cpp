@@ -213,6 +213,15 @@ bool APCFileIterator::ContainsAll(const QString& path, const QStringList& captur
     return true;
 }
 
+QStringList APCFileIterator::GetScannedDirectories() const
+{
+    QStringList paths;
+    for (const Directory& d : ParseDirectories(ParameterText(kDir)))
+        if (d.enabled)
+            paths.append(d.path);
+    return paths;
+}
+
 bool APCFileIterator::BuildRounds()
 {
     m_rounds.clear();

@@ -29,6 +29,9 @@ public:
     bool BuildRounds();
     // The rounds left (output name -> file path).
     QList<QMap<QString, QString>> GetRounds() const { return m_rounds; }
+    // The enabled directories the scan reads, in its order, as "strDir" now gives
+    // them (through its var when it is a reference); they need not exist.
+    QStringList GetScannedDirectories() const;
 
 protected:
     void CopyFileIteratorFrom(const APCFileIterator& other);

@@ -15,6 +15,7 @@
 
 #include <QCoreApplication>
 #include <QHash>
+#include <QObject>
 #include <QSet>
 #include <QThread>
 
@@ -80,6 +81,7 @@ void SequenceControl::DeleteNodes()
 void SequenceControl::Build(APCModel* model)
 {
     m_model = model;
+    ++m_generation;
     DeleteNodes();
     m_pending.clear();
     m_endCount = 0;
@@ -168,6 +170,8 @@ void SequenceControl::Start()
             }
         }
         m_thread = QThread::currentThread();
+        if (m_context && m_context->thread() != m_thread)
+            m_context.reset();
         m_log->LogStart(m_name, parameters);
     }
     m_state = Running;
@@ -214,8 +218,10 @@ void SequenceControl::NodeExecuteFinished(SequenceNode* node)
     record.succeeded = code == 0;
     record.errorCode = code;
     record.errorMessage = message;
-    if (!(iterator && iterator->IsEnded()))
+    if (!(iterator && iterator->IsEnded())) {
         m_log->LogStep(record);
+        StepEnded(node, record);
+    }
 
     if (code != 0) {
         if (!m_iterators.isEmpty() && m_iterators.top() == node) {
@@ -233,6 +239,44 @@ void SequenceControl::NodeExecuteFinished(SequenceNode* node)
         if (m_model)
             m_model->ResolveVarValues(QList<APCVar*>());
     }
+    node->Finished(node);
+    NodeFinished(node);
+}
+
+void SequenceControl::SetStepFilter(std::function<bool(APCProcess*)> filter)
+{
+    m_stepFilter = std::move(filter);
+}
+
+bool SequenceControl::SkipStep(SequenceNode* node)
+{
+    MB_ASSERT(node && node->GetProcess(), return false);
+    // Skipping an iterator would end its iteration, not save its work.
+    if (!m_stepFilter || dynamic_cast<APCIterator*>(node->GetProcess()))
+        return false;
+    if (!m_stepFilter(node->GetProcess()))
+        return false;
+    // Ending the step here would run its successors, and maybe the end of the
+    // run, inside whoever started it (Start's loop, a predecessor's report).
+    if (!m_context)
+        m_context = std::make_unique<QObject>();
+    const quint64 generation = m_generation;
+    QMetaObject::invokeMethod(m_context.get(), [this, node, generation] {
+        if (generation == m_generation && m_state != Idle)
+            NodeSkipped(node);
+    }, Qt::QueuedConnection);
+    return true;
+}
+
+void SequenceControl::NodeSkipped(SequenceNode* node)
+{
+    MB_CHECK(OnRunThread());
+    APCProcess* process = node->GetProcess();
+    // A clone that failed in an earlier pass must not report that error again.
+    node->GetExecutable()->SetError(0, QString());
+    m_log->Write(QLatin1Char('\n') + QCoreApplication::translate("SequenceControl", "Skip the step:") + QLatin1Char(' ') +
+                 process->GetDescription() + QLatin1Char(' ') + logParameters(process) + QLatin1Char('\n'));
+    node->SetStatus(SequenceNode::Done);
     node->Finished(node);
     NodeFinished(node);
 }
@@ -299,6 +343,7 @@ void SequenceControl::Pause()
 void SequenceControl::Stop()
 {
     MB_CHECK(OnRunThread());
+    ++m_generation;
     APCExecuteFactory::Instance()->CancelAll();
     StopNestedRuns();
     m_log->LogEnd(m_name);

@@ -5,16 +5,20 @@
 #include <QString>
 #include <boost/signals2.hpp>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
+class QObject;
 class QThread;
 
 namespace Plugin {
 
 class APCLog;
 class APCModel;
+class APCProcess;
 class SequenceNode;
+struct APCLogRecord;
 
 // Runs one model: builds a graph of nodes from its processes and arrows, starts
 // every node whose inputs are complete, repeats the part behind an iterator, and
@@ -47,6 +51,11 @@ public:
     int GetState() const { return m_state; }
     // The run's error: the first failed step's, else what the last node reported.
     void GetError(int& code, QString& message);
+    // Asked on the control's thread, with the node's clone, before each step other
+    // than an iterator starts: true skips the step. A skipped step is logged as
+    // skipped and counts as done for the graph, so the steps behind it run. An
+    // empty filter, the default, skips nothing and changes nothing in the run.
+    void SetStepFilter(std::function<bool(APCProcess* clone)> filter);
 
     APCLog* GetLog() const { return m_log; }
     APCModel* GetModel() const { return m_model; }
@@ -59,14 +68,21 @@ public:
     boost::signals2::signal<void(SequenceNode*, int)> NodeStatus;
     // A node finished well; null once when the whole run ended. Control's thread.
     boost::signals2::signal<void(SequenceNode*)> NodeFinished;
+    // A step ended and its block was just logged: once per execution (each round of
+    // an iterator, not its end), on the control's thread, before the run moves on.
+    boost::signals2::signal<void(SequenceNode*, const APCLogRecord&)> StepEnded;
 
     // Internal to the run: called by the nodes.
     void RunNode(SequenceNode* node);
     void SetNodeStatus(SequenceNode* node, int status);
     void NodeExecuteFinished(SequenceNode* node);
     void OnEndNodeFinished(SequenceNode* node);
+    // True when the filter skips node's step; its end then follows through the
+    // event loop, as a real step's does.
+    bool SkipStep(SequenceNode* node);
 
 private:
+    void NodeSkipped(SequenceNode* node);
     void ContinueOrFinish();
     void ResetSubtree(SequenceNode* node, int status);
     void Finish();
@@ -83,6 +99,9 @@ private:
     QString m_name;
     QString m_buildError;
     QThread* m_thread = nullptr; // the thread that called Start
+    std::function<bool(APCProcess*)> m_stepFilter;
+    std::unique_ptr<QObject> m_context; // on the run's thread: where skipped steps end
+    quint64 m_generation = 0;           // a new build or a stop: ends of skips still queued are dropped
     APCModel* m_model = nullptr;
     int m_state = Idle;
     int m_endCount = 0;

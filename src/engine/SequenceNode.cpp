@@ -29,6 +29,8 @@ void SequenceNode::Wire()
 void SequenceNode::Run()
 {
     SetStatus(Running);
+    if (m_control->SkipStep(this))
+        return;
     APCExecuteFactory::Instance()->Start(m_executable);
 }
 

@@ -1,0 +1,202 @@
+#include "BatchRun.h"
+
+#include "ClosingLines.h"
+#include "CommandLine.h"
+#include "Console.h"
+#include "FreeInputs.h"
+#include "ModelFileCheck.h"
+#include "PlanPrinter.h"
+#include "Preflight.h"
+#include "ResumeState.h"
+#include "RunRecorder.h"
+#include "StallWatch.h"
+#include "StopSignals.h"
+#include "StreamingLog.h"
+
+#include "engine/ModelRun.h"
+#include "engine/SequenceControl.h"
+#include "engine/SequenceNode.h"
+#include "model/APCModel.h"
+#include "model/APCProcess.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+#include <QTimer>
+
+#include <unistd.h>
+
+namespace Mbrun {
+
+using Status = RunRecorder::Status;
+
+BatchRun::BatchRun(const CommandLine& options) : m_options(options)
+{
+    if (!options.ReportPath().isEmpty()) {
+        m_report = std::make_unique<ReportWriter>(options.ReportPath(), options.ModelPath());
+        m_report->SetStarted(QDateTime::currentDateTimeUtc());
+        m_report->SetResume(options.Resume());
+    }
+}
+
+BatchRun::~BatchRun() = default;
+
+void BatchRun::WriteReport(const RunRecorder* recorder, ReportWriter::Outcome outcome, int code)
+{
+    if (!m_report)
+        return;
+    QString error;
+    if (!m_report->Write(recorder, outcome, code, m_signal ? StopSignals::Name(m_signal) : QString(), &error))
+        Console::Err(QStringLiteral("mbrun: cannot write the report %1: %2\n").arg(m_options.ReportPath(), error));
+}
+
+void BatchRun::Say(const QStringList& lines)
+{
+    for (const QString& line : lines) {
+        Console::Err(line);
+        if (m_report)
+            m_report->AddMessage(line.trimmed());
+    }
+}
+
+int BatchRun::Refuse(const QStringList& lines)
+{
+    Say(lines);
+    WriteReport(nullptr, ReportWriter::Outcome::Refused, Refused);
+    return Refused;
+}
+
+QString BatchRun::ModelName() const
+{
+    return QFileInfo(m_options.ModelPath()).baseName();
+}
+
+int BatchRun::Exec()
+{
+    const QString path = m_options.ModelPath();
+    Plugin::APCModel model;
+    if (!model.LoadFile(path))
+        return Refuse({QStringLiteral("mbrun: cannot open the model file %1: %2\n").arg(path, ModelFileCheck::Explain(path))});
+
+    FreeInputs inputs(model);
+    if (m_options.GetAction() == CommandLine::Action::List) {
+        Console::Out(inputs.Table());
+        if (inputs.IsEmpty())
+            Console::Err(QStringLiteral("mbrun: the model has no free inputs: run it with no --set\n"));
+        return Success;
+    }
+    const QStringList problems = Preflight::Problems(model);
+    if (!problems.isEmpty())
+        return Refuse(problems);
+    QStringList inputProblems = inputs.Apply(m_options.Settings());
+    inputProblems += inputs.Missing();
+    if (m_report)
+        m_report->SetInputs(inputs.Values());
+    if (!inputProblems.isEmpty())
+        return Refuse(inputProblems);
+    return Run(model, inputs);
+}
+
+int BatchRun::Plan(Plugin::APCModel& model, const FreeInputs& inputs)
+{
+    Plugin::SequenceControl control; // for its graph: it never starts
+    std::unique_ptr<ResumeState> state;
+    if (m_options.Resume())
+        state = std::make_unique<ResumeState>(m_options.ModelPath());
+    // Prepared as ModelRun::Start prepares a run, up to the start.
+    model.ResetVarValues();
+    model.ResolveVarValues(inputs.List());
+    control.SetName(ModelName());
+    control.Build(&model);
+    if (!control.GetBuildError().isEmpty())
+        return Refuse({QStringLiteral("mbrun: the model cannot run: %1\n").arg(control.GetBuildError())});
+    PlanPrinter plan(control, state.get());
+    plan.Print(ModelName());
+    Say(plan.Warnings());
+    return plan.Failed() ? StepFailed : Success;
+}
+
+int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
+{
+    if (m_options.DryRun())
+        return Plan(model, inputs);
+    Plugin::SequenceControl control;
+    auto* log = new StreamingLog;
+    control.SetLog(log);
+    RunRecorder recorder(control);
+
+    std::unique_ptr<ResumeState> state;
+    if (m_options.Resume()) {
+        state = std::make_unique<ResumeState>(m_options.ModelPath());
+        control.SetStepFilter([&](Plugin::APCProcess* clone) {
+            if (!state->IsUpToDate(clone))
+                return false;
+            recorder.MarkSkipped(clone);
+            return true;
+        });
+        recorder.onStepEnded = [&](const RunRecorder::Step& step) {
+            if (step.status == Status::Succeeded && !step.executionText.isEmpty())
+                state->Record(step.algorithm, step.executionText, step.written);
+        };
+    }
+    // Notes are written now and then, not after every step: a crash costs at most
+    // the notes of the last seconds, whose steps then simply run again.
+    QTimer flushTimer;
+    auto flushState = [&] {
+        if (state)
+            for (const QString& failure : state->Flush())
+                Say({QStringLiteral("mbrun: warning: cannot write the resume state %1\n").arg(failure)});
+    };
+    QObject::connect(&flushTimer, &QTimer::timeout, flushState);
+    if (state)
+        flushTimer.start(2000);
+
+    const bool terminal = isatty(fileno(stderr));
+    if (terminal)
+        control.NodeProgress.connect([](Plugin::SequenceNode* node, double value) {
+            Console::Err(QStringLiteral("\r%1: %2%   ").arg(node->GetProcess()->GetDescription()).arg(value, 0, 'f', 0));
+        });
+
+    Plugin::ModelRun run(control, model);
+    StopSignals stopSignals([&](int signal) {
+        if (m_signal)
+            return;
+        m_signal = signal;
+        Say({QStringLiteral("\nmbrun: %1: stopping the run\n").arg(StopSignals::Name(signal))});
+        run.RequestStop();
+    });
+    StallWatch stall(control, [&] {
+        Say({QStringLiteral("mbrun: the run cannot go on: no step is running or ready to run\n")});
+        control.Stop();
+    });
+
+    if (!run.Start(inputs.List(), ModelName()))
+        return Refuse({QStringLiteral("mbrun: the model cannot run: %1\n").arg(control.GetBuildError())});
+    run.Wait();
+    if (terminal)
+        Console::Err(QStringLiteral("\n"));
+    recorder.CloseOpenSteps(m_signal ? Status::Interrupted : Status::Unfinished);
+    flushTimer.stop();
+    flushState();
+
+    QStringList closing = ClosingLines::EmptyIterators(recorder) + ClosingLines::Failures(recorder);
+    if (m_signal)
+        closing += ClosingLines::Interrupted(recorder, StopSignals::Name(m_signal));
+    Say(closing);
+
+    ReportWriter::Outcome outcome = ReportWriter::Outcome::Succeeded;
+    int code = Success;
+    if (m_signal) {
+        outcome = ReportWriter::Outcome::Interrupted;
+        code = StopSignals::ExitCode(m_signal);
+    } else if (stall.Stalled()) {
+        outcome = ReportWriter::Outcome::Stalled;
+        code = Refused;
+    } else if (recorder.Count(Status::Failed) > 0 || log->Failed()) {
+        outcome = ReportWriter::Outcome::Failed;
+        code = StepFailed;
+    }
+    WriteReport(&recorder, outcome, code);
+    return code;
+}
+
+} // namespace Mbrun

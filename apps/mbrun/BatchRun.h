@@ -1,0 +1,53 @@
+#pragma once
+
+#include "ReportWriter.h"
+
+#include <QStringList>
+
+#include <memory>
+
+namespace Plugin {
+class APCModel;
+}
+
+namespace Mbrun {
+
+class CommandLine;
+class FreeInputs;
+
+// One invocation of mbrun on a model: load, list or check, then run, resume or
+// plan it, and tell how it went (log, closing lines, report, exit code).
+class BatchRun
+{
+public:
+    enum ExitCode { Success = 0, StepFailed = 1, Refused = 2 };
+
+    explicit BatchRun(const CommandLine& options);
+    BatchRun(const BatchRun&) = delete;
+    BatchRun& operator=(const BatchRun&) = delete;
+    ~BatchRun();
+
+    // Does it all and returns the exit code.
+    int Exec();
+    // A signal stopped the run while steps may still be busy on the pool: the
+    // process must end without waiting for them.
+    bool MustQuitAtOnce() const { return m_signal != 0; }
+
+private:
+    // Prints mbrun's own lines on standard error and notes them for the report.
+    void Say(const QStringList& lines);
+    // Says why the model cannot run, writes the report and returns the exit code.
+    int Refuse(const QStringList& lines);
+    // Runs the model, or prints its plan for a dry run.
+    int Run(Plugin::APCModel& model, const FreeInputs& inputs);
+    int Plan(Plugin::APCModel& model, const FreeInputs& inputs);
+    // The name the log gives the run.
+    QString ModelName() const;
+    void WriteReport(const RunRecorder* recorder, ReportWriter::Outcome outcome, int code);
+
+    const CommandLine& m_options;
+    std::unique_ptr<ReportWriter> m_report; // null without --report
+    int m_signal = 0;
+};
+
+} // namespace Mbrun

@@ -1,0 +1,88 @@
+#include "CommandLine.h"
+
+#include <QFileInfo>
+
+namespace Mbrun {
+
+QString CommandLine::Usage()
+{
+    return QStringLiteral(
+        "Usage: mbrun MODEL.apc [--set NAME=VALUE]... [OPTION]...   run the model\n"
+        "       mbrun MODEL.apc --list                  list its free inputs\n"
+        "       mbrun --algorithms                      list the host's algorithms (Markdown)\n"
+        "       mbrun --help\n"
+        "\n"
+        "NAME is a free input's description or id. A several-folders input takes folders\n"
+        "separated by ';' or its JSON object text.\n"
+        "\n"
+        "  --dry-run         print the plan (rounds, steps, resolved parameters, outputs);\n"
+        "                    run no step and write no file\n"
+        "  --resume          skip each step whose outputs are up to date, as recorded in\n"
+        "                    .mbrun-state.json in their folder by an earlier --resume run\n"
+        "  --report FILE     write a JSON report of the run (format mbrun-report/1), also\n"
+        "                    when the run fails or is interrupted\n"
+        "\n"
+        "The run's log goes to standard output; exit code 0 when every step succeeded,\n"
+        "1 when a step failed, 2 on a usage, load or validation error, 130, 143 or 129\n"
+        "when SIGINT, SIGTERM or SIGHUP stopped the run.\n");
+}
+
+bool CommandLine::Fail(const QString& error)
+{
+    m_error = error;
+    return false;
+}
+
+bool CommandLine::Parse(const QStringList& arguments)
+{
+    QStringList args = arguments;
+    if (args.isEmpty() || args.contains(QLatin1String("--help")) || args.contains(QLatin1String("-h"))) {
+        m_action = Action::Help;
+        return true;
+    }
+    if (args.first() == QLatin1String("--algorithms")) {
+        m_action = Action::Algorithms;
+        return true;
+    }
+    m_modelPath = args.takeFirst();
+    if (m_modelPath.startsWith(QLatin1String("--")))
+        return Fail(QStringLiteral("mbrun: the model file comes first, got \"%1\"\n\n").arg(m_modelPath) + Usage());
+    while (!args.isEmpty()) {
+        const QString a = args.takeFirst();
+        if (a == QLatin1String("--list")) {
+            m_action = Action::List;
+        } else if (a == QLatin1String("--dry-run")) {
+            m_dryRun = true;
+        } else if (a == QLatin1String("--resume")) {
+            m_resume = true;
+        } else if (a == QLatin1String("--report") || a == QLatin1String("--set")) {
+            if (args.isEmpty())
+                return Fail(QStringLiteral("mbrun: %1 needs a value\n").arg(a));
+            const QString value = args.takeFirst();
+            if (a == QLatin1String("--report")) {
+                m_reportPath = value;
+                continue;
+            }
+            const int eq = value.indexOf(QLatin1Char('='));
+            if (eq <= 0)
+                return Fail(QStringLiteral("mbrun: --set needs NAME=VALUE, got \"%1\"\n").arg(value));
+            m_settings.append({value.left(eq), value.mid(eq + 1)});
+        } else {
+            return Fail(QStringLiteral("mbrun: unknown argument \"%1\"\n\n").arg(a) + Usage());
+        }
+    }
+    if (m_dryRun && !m_reportPath.isEmpty())
+        return Fail(QStringLiteral("mbrun: --dry-run writes no file: leave out --report\n"));
+    if (!m_reportPath.isEmpty()) {
+        const QFileInfo report(m_reportPath), model(m_modelPath);
+        const bool same = report.absoluteFilePath() == model.absoluteFilePath() ||
+                          (report.exists() && report.canonicalFilePath() == model.canonicalFilePath());
+        if (same)
+            return Fail(QStringLiteral("mbrun: the report would replace the model file %1\n").arg(m_modelPath));
+        if (report.isDir())
+            return Fail(QStringLiteral("mbrun: the report %1 is a folder; give a file name\n").arg(m_reportPath));
+    }
+    return true;
+}
+
+} // namespace Mbrun

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "RunRecorder.h"
+
+#include <QDateTime>
+#include <QList>
+#include <QPair>
+#include <QString>
+#include <QStringList>
+
+namespace Mbrun {
+
+// The JSON report of one mbrun invocation (format "mbrun-report/1", described in
+// the README): what was asked, how it ended, every step of every round, the
+// failed rounds. Written whole or not at all.
+class ReportWriter
+{
+public:
+    // The run's outcome, as the exit code tells it.
+    enum class Outcome { Succeeded, Failed, Refused, Stalled, Interrupted };
+
+    ReportWriter(const QString& path, const QString& modelPath);
+
+    void SetInputs(const QList<QPair<QString, QString>>& inputs) { m_inputs = inputs; }
+    void SetResume(bool resume) { m_resume = resume; }
+    void SetStarted(const QDateTime& started) { m_started = started; }
+    // Adds one of mbrun's own messages (why a run was refused, warnings).
+    void AddMessage(const QString& message) { m_messages << message; }
+    // Writes the report; the recorder may be null when nothing ran. signalName is
+    // empty unless a signal stopped the run. False with error set when the file
+    // cannot be written.
+    bool Write(const RunRecorder* recorder, Outcome outcome, int exitCode, const QString& signalName, QString* error) const;
+
+private:
+    QString m_path;
+    QString m_modelPath;
+    QList<QPair<QString, QString>> m_inputs;
+    QStringList m_messages;
+    QDateTime m_started;
+    bool m_resume = false;
+};
+
+} // namespace Mbrun

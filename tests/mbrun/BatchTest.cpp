@@ -1,0 +1,379 @@
+// mbrun for batch work, through the real binary on real rasters: folder inputs,
+// refusals that say why, the plan of a dry run, the report, resuming and stopping.
+#include "engine/APCAlgo.h"
+#include "model/APCVar.h"
+#include "support/ModelFixtures.h"
+#include "support/TestSupport.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QMap>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <gdal_priv.h>
+#include <ogr_spatialref.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <vector>
+
+using namespace Plugin;
+using namespace TestSupport;
+
+namespace {
+
+struct Outcome
+{
+    int code = -1;
+    QString out;
+    QString err;
+};
+
+QString mbrunPath()
+{
+    return QCoreApplication::applicationDirPath() + "/mbrun";
+}
+
+Outcome mbrun(const QStringList& args)
+{
+    QProcess p;
+    p.start(mbrunPath(), args);
+    p.waitForFinished(120000);
+    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -2, QString::fromUtf8(p.readAllStandardOutput()),
+            QString::fromUtf8(p.readAllStandardError())};
+}
+
+// A georeferenced Byte GeoTIFF whose bands differ, so that NDVI has something to compute.
+void makeRaster(const QString& path, int size, int bands)
+{
+    GDALAllRegister();
+    GDALDataset* ds = GetGDALDriverManager()->GetDriverByName("GTiff")->Create(path.toUtf8().constData(), size, size,
+                                                                              bands, GDT_Byte, nullptr);
+    ASSERT_NE(ds, nullptr);
+    double gt[6] = {500000, 10, 0, 5000000, 0, -10};
+    ds->SetGeoTransform(gt);
+    OGRSpatialReference srs;
+    srs.importFromEPSG(32632);
+    ds->SetSpatialRef(&srs);
+    std::vector<GByte> cells(size_t(size) * size);
+    for (int b = 1; b <= bands; ++b) {
+        for (int i = 0; i < size * size; ++i)
+            cells[size_t(i)] = GByte(1 + (b * 37 + i) % 200);
+        ASSERT_EQ(ds->GetRasterBand(b)->RasterIO(GF_Write, 0, 0, size, size, cells.data(), size, size, GDT_Byte, 0, 0), CE_None);
+    }
+    GDALClose(ds);
+}
+
+QJsonObject readReport(const QString& path)
+{
+    return QJsonDocument::fromJson(ReadAll(path)).object();
+}
+
+// Every file below dir with its modification time: what "touching no file" is measured by.
+QMap<QString, qint64> snapshot(const QString& dir)
+{
+    QMap<QString, qint64> files;
+    QDirIterator it(dir, QDir::Files | QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        it.next();
+        files.insert(it.filePath(), it.fileInfo().lastModified().toMSecsSinceEpoch());
+    }
+    return files;
+}
+
+// The shipped NDVI model over three 4-band scenes in scenes/, writing into out/.
+struct SceneBatch
+{
+    QTemporaryDir dir;
+    QString model = dir.filePath("scene_ndvi.apc");
+    QString scenes = dir.filePath("scenes");
+    QString out = dir.filePath("out");
+    QString report = dir.filePath("report.json");
+
+    SceneBatch()
+    {
+        QFile::copy(QStringLiteral(MB_SOURCE_DIR "/examples/scene_ndvi.apc"), model);
+        QDir().mkpath(scenes);
+        for (const char* name : {"scene_01.tif", "scene_02.tif", "scene_03.tif"})
+            makeRaster(QDir(scenes).filePath(name), 8, 4);
+    }
+    QString Scene(int i) const { return QDir(scenes).filePath(QStringLiteral("scene_%1.tif").arg(i, 2, 10, QLatin1Char('0'))); }
+    QString Ndvi(int i) const { return QDir(out).filePath(QStringLiteral("scene_%1_ndvi.tif").arg(i, 2, 10, QLatin1Char('0'))); }
+    QString Table(int i) const { return QDir(out).filePath(QStringLiteral("scene_%1_ndvi.csv").arg(i, 2, 10, QLatin1Char('0'))); }
+    QStringList Args(const QStringList& more, const QString& folders = QString()) const
+    {
+        return QStringList{model, "--set", "Scene folders=" + (folders.isEmpty() ? scenes : folders), "--set",
+                           "Output folder=" + out} + more;
+    }
+};
+
+// "round:algorithm" of each step of the report with that status, blank-separated.
+std::string stepsWithStatus(const QJsonObject& report, const QString& status)
+{
+    QStringList steps;
+    for (const QJsonValue& v : report["steps"].toArray())
+        if (v["status"].toString() == status)
+            steps << QStringLiteral("%1:%2").arg(v["round"].toInt()).arg(v["algorithm"].toString());
+    return steps.join(QLatin1Char(' ')).toStdString();
+}
+
+} // namespace
+
+TEST(MbrunBatch, FolderInputsInEveryForm)
+{
+    SceneBatch batch;
+    const QString more = batch.dir.filePath("more");
+    QDir().mkpath(more);
+    makeRaster(QDir(more).filePath("scene_04.tif"), 8, 4);
+    const QString empty = batch.dir.filePath("empty");
+    QDir().mkpath(empty);
+    const QString missing = batch.dir.filePath("missing");
+
+    struct Case { const char* name; QString folders; int rounds; QString inErr; };
+    const std::vector<Case> cases = {
+        {"a plain folder", batch.scenes, 3, ""},
+        {"two folders and a stray separator", batch.scenes + ";" + more + ";", 4, ""},
+        {"the JSON object", QStringLiteral(R"({"%1":{"subdir":"0","enabled":"1"}})").arg(batch.scenes), 3, ""},
+        {"an empty folder", empty, 0, "warning: the iterator \"Scenes\" found no files in " + empty + " (filter "},
+        {"a missing folder", missing, 0, missing + " (no such folder)"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const Outcome o = mbrun(batch.Args({"--report", batch.report}, c.folders));
+        EXPECT_EQ(o.code, 0) << qPrintable(o.err);
+        EXPECT_TRUE(o.err.contains(c.inErr)) << qPrintable(o.err);
+        const QJsonObject report = readReport(batch.report);
+        EXPECT_EQ(report["summary"]["rounds"].toInt(), c.rounds);
+        EXPECT_EQ(report["summary"]["succeeded"].toInt(), 2 * c.rounds);
+    }
+}
+
+TEST(MbrunBatch, RefusesBeforeTheRunAndSaysWhy)
+{
+    SceneBatch batch;
+    QString text = QString::fromUtf8(ReadAll(batch.model));
+    const QString badModel = batch.dir.filePath("typo.apc");
+    WriteAll(badModel, text.replace("$ReplaceExtension(", "$ReplaceExtensio(").toUtf8());
+    WriteAll(batch.dir.filePath("other-root.apc"), "<?xml version=\"1.0\"?>\n<Other/>\n");
+    WriteAll(batch.dir.filePath("broken.apc"), "<Configuration>\n  <Processes>\n</Configuration>\n");
+    HeadlessModel slope;
+    APCAlgo* step = AddAlgo(slope, "raster.slope");
+    SetLiteral(slope, step, "Scale", "");
+    slope.SaveFile(batch.dir.filePath("slope.apc"));
+    HeadlessModel closed;
+    APCAlgo* copy = AddAlgo(closed, "raster.translate");
+    SetConstant(VarOf(closed, copy, "In File"), batch.Scene(1));
+    SetConstant(VarOf(closed, copy, "Out File"), batch.dir.filePath("copy.tif"));
+    closed.SaveFile(batch.dir.filePath("closed.apc"));
+
+    struct Case { const char* name; QStringList args; int code; QStringList inErr; };
+    const std::vector<Case> cases = {
+        {"an unknown function", {badModel}, 2,
+         {"the variable \"Statistics table\" has an expression that cannot be read: $ReplaceExtensio(%{",
+          "there is no function \"$ReplaceExtensio\""}},
+        {"the same in a dry run", {badModel, "--dry-run"}, 2, {"$ReplaceExtensio("}},
+        {"an empty parameter", {batch.dir.filePath("slope.apc")}, 2,
+         {"Slope is wrong!\nmbrun: the parameter \"Scale\" of \"Slope\" has no value ("}},
+        {"every missing input", {batch.model}, 2,
+         {"Please set value: Scene folders", "Please set value: Output folder"}},
+        {"folders that are neither", batch.Args({}, "{\"/data\":"), 2, {"\"Scene folders\" takes folders separated by ';'"}},
+        {"no such file", {batch.dir.filePath("none.apc")}, 2, {"none.apc: no such file"}},
+        {"not XML", {batch.dir.filePath("broken.apc")}, 2, {"it is not XML: tag mismatch at line 3, column 16"}},
+        {"another root", {batch.dir.filePath("other-root.apc")}, 2, {"its root element is \"Other\", not \"Configuration\""}},
+        {"a report over the model", batch.Args({"--report", batch.model}), 2, {"would replace the model file"}},
+        {"no inputs to list", {batch.dir.filePath("closed.apc"), "--list"}, 0, {"the model has no free inputs"}},
+    };
+    const QByteArray modelBytes = ReadAll(batch.model);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const Outcome o = mbrun(c.args);
+        EXPECT_EQ(o.code, c.code) << qPrintable(o.out + o.err);
+        for (const QString& part : c.inErr)
+            EXPECT_TRUE(o.err.contains(part)) << qPrintable(o.err);
+        EXPECT_FALSE(QDir(batch.out).exists());
+    }
+    EXPECT_EQ(ReadAll(batch.model), modelBytes);
+
+    // A refused run still leaves its report, in a folder made for it.
+    const QString report = batch.dir.filePath("reports/refused.json");
+    EXPECT_EQ(mbrun({badModel, "--report", report}).code, 2);
+    const QJsonObject r = readReport(report);
+    EXPECT_EQ(r["status"].toString(), "refused");
+    EXPECT_EQ(r["exitCode"].toInt(), 2);
+    EXPECT_TRUE(r["messages"][0].toString().startsWith("mbrun: the variable \"Statistics table\""));
+    EXPECT_EQ(r["summary"]["steps"].toInt(), 0);
+}
+
+TEST(MbrunBatch, DryRunPlansEveryRoundWithoutTouchingAFile)
+{
+    SceneBatch batch;
+    const QMap<QString, qint64> before = snapshot(batch.dir.path());
+    const Outcome o = mbrun(batch.Args({"--dry-run", "--resume"}));
+    EXPECT_EQ(o.code, 0) << qPrintable(o.err);
+    EXPECT_EQ(snapshot(batch.dir.path()), before);
+    EXPECT_FALSE(o.out.contains("Start the model")); // the engine's log is not the plan
+    for (int i = 1; i <= 3; ++i) {
+        SCOPED_TRACE(i);
+        const QString round = QStringLiteral("Round %1 of Scenes:\n    Out File = %2\n").arg(i).arg(batch.Scene(i));
+        const int at = o.out.indexOf(round);
+        ASSERT_GE(at, 0) << qPrintable(o.out);
+        const int ndvi = o.out.indexOf(": NDVI (raster.ndvi)\n      In File = " + batch.Scene(i) + "\n      Out File = " +
+                                       batch.Ndvi(i) + "   (output)\n", at);
+        const int stats = o.out.indexOf("In File = " + batch.Ndvi(i) + "\n      Out File = " + batch.Table(i), at);
+        EXPECT_GT(ndvi, at);
+        EXPECT_GT(stats, ndvi);
+    }
+    EXPECT_TRUE(o.out.endsWith("Plan: 3 rounds, 6 steps, 6 output files; nothing was run.\n")) << qPrintable(o.out);
+}
+
+TEST(MbrunBatch, TheReportNamesEveryStepAndTheFailedRounds)
+{
+    SceneBatch batch;
+    WriteAll(batch.Scene(2), "not a raster"); // GDAL refuses it in its own words
+    const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-1);
+    const Outcome o = mbrun(batch.Args({"--report", batch.report}));
+    EXPECT_EQ(o.code, 1);
+    EXPECT_TRUE(o.err.endsWith("mbrun: 1 of 3 rounds failed: " + batch.Scene(2) + "\n")) << qPrintable(o.err);
+
+    const QJsonObject r = readReport(batch.report);
+    EXPECT_EQ(r["format"].toString(), "mbrun-report/1");
+    EXPECT_EQ(r["model"].toString(), batch.model);
+    EXPECT_EQ(r["status"].toString(), "failed");
+    EXPECT_EQ(r["exitCode"].toInt(), 1);
+    EXPECT_TRUE(r["signal"].isNull());
+    EXPECT_EQ(r["inputs"]["Output folder"].toString(), batch.out);
+    const QJsonObject summary = r["summary"].toObject();
+    EXPECT_EQ(summary["steps"].toInt(), 5); // the table of scene 2 never ran
+    EXPECT_EQ(summary["succeeded"].toInt(), 4);
+    EXPECT_EQ(summary["failed"].toInt(), 1);
+    EXPECT_EQ(summary["rounds"].toInt(), 3);
+    const QJsonArray failedRounds = r["failedRounds"].toArray();
+    ASSERT_EQ(failedRounds.size(), 1);
+    EXPECT_EQ(failedRounds[0]["round"].toInt(), 2);
+    EXPECT_EQ(failedRounds[0]["file"].toString(), batch.Scene(2));
+    EXPECT_EQ(failedRounds[0]["failedSteps"].toArray(), QJsonArray{"NDVI"});
+
+    const QJsonArray steps = r["steps"].toArray();
+    ASSERT_EQ(steps.size(), 5);
+    const QJsonObject first = steps[0].toObject();
+    EXPECT_EQ(first["algorithm"].toString(), "raster.ndvi");
+    EXPECT_EQ(first["step"].toString(), "NDVI");
+    EXPECT_EQ(first["round"].toInt(), 1);
+    EXPECT_EQ(first["parameters"]["In File"].toString(), batch.Scene(1));
+    EXPECT_EQ(first["parameters"]["Out File"].toString(), batch.Ndvi(1));
+    EXPECT_EQ(first["parameters"]["Red Band"].toString(), "3");
+    EXPECT_EQ(first["status"].toString(), "succeeded");
+    EXPECT_EQ(first["errorCode"].toInt(), 0);
+    EXPECT_EQ(first["written"].toArray(), QJsonArray{batch.Ndvi(1)});
+    const QDateTime start = QDateTime::fromString(first["start"].toString(), Qt::ISODateWithMs);
+    const QDateTime end = QDateTime::fromString(first["end"].toString(), Qt::ISODateWithMs);
+    EXPECT_LE(before, start);
+    EXPECT_LE(start, end);
+    const QJsonObject failed = steps[2].toObject();
+    EXPECT_EQ(failed["round"].toInt(), 2);
+    EXPECT_EQ(failed["status"].toString(), "failed");
+    EXPECT_NE(failed["errorCode"].toInt(), 0);
+    EXPECT_TRUE(failed["errorMessage"].toString().contains("scene_02.tif")) << qPrintable(failed["errorMessage"].toString());
+    EXPECT_TRUE(o.out.contains("Error message: " + failed["errorMessage"].toString()));
+    EXPECT_EQ(failed["outputs"].toArray(), QJsonArray{batch.Ndvi(2)});
+    EXPECT_TRUE(failed["written"].toArray().isEmpty());
+}
+
+TEST(MbrunBatch, ResumeRunsOnlyWhatIsNotUpToDate)
+{
+    SceneBatch batch;
+    const QString state = QDir(batch.out).filePath(".mbrun-state.json");
+    const std::string all = "1:raster.ndvi 1:raster.bandStatistics 2:raster.ndvi 2:raster.bandStatistics "
+                            "3:raster.ndvi 3:raster.bandStatistics";
+    struct Case { const char* name; std::function<void()> change; std::string ran; int count; };
+    const std::vector<Case> cases = {
+        {"the first run", [] {}, all, 6},
+        {"nothing changed", [] {}, "", 0},
+        {"a scene touched",
+         [&] {
+             QFile scene(batch.Scene(2));
+             ASSERT_TRUE(scene.open(QIODevice::ReadWrite));
+             ASSERT_TRUE(scene.setFileTime(QDateTime::currentDateTime(), QFileDevice::FileModificationTime));
+         },
+         "2:raster.ndvi 2:raster.bandStatistics", 2},
+        {"an output deleted", [&] { QFile::remove(batch.Table(3)); }, "3:raster.bandStatistics", 1},
+        {"an unreadable state", [&] { WriteAll(state, "{"); }, all, 6},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        c.change();
+        const QMap<QString, qint64> before = snapshot(batch.out);
+        const Outcome o = mbrun(batch.Args({"--resume", "--report", batch.report}));
+        EXPECT_EQ(o.code, 0) << qPrintable(o.err);
+        const QJsonObject r = readReport(batch.report);
+        EXPECT_EQ(stepsWithStatus(r, "succeeded"), c.ran);
+        EXPECT_EQ(r["summary"]["skipped"].toInt(), 6 - c.count);
+        EXPECT_EQ(o.out.count("Skip the step: "), 6 - c.count);
+        if (c.count == 0) {
+            EXPECT_EQ(snapshot(batch.out), before); // not one file written, not even the state
+        }
+    }
+    QFile::remove(batch.Ndvi(1));
+    const Outcome plan = mbrun(batch.Args({"--dry-run", "--resume"}));
+    EXPECT_TRUE(plan.out.endsWith("Plan: 3 rounds, 6 steps, 6 output files, 4 steps up to date; nothing was run.\n"))
+        << qPrintable(plan.out);
+    EXPECT_FALSE(QFile::exists(batch.Ndvi(1)));
+}
+
+TEST(MbrunBatch, ASignalStopsTheRunAndTheReportSaysWhatFinished)
+{
+    QTemporaryDir dir;
+    makeRaster(dir.filePath("small.tif"), 400, 1);
+    // A quick copy, then a reprojection to a much finer grid that takes seconds.
+    HeadlessModel m;
+    APCAlgo* copy = AddAlgo(m, "raster.translate");
+    SetConstant(VarOf(m, copy, "In File"), dir.filePath("small.tif"));
+    APCVar* copied = VarOf(m, copy, "Out File");
+    SetConstant(copied, dir.filePath("copy.tif"));
+    APCAlgo* warp = AddAlgo(m, "raster.warp");
+    Connect(m, copied, warp, "In File");
+    SetConstant(VarOf(m, warp, "Target SRS"), "EPSG:32632");
+    SetConstant(VarOf(m, warp, "Out File"), dir.filePath("fine.tif"));
+    SetLiteral(m, warp, "Resolution", "1");
+    SetLiteral(m, warp, "Resampling", "lanczos");
+    ASSERT_TRUE(m.SaveFile(dir.filePath("slow.apc")));
+
+    struct Case { const char* name; int signal; int code; };
+    const std::vector<Case> cases = {{"SIGTERM", SIGTERM, 143}, {"SIGINT", SIGINT, 130}, {"SIGHUP", SIGHUP, 129}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const QString report = dir.filePath(QStringLiteral("%1.json").arg(c.name));
+        QProcess p;
+        p.start(mbrunPath(), {dir.filePath("slow.apc"), "--report", report});
+        QString out;
+        ASSERT_TRUE(WaitUntil([&] {
+            p.waitForReadyRead(50);
+            out += QString::fromUtf8(p.readAllStandardOutput());
+            return out.contains("Result of execution: Succeed") || p.state() == QProcess::NotRunning;
+        }, 60000));
+        ASSERT_EQ(p.state(), QProcess::Running) << "the slow step ended before it could be stopped";
+        ASSERT_EQ(::kill(pid_t(p.processId()), c.signal), 0);
+        ASSERT_TRUE(p.waitForFinished(30000));
+        out += QString::fromUtf8(p.readAllStandardOutput());
+        const QString err = QString::fromUtf8(p.readAllStandardError());
+        EXPECT_EQ(p.exitStatus(), QProcess::NormalExit);
+        EXPECT_EQ(p.exitCode(), c.code) << qPrintable(err);
+        EXPECT_TRUE(out.contains("\nEnd the model: slow\n")) << qPrintable(out); // as the Stop command logs it
+        EXPECT_TRUE(err.endsWith(QStringLiteral("mbrun: %1 stopped the run; steps finished: 1\n").arg(c.name))) << qPrintable(err);
+
+        const QJsonObject r = readReport(report);
+        EXPECT_EQ(r["status"].toString(), "interrupted");
+        EXPECT_EQ(r["signal"].toString(), c.name);
+        EXPECT_EQ(r["exitCode"].toInt(), c.code);
+        EXPECT_EQ(stepsWithStatus(r, "succeeded"), "0:raster.translate");
+        EXPECT_EQ(stepsWithStatus(r, "interrupted"), "0:raster.warp");
+        EXPECT_EQ(r["steps"][0]["written"].toArray(), QJsonArray{dir.filePath("copy.tif")});
+        EXPECT_FALSE(QFile::exists(dir.filePath("fine.tif"))); // never half a file under its name
+    }
+}
