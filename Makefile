@@ -42,9 +42,11 @@ screenshots: build
 	@cmake --build $(BUILD_DIR) --target mb_screenshots
 	xvfb-run -a -s "-screen 0 1280x860x24" ./$(BUILD_DIR)/bin/mb_screenshots docs $(SHOTS)
 
-# Refreshes translations/*.ts from the texts in the code; translate, then build.
+# Refreshes translations/*.ts from the texts in the code and fills them from the
+# glossary; a text it cannot fill is named: add it to the glossary and run again.
 translations: deps
-	lupdate -no-obsolete -locations none src host/HostCatalogGui apps/modelbuilder -ts translations/ModelBuilder_zh_CN.ts
+	lupdate -no-obsolete -locations none -I host src host/HostCatalogGui apps/modelbuilder -ts translations/ModelBuilder_zh_CN.ts
+	python3 scripts/fill-translations.py translations/ModelBuilder_zh_CN.ts translations/zh_CN-glossary.json
 
 clean:
 	rm -rf build build-address build-thread build-fuzz *.configure.log

@@ -11,12 +11,58 @@
 #include <QAction>
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QDockWidget>
 #include <QIcon>
 #include <QLibrary>
+#include <QLibraryInfo>
+#include <QLocale>
 #include <QMessageBox>
+#include <QPair>
 #include <QStatusBar>
 #include <QTextCodec>
+#include <QTextStream>
 #include <QTimer>
+#include <QToolBar>
+#include <QTranslator>
+
+namespace {
+
+// Installs the translations for lang (a locale name such as zh_CN): the
+// application's own from translations/ beside the binary folder, and Qt's for
+// the standard buttons and dialogs when the system has them. A language without
+// a file (en among them) stays English.
+void InstallTranslations(QApplication& app, const QString& lang)
+{
+    const QString appBin = HostShell::EnvironmentSetting::Instance()->GetAppBinDir();
+    const QString ownDir = appBin + QStringLiteral("/../translations");
+    const QString qtDir = QLibraryInfo::location(QLibraryInfo::TranslationsPath);
+    const QPair<QString, QString> files[] = {{QStringLiteral("ModelBuilder_"), ownDir},
+                                             {QStringLiteral("qtbase_"), qtDir}};
+    for (const auto& file : files) {
+        auto* translator = new QTranslator(&app);
+        if (translator->load(file.first + lang, file.second))
+            app.installTranslator(translator);
+        else
+            delete translator;
+    }
+}
+
+// Prints what the window says to its user, one "kind: text" line each, in UTF-8.
+void DumpTexts(const HostWindow& window)
+{
+    QTextStream out(stdout);
+    out.setCodec("UTF-8");
+    out << "title: " << window.windowTitle() << '\n';
+    for (const QToolBar* bar : window.findChildren<QToolBar*>()) {
+        out << "toolbar: " << bar->windowTitle() << '\n';
+        for (const QAction* action : bar->actions())
+            out << "action: " << action->text() << '\n';
+    }
+    for (const QDockWidget* dock : window.findChildren<QDockWidget*>())
+        out << "dock: " << dock->windowTitle() << '\n';
+}
+
+} // namespace
 
 int main(int argc, char** argv)
 {
@@ -36,10 +82,19 @@ int main(int argc, char** argv)
                                   QStringLiteral("Save a picture of the window to FILE after a second, then quit."),
                                   QStringLiteral("FILE"));
     parser.addOption(shotOption);
+    QCommandLineOption langOption(QStringLiteral("lang"),
+                                  QStringLiteral("Language of the texts, such as zh_CN or en (default: the system's)."),
+                                  QStringLiteral("language"));
+    parser.addOption(langOption);
+    QCommandLineOption dumpOption(QStringLiteral("dump-texts"),
+                                  QStringLiteral("Print the window's title, tool-bar and dock texts, then quit."));
+    parser.addOption(dumpOption);
     parser.process(app);
+    // Before any window or the plug-in exists: both translate as they are made.
+    InstallTranslations(app, parser.isSet(langOption) ? parser.value(langOption) : QLocale::system().name());
 
     HostWindow window;
-    window.setWindowTitle(QStringLiteral("Model Builder"));
+    window.setWindowTitle(QCoreApplication::translate("HostWindow", "Model Builder"));
     window.RestoreGeometry();
 
     const QString appBin = HostShell::EnvironmentSetting::Instance()->GetAppBinDir();
@@ -49,14 +104,16 @@ int main(int argc, char** argv)
     HostCore::_ptr_t<HostShell::CMDPluginModule> module(getModule ? getModule() : nullptr);
     if (!module) {
         QMessageBox::critical(nullptr, window.windowTitle(),
-                              QStringLiteral("The plug-in library could not be loaded:\n%1").arg(library.errorString()));
+                              QCoreApplication::translate("HostWindow", "The plug-in library could not be loaded:\n%1")
+                                  .arg(library.errorString()));
         return 1;
     }
     window.setWindowIcon(QIcon(QStringLiteral(":/res/ATB_AlgoDepend.ico"))); // from the plug-in, now loaded
     for (const QString& name : parser.value(commandsOption).split(QLatin1Char(','), Qt::SkipEmptyParts)) {
         HostCore::_ptr_t<HostShell::ICommand> command = module->CreateCommand(name.trimmed(), QString());
         if (!command) {
-            window.statusBar()->showMessage(QStringLiteral("Unknown command: %1").arg(name), 10000);
+            window.statusBar()->showMessage(
+                QCoreApplication::translate("HostWindow", "Unknown command: %1").arg(name), 10000);
             continue;
         }
         command->OnCreate(static_cast<HostDesktop::IApplication*>(&window));
@@ -69,7 +126,12 @@ int main(int argc, char** argv)
     if (QAction* toolBox = window.FindAction(QStringLiteral("ToolBox_ToolBox")))
         toolBox->trigger();
     window.RestoreDocks();
-    if (parser.isSet(shotOption))
+    if (parser.isSet(dumpOption))
+        QTimer::singleShot(0, &window, [&] {
+            DumpTexts(window);
+            window.close();
+        });
+    else if (parser.isSet(shotOption))
         QTimer::singleShot(1000, &window, [&] {
             window.grab().save(parser.value(shotOption));
             window.close();

@@ -21,39 +21,35 @@
 
 namespace Plugin {
 
-namespace {
 // The dialog's texts keep the context of the class without its namespace.
-QString Text(const char* source) { return QCoreApplication::translate("APCVarDlg", source); }
-} // namespace
-
 APCVarDlg::APCVarDlg(APCObject* object, QWidget* parent)
     : APCObjectDialog(object, parent), m_var(dynamic_cast<APCVar*>(object))
 {
-    setWindowTitle(Text("Value"));
+    setWindowTitle(QCoreApplication::translate("APCVarDlg", "Value"));
     resize(514, 219);
     auto* layout = new QVBoxLayout(this);
 
     auto* grid = new QGridLayout;
-    grid->addWidget(new QLabel(Text("Name:"), this), 0, 0);
+    grid->addWidget(new QLabel(QCoreApplication::translate("APCVarDlg", "Name:"), this), 0, 0);
     m_nameEdit = new QLineEdit(this);
     m_nameEdit->setObjectName(QStringLiteral("nameEdit"));
     m_nameEdit->setReadOnly(true);
     grid->addWidget(m_nameEdit, 0, 1);
-    grid->addWidget(new QLabel(Text("Description:"), this), 1, 0);
+    grid->addWidget(new QLabel(QCoreApplication::translate("APCVarDlg", "Description:"), this), 1, 0);
     m_descriptionEdit = new QLineEdit(this);
     m_descriptionEdit->setObjectName(QStringLiteral("descriptionEdit"));
     grid->addWidget(m_descriptionEdit, 1, 1);
-    m_constRadio = new QRadioButton(Text("Constant"), this);
+    m_constRadio = new QRadioButton(QCoreApplication::translate("APCVarDlg", "Constant"), this);
     m_constRadio->setObjectName(QStringLiteral("constRadio"));
     grid->addWidget(m_constRadio, 2, 0);
-    m_varRadio = new QRadioButton(Text("Variable"), this);
+    m_varRadio = new QRadioButton(QCoreApplication::translate("APCVarDlg", "Variable"), this);
     m_varRadio->setObjectName(QStringLiteral("varRadio"));
     grid->addWidget(m_varRadio, 3, 0);
     auto* expressionRow = new QHBoxLayout;
     m_expressionEdit = new QLineEdit(this);
     m_expressionEdit->setObjectName(QStringLiteral("expressionEdit"));
     expressionRow->addWidget(m_expressionEdit);
-    m_funcButton = new QPushButton(Text("..."), this);
+    m_funcButton = new QPushButton(QCoreApplication::translate("APCVarDlg", "..."), this);
     m_funcButton->setObjectName(QStringLiteral("funcButton"));
     m_funcButton->setAutoDefault(false); // Return in a line edit means OK, not "..."
     expressionRow->addWidget(m_funcButton);
@@ -67,11 +63,11 @@ APCVarDlg::APCVarDlg(APCObject* object, QWidget* parent)
 
     auto* buttons = new QHBoxLayout;
     buttons->addItem(new QSpacerItem(40, 20, QSizePolicy::Expanding, QSizePolicy::Minimum));
-    auto* ok = new QPushButton(Text("OK"), this);
+    auto* ok = new QPushButton(QCoreApplication::translate("APCVarDlg", "OK"), this);
     ok->setObjectName(QStringLiteral("okButton"));
     ok->setDefault(true);
     buttons->addWidget(ok);
-    auto* cancel = new QPushButton(Text("Cancel"), this);
+    auto* cancel = new QPushButton(QCoreApplication::translate("APCVarDlg", "Cancel"), this);
     cancel->setObjectName(QStringLiteral("cancelButton"));
     cancel->setAutoDefault(false);
     buttons->addWidget(cancel);

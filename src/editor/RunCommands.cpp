@@ -23,6 +23,13 @@ namespace {
 enum { Idle = 0, Running = 1, Paused = 2 };
 
 // Tells which object fails its check; true when one does.
+// The texts reportInvalid looks up, named here for the translation tools.
+[[maybe_unused]] const char* const kInvalidTexts[] = {
+    QT_TRANSLATE_NOOP("RunCommand", "Error"),      QT_TRANSLATE_NOOP("RunCommand", " is wrong!"),
+    QT_TRANSLATE_NOOP("RunCommand", "OK"),         QT_TRANSLATE_NOOP("ValidateCommand", "Error"),
+    QT_TRANSLATE_NOOP("ValidateCommand", " is wrong!"), QT_TRANSLATE_NOOP("ValidateCommand", "OK"),
+};
+
 bool reportInvalid(ModelControler* window, const char* context)
 {
     APCObject* invalid = window->GetDocument()->FindInvalidObject();

@@ -1,0 +1,237 @@
+// The Simplified Chinese translation: every text of translations/ModelBuilder_zh_CN.ts
+// is translated in the compiled file the host loads, the translation keeps what the
+// code relies on, the widgets find their texts under the contexts they ask for, and
+// the desktop host picks the language from its option or the system's locale.
+#include "HostCatalogGui/AlgoInfo.h"
+#include "HostCatalogGui/DataTypeFactory.h"
+#include "HostCatalogGui/DataTypeWidget.h"
+#include "toolbox/ATBCreateCircuitDlg.h"
+
+#include <QAbstractButton>
+#include <QCoreApplication>
+#include <QDomDocument>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QKeySequence>
+#include <QLabel>
+#include <QMap>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTableWidget>
+#include <QTemporaryDir>
+#include <QTranslator>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <vector>
+
+namespace {
+
+struct Message
+{
+    QString context;
+    QString source;
+    QString translation;
+    QString type; // "unfinished", "vanished", "obsolete", or empty when finished
+};
+
+std::vector<Message> ReadTs(const QString& path)
+{
+    std::vector<Message> messages;
+    QFile file(path);
+    QDomDocument doc;
+    if (!file.open(QIODevice::ReadOnly) || !doc.setContent(&file))
+        return messages;
+    for (QDomElement c = doc.documentElement().firstChildElement("context"); !c.isNull();
+         c = c.nextSiblingElement("context")) {
+        const QString context = c.firstChildElement("name").text();
+        for (QDomElement m = c.firstChildElement("message"); !m.isNull(); m = m.nextSiblingElement("message")) {
+            const QDomElement t = m.firstChildElement("translation");
+            messages.push_back({context, m.firstChildElement("source").text(), t.text(), t.attribute("type")});
+        }
+    }
+    return messages;
+}
+
+QString TsPath() { return QStringLiteral(MB_SOURCE_DIR "/translations/ModelBuilder_zh_CN.ts"); }
+QString QmPath() { return QCoreApplication::applicationDirPath() + "/../translations/ModelBuilder_zh_CN.qm"; }
+
+// The placeholders %1..%9 a text uses: a translation may move or repeat them, not
+// lose or add one.
+QStringList Placeholders(const QString& text)
+{
+    QStringList found;
+    auto it = QRegularExpression(QStringLiteral("%[1-9]")).globalMatch(text);
+    while (it.hasNext())
+        found << it.next().captured();
+    found.sort();
+    found.removeDuplicates();
+    return found;
+}
+
+// The blank and punctuation a text ends with: code appends values after them.
+QString Ending(const QString& text)
+{
+    return QRegularExpression(QStringLiteral("[\\s:.!?]*$")).match(text).captured();
+}
+
+QString Leading(const QString& text) { return QRegularExpression(QStringLiteral("^\\s*")).match(text).captured(); }
+
+// The compiled translation, installed for the life of the object.
+class InstalledTranslation
+{
+public:
+    InstalledTranslation()
+    {
+        m_loaded = m_translator.load(QmPath()) && QCoreApplication::installTranslator(&m_translator);
+    }
+    ~InstalledTranslation() { QCoreApplication::removeTranslator(&m_translator); }
+    bool Loaded() const { return m_loaded; }
+
+private:
+    QTranslator m_translator;
+    bool m_loaded = false;
+};
+
+} // namespace
+
+TEST(TranslationFile, EveryTextIsTranslatedAndKeepsPlaceholdersAndEndings)
+{
+    const std::vector<Message> messages = ReadTs(TsPath());
+    ASSERT_GT(messages.size(), 100u) << TsPath().toStdString();
+    QTranslator compiled;
+    ASSERT_TRUE(compiled.load(QmPath())) << QmPath().toStdString();
+    for (const Message& m : messages) {
+        SCOPED_TRACE((m.context + " | " + m.source).toStdString());
+        EXPECT_TRUE(m.type.isEmpty()) << m.type.toStdString();
+        EXPECT_FALSE(m.translation.trimmed().isEmpty());
+        // The host loads the .qm: a stale or partial one shows here.
+        EXPECT_EQ(compiled.translate(m.context.toUtf8(), m.source.toUtf8()), m.translation);
+        EXPECT_EQ(Placeholders(m.translation), Placeholders(m.source));
+        EXPECT_EQ(Ending(m.translation), Ending(m.source));
+        EXPECT_EQ(Leading(m.translation), Leading(m.source));
+        EXPECT_EQ(m.translation.count('&'), m.source.count('&')) << "mnemonics";
+    }
+}
+
+TEST(TranslationFile, TextsTheCodeReadsAsDataStayUsable)
+{
+    const std::vector<Message> messages = ReadTs(TsPath());
+    int json = 0;
+    for (const Message& m : messages) {
+        SCOPED_TRACE((m.context + " | " + m.source).toStdString());
+        // A filter's default value names output parameters: it is no text to translate.
+        if (QJsonDocument::fromJson(m.source.toUtf8()).isObject()) {
+            ++json;
+            EXPECT_EQ(m.translation, m.source);
+        }
+        // The editor reads this text as the shortcut of its Delete action.
+        if (m.context == "Plugin::ModelControler" && m.source == "Delete") {
+            EXPECT_EQ(QKeySequence(m.translation), QKeySequence(Qt::Key_Delete));
+        }
+    }
+    EXPECT_EQ(json, 2) << "the raster and vector iterators' filters";
+}
+
+TEST(TranslationRuntime, FormsAndDialogsFindTheirTextsUnderTheirContexts)
+{
+    // Every English text the file translates; one still on screen means its
+    // context in the file is not the one the code asks for.
+    QMap<QString, QString> translated;
+    for (const Message& m : ReadTs(TsPath()))
+        if (m.translation != m.source)
+            translated.insert(m.source, m.context);
+    InstalledTranslation installed;
+    ASSERT_TRUE(installed.Loaded());
+
+    std::vector<std::unique_ptr<QWidget>> widgets;
+    for (const Plugin::DataTypeInfo& info : Plugin::DataTypeFactory::GetDataTypeInfo()) {
+        SCOPED_TRACE(info.type.toStdString());
+        EXPECT_FALSE(translated.contains(info.label)) << info.label.toStdString();
+        widgets.emplace_back(Plugin::DataTypeFactory::CreateDataTypeWidget(info.type, QString()));
+    }
+    std::unique_ptr<Plugin::AlgoInfo> algo(Plugin::GetAlgoInfo(QStringLiteral("raster.aspect"), nullptr));
+    ASSERT_NE(algo, nullptr);
+    widgets.emplace_back(new ATBCreateCircuitDlg);
+
+    QStringList shown;
+    std::vector<QWidget*> roots{algo->GetAlgoDialog()};
+    for (const auto& w : widgets)
+        roots.push_back(w.get());
+    for (QWidget* root : roots) {
+        QList<QWidget*> all = root->findChildren<QWidget*>();
+        all << root;
+        for (QWidget* w : all) {
+            shown << w->windowTitle();
+            shown << w->toolTip();
+            if (auto* label = qobject_cast<QLabel*>(w))
+                shown << label->text();
+            if (auto* button = qobject_cast<QAbstractButton*>(w))
+                shown << button->text();
+            if (auto* table = qobject_cast<QTableWidget*>(w))
+                for (int c = 0; c < table->columnCount(); ++c)
+                    shown << (table->horizontalHeaderItem(c) ? table->horizontalHeaderItem(c)->text() : QString());
+        }
+    }
+    shown.removeDuplicates();
+    int checked = 0;
+    for (const QString& text : shown) {
+        if (text.isEmpty())
+            continue;
+        ++checked;
+        EXPECT_FALSE(translated.contains(text))
+            << "shown in English: \"" << text.toStdString() << "\" (translated under "
+            << translated.value(text).toStdString() << ")";
+    }
+    EXPECT_GT(checked, 20);
+}
+
+namespace {
+
+struct HostRun
+{
+    const char* name;
+    QStringList arguments;
+    QByteArray locale; // LC_ALL of the host
+    QStringList expected;
+};
+
+// Runs the host with a private configuration until it has printed its texts.
+QStringList HostTexts(const QString& program, const HostRun& run, const QString& configHome)
+{
+    QProcess host;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("XDG_CONFIG_HOME", configHome);
+    environment.insert("QT_QPA_PLATFORM", "offscreen");
+    environment.insert("LC_ALL", run.locale);
+    host.setProcessEnvironment(environment);
+    host.start(program, QStringList{"--dump-texts"} + run.arguments);
+    if (!host.waitForFinished(60000) || host.exitStatus() != QProcess::NormalExit || host.exitCode() != 0)
+        return {QStringLiteral("failed: ") + QString::fromLocal8Bit(host.readAllStandardError())};
+    return QString::fromUtf8(host.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+}
+
+} // namespace
+
+TEST(TranslationHost, TakesTheLanguageFromItsOptionOrTheSystemLocale)
+{
+    const QString program = QCoreApplication::applicationDirPath() + "/modelbuilder";
+    if (!QFileInfo(program).isExecutable())
+        GTEST_SKIP() << "the modelbuilder program is not built";
+    const QStringList chinese{"title: 模型构建器", "toolbar: 命令", "action: 工具箱", "action: Python",
+                              "dock: 工具箱"};
+    const QStringList english{"title: Model Builder", "toolbar: Commands", "action: Tool Box", "action: Python",
+                              "dock: Tool Box"};
+    const HostRun runs[] = {
+        {"option", {"--lang", "zh_CN"}, "C", chinese},
+        {"system locale", {}, "zh_CN.UTF-8", chinese},
+        {"option over locale", {"--lang", "en"}, "zh_CN.UTF-8", english},
+        {"language without a file", {"--lang", "fr_FR"}, "C", english},
+    };
+    QTemporaryDir config;
+    for (const HostRun& run : runs) {
+        SCOPED_TRACE(run.name);
+        EXPECT_EQ(HostTexts(program, run, config.path()), run.expected);
+    }
+}
