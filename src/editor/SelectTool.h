@@ -12,8 +12,8 @@ public:
     void OnClick() override;
     bool IsEnable() override { return true; }
     bool ReservedQuery() override { return true; }
-    // Left double click on an object: its dialog; what was accepted is applied
-    // unless the model is read-only or a run is using it.
+    // Left double click on an object: its dialog, none while a run goes on; what
+    // was accepted is applied unless the model is read-only or a run is paused.
     void OnDoubleClick(QGraphicsSceneMouseEvent* event, APCObject* object, void* data) override;
 };
 

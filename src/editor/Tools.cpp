@@ -33,13 +33,16 @@ void SelectTool::OnDoubleClick(QGraphicsSceneMouseEvent* event, APCObject* objec
 {
     if (!event || event->button() != Qt::LeftButton || !object)
         return;
+    // Steps of a run read the model from pool threads: no dialog while it runs,
+    // and a paused run (whose last steps may still be working) is only looked at.
+    const int state = m_controler->GetSequenceControl()->GetState();
+    if (state == SequenceControl::Running)
+        return;
     std::unique_ptr<APCObjectDialog> dialog(object->CreateDialog(m_controler));
     if (!dialog)
         return;
     const bool accepted = dialog->exec() == QDialog::Accepted;
-    // Steps of a run read the model from pool threads: it is edited only when idle.
-    const bool idle = m_controler->GetSequenceControl()->GetState() == SequenceControl::Idle;
-    if (accepted && !m_controler->IsReadOnly() && idle)
+    if (accepted && !m_controler->IsReadOnly() && state == SequenceControl::Idle)
         dialog->Apply();
 }
 

@@ -6,16 +6,22 @@
 #include "engine/APCAlgo.h"
 #include "engine/SequenceControl.h"
 #include "model/APCModel.h"
+#include "model/APCParameter.h"
 #include "model/APCProcess.h"
 #include "support/GuiDriver.h"
+#include "support/ModelFixtures.h"
+#include "support/TestSupport.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QCoreApplication>
 #include <QDialog>
 #include <QGraphicsItem>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -118,4 +124,44 @@ TEST(DoubleClick, AnAcceptedFormChangesTheModelOnlyWhenItMayBeEdited)
         EXPECT_EQ(algo->GetParameter("Red Band").value, c.applied ? "5" : "3") << qPrintable(algo->DialogText());
         EXPECT_EQ(window->IsModified(), c.applied);
     }
+}
+
+// While a run goes on its steps read the model from pool threads: no dialog
+// opens, so nothing can be edited under them.
+TEST(DoubleClick, NoDialogOpensOnARunningModel)
+{
+    QTemporaryDir dir;
+    {
+        TestSupport::HeadlessModel model;
+        APCAlgo* sleep = TestSupport::AddAlgo(model, "test.sleep");
+        for (APCParameter& p : sleep->GetParameters())
+            p.value = "1500";
+        ASSERT_TRUE(model.SaveFile(dir.filePath("slow.apc")));
+    }
+    ModelControler window(dir.filePath("slow.apc"), false);
+    window.resize(1000, 800);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    QGraphicsItem* item = itemOfKind(window, "process:algo");
+    ASSERT_TRUE(item);
+    for (QAction* action : window.findChildren<QAction*>())
+        if (action->text() == "Run")
+            action->trigger();
+    ASSERT_EQ(window.GetSequenceControl()->GetState(), SequenceControl::Running);
+
+    bool opened = false;
+    QTimer::singleShot(500, [&] {
+        if (QWidget* modal = QApplication::activeModalWidget()) {
+            opened = true;
+            modal->close();
+        }
+    });
+    ModelView* view = window.GetView();
+    QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier,
+                       view->mapFromScene(item->sceneBoundingRect().center()));
+    QTest::qWait(600);
+    EXPECT_FALSE(opened);
+    EXPECT_TRUE(TestSupport::WaitUntil([&] { return window.GetSequenceControl()->GetState() == SequenceControl::Idle; }));
+    // Once the run is over, the same double click opens the form again.
+    EXPECT_EQ(dialogOnDoubleClick(window, item), "Plugin::AlgoForm");
 }
