@@ -18,12 +18,15 @@
 #include <QLocale>
 #include <QMessageBox>
 #include <QPair>
+#include <QPixmap>
+#include <QScreen>
 #include <QStatusBar>
 #include <QTextCodec>
 #include <QTextStream>
 #include <QTimer>
 #include <QToolBar>
 #include <QTranslator>
+#include <QTreeWidget>
 
 namespace {
 
@@ -64,6 +67,21 @@ void DumpTexts(const HostWindow& window)
 
 } // namespace
 
+// Double-clicks the tool box row of that name: the tool box opens the model as
+// it does for a user. A name it does not hold is said on the status bar.
+void OpenFromToolBox(HostWindow& window, const QString& name)
+{
+    for (QTreeWidget* tree : window.findChildren<QTreeWidget*>()) {
+        const QList<QTreeWidgetItem*> rows = tree->findItems(name, Qt::MatchExactly | Qt::MatchRecursive);
+        if (!rows.isEmpty()) {
+            emit tree->itemDoubleClicked(rows.first(), 0);
+            return;
+        }
+    }
+    window.statusBar()->showMessage(QCoreApplication::translate("HostWindow", "No model named %1 in the tool box").arg(name),
+                                    10000);
+}
+
 int main(int argc, char** argv)
 {
     QApplication app(argc, argv);
@@ -89,6 +107,10 @@ int main(int argc, char** argv)
     QCommandLineOption dumpOption(QStringLiteral("dump-texts"),
                                   QStringLiteral("Print the window's title, tool-bar and dock texts, then quit."));
     parser.addOption(dumpOption);
+    QCommandLineOption openOption(QStringLiteral("open"),
+                                  QStringLiteral("Opens the model of that name in the tool box, as a double click does."),
+                                  QStringLiteral("NAME"));
+    parser.addOption(openOption);
     parser.process(app);
     // Before any window or the plug-in exists: both translate as they are made.
     InstallTranslations(app, parser.isSet(langOption) ? parser.value(langOption) : QLocale::system().name());
@@ -126,6 +148,8 @@ int main(int argc, char** argv)
     if (QAction* toolBox = window.FindAction(QStringLiteral("ToolBox_ToolBox")))
         toolBox->trigger();
     window.RestoreDocks();
+    if (parser.isSet(openOption))
+        OpenFromToolBox(window, parser.value(openOption));
     if (parser.isSet(dumpOption))
         QTimer::singleShot(0, &window, [&] {
             DumpTexts(window);
@@ -133,7 +157,14 @@ int main(int argc, char** argv)
         });
     else if (parser.isSet(shotOption))
         QTimer::singleShot(1000, &window, [&] {
-            window.grab().save(parser.value(shotOption));
+            // What the screen shows over the window, model windows included;
+            // where the screen cannot be read, the window alone.
+            const QRect frame = window.frameGeometry();
+            QPixmap picture = window.screen()->grabWindow(0, frame.x(), frame.y(), frame.width(), frame.height());
+            if (picture.isNull() || picture.width() < frame.width())
+                picture = window.grab();
+            picture.save(parser.value(shotOption));
+            QApplication::closeAllWindows();
             window.close();
         });
     return app.exec();
