@@ -67,6 +67,8 @@ void ArrowGraphics::UpdatePosition()
     if (!m_headItem || !m_tailItem)
         return;
     setLine(QLineF(mapFromItem(m_tailItem, 0, 0), mapFromItem(m_headItem, 0, 0)));
+    // The line between the centres holds the one painted between the outlines.
+    GrowScene(this);
 }
 
 QRectF ArrowGraphics::boundingRect() const
@@ -84,32 +86,44 @@ QPainterPath ArrowGraphics::shape() const
     return path;
 }
 
+bool ArrowGraphics::Shape(QGraphicsItem* head, QGraphicsItem* tail, QLineF& line, QPolygonF& headShape)
+{
+    if (!head || !tail || tail->collidesWithItem(head, Qt::IntersectsItemShape))
+        return false;
+    const QLineF centre(tail->pos(), head->pos());
+    line = QLineF(meetOutline(head, centre), meetOutline(tail, centre));
+    if (line.length() == 0) {
+        // No direction to point the head in.
+        headShape = QPolygonF({line.p1(), line.p1(), line.p1()});
+        return true;
+    }
+    // The head's corners, with these constants rather than the library's pi.
+    double angle = std::acos(line.dx() / line.length());
+    if (line.dy() >= 0)
+        angle = 6.2831852 - angle;
+    const double third = 3.1415926 / 3;
+    const double a = angle + third;
+    const double b = angle + 3.1415926 - third;
+    const QPointF cornerA(line.x1() + std::sin(a) * 20, line.y1() + std::cos(a) * 20);
+    const QPointF cornerB(line.x1() + std::sin(b) * 20, line.y1() + std::cos(b) * 20);
+    headShape = QPolygonF({line.p1(), cornerA, cornerB});
+    return true;
+}
+
 void ArrowGraphics::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget)
 {
-    if (!m_headItem || !m_tailItem || m_tailItem->collidesWithItem(m_headItem, Qt::IntersectsItemShape))
+    QLineF ends;
+    QPolygonF head;
+    if (!Shape(m_headItem, m_tailItem, ends, head))
         return;
     QPen linePen = pen();
     linePen.setColor(Qt::black);
     painter->setPen(linePen);
     painter->setBrush(QBrush(Qt::black, Qt::SolidPattern));
-
-    const QLineF centre(m_tailItem->pos(), m_headItem->pos());
-    const QPointF p1 = meetOutline(m_headItem, centre);
-    const QPointF p2 = meetOutline(m_tailItem, centre);
-    setLine(QLineF(p1, p2));
-
-    // The head's corners, with these constants rather than the library's pi.
-    const QLineF l = line();
-    double angle = std::acos(l.dx() / l.length());
-    if (l.dy() >= 0)
-        angle = 6.2831852 - angle;
-    const double third = 3.1415926 / 3;
-    const double a = angle + third;
-    const double b = angle + 3.1415926 - third;
-    const QPointF cornerA(l.x1() + std::sin(a) * 20, l.y1() + std::cos(a) * 20);
-    const QPointF cornerB(l.x1() + std::sin(b) * 20, l.y1() + std::cos(b) * 20);
-    m_headShape = QPolygonF({l.p1(), cornerA, cornerB});
-    painter->drawLines(QVector<QLineF>{l});
+    // The arrow item never moves: its coordinates are the scene's.
+    setLine(ends);
+    m_headShape = head;
+    painter->drawLines(QVector<QLineF>{ends});
     painter->drawPolygon(m_headShape, Qt::OddEvenFill);
     QGraphicsLineItem::paint(painter, option, widget);
 }

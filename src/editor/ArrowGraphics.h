@@ -25,6 +25,10 @@ public:
     void RefreshEnds() override;
     // Runs the line from the tail item's origin to the head item's.
     void UpdatePosition();
+    // The arrow between two canvas items as it is drawn, in scene coordinates:
+    // line from the head's outline (p1) to the tail's (p2), and the head's three
+    // corners. False when the items overlap, and nothing is to be drawn.
+    static bool Shape(QGraphicsItem* head, QGraphicsItem* tail, QLineF& line, QPolygonF& headShape);
 
     QGraphicsItem* GetHeadItem() const { return m_headItem; }
     QGraphicsItem* GetTailItem() const { return m_tailItem; }

@@ -1,15 +1,11 @@
-// The edit commands of a model window. Copy, paste, delete and adding a var
-// get their work with the clipboard and the var dialogs; their enable rules
-// stand already.
+// The edit commands of a model window; copy and paste are in ClipboardCommands.cpp.
 #include "dialogs/VarAddDlg.h"
 #include "editor/AutoLayoutCommand.h"
-#include "editor/CopyCommand.h"
 #include "editor/CutCommand.h"
 #include "editor/DeleteCommand.h"
 #include "editor/GraphicsItemBase.h"
 #include "editor/ModelControler.h"
 #include "editor/ModelScene.h"
-#include "editor/PasteCommand.h"
 #include "editor/RedoCommand.h"
 #include "editor/UndoCommand.h"
 #include "editor/VarAddCommand.h"
@@ -17,26 +13,9 @@
 #include "model/APCVarFactory.h"
 #include "model/SoftAssert.h"
 
-#include <QApplication>
-#include <QClipboard>
-#include <QMimeData>
+#include <QGraphicsItem>
 
 namespace Plugin {
-
-bool CopyCommand::IsEnable() { return !m_controler->GetScene()->selectedItems().isEmpty(); }
-void CopyCommand::OnClick() {}
-
-bool PasteCommand::IsEnable()
-{
-    if (m_controler->IsReadOnly())
-        return false;
-    const QMimeData* mime = QApplication::clipboard()->mimeData();
-    if (!mime || !mime->hasText())
-        return true; // enabled, and a paste then does nothing
-    const QStringList parts = mime->text().split(QStringLiteral("$$"), Qt::KeepEmptyParts, Qt::CaseSensitive);
-    return parts.size() >= 2 && parts.first() == QLatin1String("ModelBuilder");
-}
-void PasteCommand::OnClick() {}
 
 bool DeleteCommand::IsEnable() { return !m_controler->IsReadOnly(); }
 

@@ -2,6 +2,7 @@
 
 #include "editor/ArrowGraphics.h"
 #include "editor/ModelControler.h"
+#include "editor/ModelScene.h"
 #include "editor/ModelTool.h"
 #include "model/APCArrow.h"
 #include "model/APCModel.h"
@@ -9,6 +10,7 @@
 #include "model/APCVar.h"
 
 #include <QAbstractGraphicsShapeItem>
+#include <QFontMetricsF>
 #include <QGraphicsScene>
 #include <QPainter>
 
@@ -73,20 +75,61 @@ QString GraphicsItemBase::StepText() const
 void GraphicsItemBase::OnItemChange(QGraphicsItem* self, QGraphicsItem::GraphicsItemChange change)
 {
     if (change == QGraphicsItem::ItemPositionChange || change == QGraphicsItem::ItemScaleChange) {
-        WriteBack();
-        APCModel* model = m_object ? m_object->GetModel() : nullptr;
-        if (model && m_controler) {
-            const QList<APCArrow*> arrows = dynamic_cast<APCVar*>(m_object) ? model->ArrowsOfVar(m_object)
-                                                                              : model->ArrowsOfProcess(m_object, QString());
-            for (APCArrow* arrow : arrows) {
-                QGraphicsItem* item = m_controler->FindItem(arrow);
-                if (item && item->type() == ArrowGraphics::Type)
-                    static_cast<ArrowGraphics*>(item)->UpdatePosition();
-            }
+        auto* canvas = qobject_cast<ModelScene*>(self->scene());
+        if (canvas && canvas->IsInGesture()) {
+            canvas->WriteBackAfterGesture(this); // a drag is one edit, made at the release
+            UpdateArrows();
+        } else {
+            CommitGeometry();
         }
+    } else if (change == QGraphicsItem::ItemPositionHasChanged) {
+        GrowScene(self);
     }
     if (self->scene())
         self->scene()->update();
+}
+
+void GraphicsItemBase::UpdateArrows()
+{
+    APCModel* model = m_object ? m_object->GetModel() : nullptr;
+    if (!model || !m_controler)
+        return;
+    const QList<APCArrow*> arrows =
+        dynamic_cast<APCVar*>(m_object) ? model->ArrowsOfVar(m_object) : model->ArrowsOfProcess(m_object, QString());
+    for (APCArrow* arrow : arrows) {
+        QGraphicsItem* item = m_controler->FindItem(arrow);
+        if (item && item->type() == ArrowGraphics::Type)
+            static_cast<ArrowGraphics*>(item)->UpdatePosition();
+    }
+}
+
+void GraphicsItemBase::GrowScene(QGraphicsItem* self)
+{
+    if (auto* canvas = qobject_cast<ModelScene*>(self->scene()))
+        canvas->GrowSceneRect(self->sceneBoundingRect());
+}
+
+void GraphicsItemBase::CommitGeometry()
+{
+    WriteBack();
+    UpdateArrows();
+}
+
+void GraphicsItemBase::RefreshToolTip()
+{
+    auto* self = dynamic_cast<QGraphicsItem*>(this);
+    const QString description = m_object ? m_object->GetDescription() : QString();
+    if (self && self->toolTip() != description)
+        self->setToolTip(description);
+}
+
+void GraphicsItemBase::DrawLabel(QPainter* painter, const QRectF& rect, const QString& text)
+{
+    const QFontMetricsF metrics(painter->font(), painter->device());
+    QStringList lines = text.split(QLatin1Char('\n'));
+    for (QString& line : lines)
+        line = metrics.elidedText(line, Qt::ElideRight, rect.width());
+    painter->drawText(rect, Qt::AlignHCenter | Qt::AlignVCenter, lines.join(QLatin1Char('\n')));
 }
 
 void GraphicsItemBase::ForwardDoubleClick(QGraphicsItem* self, QGraphicsSceneMouseEvent* event)

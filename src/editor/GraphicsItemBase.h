@@ -38,6 +38,14 @@ public:
 
     // The eight selection handles of rect, 8 units square at every zoom.
     void DrawHandles(QPainter* painter, const QRectF& rect);
+    // Writes the item's shape and place into its object, tells the model, and
+    // lets the item's arrows follow.
+    void CommitGeometry();
+    // The object's whole description as the tool tip; the label may be cut short.
+    void RefreshToolTip();
+    // Draws text centred in rect, each line cut at its end to the width of rect,
+    // so that the start of a long name stays readable.
+    static void DrawLabel(QPainter* painter, const QRectF& rect, const QString& text);
 
 protected:
     // For the shapes that show a step: the brush of the state (no colour for a
@@ -46,9 +54,14 @@ protected:
     void SetProgressWithRedraw(QGraphicsItem* self, double value);
     // The description, behind the percentage while the step runs or is done.
     QString StepText() const;
-    // A move or a scaling is an edit: the shape goes back into the object and the
-    // object's arrows follow. Any change redraws the scene.
+    // A move or a scaling is an edit: the shape goes back into the object (at
+    // once, or when the mouse gesture making it ends) and the object's arrows
+    // follow. Any change redraws the scene.
     void OnItemChange(QGraphicsItem* self, QGraphicsItem::GraphicsItemChange change);
+    // Runs the lines of the object's arrows between their ends' new places.
+    void UpdateArrows();
+    // Lets the canvas grow to hold the item where it now is.
+    static void GrowScene(QGraphicsItem* self);
     // Writes the item's geometry into its object and tells the model.
     virtual void WriteBack() {}
     // Hands a double click to the current tool, when it is willing.

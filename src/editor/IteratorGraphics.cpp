@@ -17,6 +17,7 @@ IteratorGraphics::IteratorGraphics(APCIterator* iterator, ModelControler* contro
     setFlag(ItemIsMovable);
     setFlag(ItemIsSelectable);
     setFlag(ItemSendsGeometryChanges);
+    RefreshToolTip();
 }
 
 void IteratorGraphics::ScaleBy(const QPointF& anchor, double sx, double sy)
@@ -32,13 +33,14 @@ void IteratorGraphics::ScaleBy(const QPointF& anchor, double sx, double sy)
         q -= d;
     setPolygon(points);
     setPos(p + d);
+    GrowScene(this);
 }
 
 void IteratorGraphics::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget)
 {
     const QString text = StepText();
     QGraphicsPolygonItem::paint(painter, option, widget);
-    painter->drawText(boundingRect(), Qt::AlignHCenter | Qt::AlignVCenter, text);
+    DrawLabel(painter, boundingRect(), text);
     if (isSelected())
         DrawHandles(painter, boundingRect());
 }

@@ -144,6 +144,11 @@ void ModelControler::LoadModel()
 
 void ModelControler::SetCurrentTool(ModelTool* tool)
 {
+    // A switch in the middle of a drag: the old tool drops what it had under
+    // way, and what the drag moved is kept.
+    if (m_currentTool && m_currentTool != tool)
+        m_currentTool->Deactivate();
+    m_scene->CommitWriteBacks();
     m_currentTool = tool;
     if (tool)
         tool->OnClick();
@@ -170,20 +175,9 @@ void ModelControler::RemoveObject(APCObject* object)
         m_document->RemoveArrow(arrow);
 }
 
-GraphicsItemBase* ModelControler::FindItemBase(APCObject* object)
-{
-    return object ? FindItemBaseById(object->GetName()) : nullptr;
-}
+GraphicsItemBase* ModelControler::FindItemBase(APCObject* object) { return m_scene->FindItemOf(object); }
 
-GraphicsItemBase* ModelControler::FindItemBaseById(const QString& id)
-{
-    for (QGraphicsItem* item : m_scene->GetItems()) {
-        auto* base = dynamic_cast<GraphicsItemBase*>(item);
-        if (base && base->GetObject() && base->GetObject()->GetName() == id)
-            return base;
-    }
-    return nullptr;
-}
+GraphicsItemBase* ModelControler::FindItemBaseById(const QString& id) { return m_scene->FindItemById(id); }
 
 QGraphicsItem* ModelControler::FindItem(APCObject* object)
 {
@@ -291,6 +285,7 @@ void ModelControler::BuildInterface()
 
 void ModelControler::closeEvent(QCloseEvent* event)
 {
+    m_scene->CommitWriteBacks(); // a drag whose release never came is an edit too
     if (m_control->GetState() == 1) {
         const auto answer = QMessageBox::question(this, tr("quit?"), tr("Whether or not to stop?"),
                                                   QMessageBox::Yes | QMessageBox::No);
@@ -335,8 +330,10 @@ void ModelControler::OnAPCObjectChanged(APCObject* pObject, enAPCOperator opt)
         delete pObject; // where a removed object dies
         break;
     case APCOperator_Update:
-        if (GraphicsItemBase* base = FindItemBase(pObject))
+        if (GraphicsItemBase* base = FindItemBase(pObject)) {
             base->RefreshEnds();
+            base->RefreshToolTip();
+        }
         break;
     }
     m_modified = true;

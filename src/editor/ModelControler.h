@@ -51,8 +51,8 @@ public:
     // Adds to the document by the object's kind; false for anything else.
     bool AddObject(APCObject* object);
     void RemoveObject(APCObject* object);
-    // The canvas item of the object with the same id: the engine reports
-    // clones, which keep the ids.
+    // The canvas item of the object, else of the object with the same id: the
+    // engine reports clones, which keep the ids.
     QGraphicsItem* FindItem(APCObject* object);
     GraphicsItemBase* FindItemBase(APCObject* object);
     GraphicsItemBase* FindItemBaseById(const QString& id);

@@ -17,9 +17,12 @@ class ModelTool : public ModelCommand
 {
 public:
     virtual QCursor GetCursor() { return QCursor(); }
-    // Kept for the interface's layout; nothing calls them.
+    // Kept for the interface's layout; nothing calls it.
     virtual void Activate() {}
+    // Called by the window when another tool becomes current: a tool drops any
+    // band or line it has up, so that a switch in mid-drag leaves nothing behind.
     virtual void Deactivate() {}
+    // Kept for the interface's layout; nothing calls it.
     virtual bool CanDeactivate() { return true; }
     // A double click on an item; data is the item.
     virtual void OnDoubleClick(QGraphicsSceneMouseEvent* event, APCObject* object, void* data) {}

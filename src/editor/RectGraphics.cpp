@@ -17,6 +17,7 @@ RectGraphics::RectGraphics(APCProcess* process, ModelControler* controler) : Can
     setFlag(ItemIsMovable);
     setFlag(ItemIsSelectable);
     setFlag(ItemSendsGeometryChanges);
+    RefreshToolTip();
 }
 
 QPolygonF RectGraphics::GetOutline()
@@ -31,13 +32,14 @@ void RectGraphics::ScaleBy(const QPointF& anchor, double sx, double sy)
     const QPointF position = ScaleBox(this, r, anchor, sx, sy);
     setRect(r);
     setPos(position);
+    GrowScene(this);
 }
 
 void RectGraphics::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget)
 {
     const QString text = StepText();
     QGraphicsRectItem::paint(painter, option, widget);
-    painter->drawText(rect(), Qt::AlignHCenter | Qt::AlignVCenter, text);
+    DrawLabel(painter, rect(), text);
     if (isSelected())
         DrawHandles(painter, rect());
 }

@@ -1,5 +1,5 @@
-// The tools' activation. What each does with the mouse comes with the tools'
-// own work; until then Qt's handling of the items serves.
+// The tools' activation and the select tool's double click. Their mouse
+// handling is in SelectTool.cpp, ConnectTool.cpp and ViewTools.cpp.
 #include "dialogs/APCObjectDialog.h"
 #include "editor/ConnectTool.h"
 #include "editor/ModelControler.h"
@@ -21,10 +21,13 @@ namespace Plugin {
 
 namespace {
 
-void activate(ModelControler* window, bool interactive, const char* pixmap, int hotX, int hotY)
+// Sets the items up for the tool and shows its cursor, which the tool keeps.
+QCursor activate(ModelControler* window, bool interactive, const char* pixmap, int hotX, int hotY)
 {
     window->GetScene()->SetItemsInteractive(interactive);
-    window->GetView()->setCursor(QCursor(QPixmap(QLatin1String(pixmap)), hotX, hotY));
+    const QCursor cursor(QPixmap(QLatin1String(pixmap)), hotX, hotY);
+    window->GetView()->setCursor(cursor);
+    return cursor;
 }
 
 } // namespace
@@ -46,11 +49,11 @@ void SelectTool::OnDoubleClick(QGraphicsSceneMouseEvent* event, APCObject* objec
         dialog->Apply();
 }
 
-void SelectTool::OnClick() { activate(m_controler, true, ":/res/Model_SelectTool.png", 3, 0); }
-void ConnectTool::OnClick() { activate(m_controler, false, ":/res/Model_ConnectTool.png", -1, -1); }
+void SelectTool::OnClick() { m_cursor = activate(m_controler, true, ":/res/Model_SelectTool.png", 3, 0); }
+void ConnectTool::OnClick() { m_cursor = activate(m_controler, false, ":/res/Model_ConnectTool.png", -1, -1); }
 bool ConnectTool::IsEnable() { return !m_controler->IsReadOnly(); }
-void PanTool::OnClick() { activate(m_controler, false, ":/res/Model_PanTool.png", -1, -1); }
-void ZoomInTool::OnClick() { activate(m_controler, false, ":/res/Model_ZoomInTool.png", -1, -1); }
-void ZoomOutTool::OnClick() { activate(m_controler, false, ":/res/Model_ZoomOutTool.png", -1, -1); }
+void PanTool::OnClick() { m_cursor = activate(m_controler, false, ":/res/Model_PanTool.png", -1, -1); }
+void ZoomInTool::OnClick() { m_cursor = activate(m_controler, false, ":/res/Model_ZoomInTool.png", -1, -1); }
+void ZoomOutTool::OnClick() { m_cursor = activate(m_controler, false, ":/res/Model_ZoomOutTool.png", -1, -1); }
 
 } // namespace Plugin

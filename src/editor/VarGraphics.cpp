@@ -20,6 +20,7 @@ VarGraphics::VarGraphics(APCVar* var, ModelControler* controler) : CanvasItem(va
     setFlag(ItemIsMovable);
     setFlag(ItemIsSelectable);
     setFlag(ItemSendsGeometryChanges);
+    RefreshToolTip();
 }
 
 QPolygonF VarGraphics::GetOutline()
@@ -47,13 +48,14 @@ void VarGraphics::ScaleBy(const QPointF& anchor, double sx, double sy)
     const QPointF position = ScaleBox(this, r, anchor, sx, sy);
     setRect(r);
     setPos(position);
+    GrowScene(this);
 }
 
 void VarGraphics::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget)
 {
     const QString text = m_object ? m_object->GetDescription() : QString();
     QGraphicsEllipseItem::paint(painter, option, widget);
-    painter->drawText(rect(), Qt::AlignHCenter | Qt::AlignVCenter, text);
+    DrawLabel(painter, rect(), text);
     if (isSelected())
         DrawHandles(painter, boundingRect());
 }

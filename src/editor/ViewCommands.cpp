@@ -10,21 +10,6 @@
 
 namespace Plugin {
 
-namespace {
-
-// Sets the scale absolutely, keeping the view's scroll offset.
-void applyScale(ModelControler* window, double scale)
-{
-    window->GetScene()->SetScale(scale);
-    ModelView* view = window->GetView();
-    const QTransform old = view->transform();
-    view->resetTransform();
-    view->translate(old.dx(), old.dy());
-    view->scale(scale, scale);
-}
-
-} // namespace
-
 void FullCommand::OnClick()
 {
     ModelView* view = m_controler->GetView();
@@ -38,16 +23,19 @@ void FullCommand::OnClick()
 }
 
 void ZoomToNativeResolutionCommand::OnCreate() { m_nativeScale = m_controler->GetScene()->GetScale(); }
-void ZoomToNativeResolutionCommand::OnClick() { applyScale(m_controler, m_nativeScale); }
+void ZoomToNativeResolutionCommand::OnClick() { m_controler->GetView()->ApplyScale(m_nativeScale); }
 
-void ZoomFixedZoomInCommand::OnClick() { applyScale(m_controler, m_controler->GetScene()->GetScale() * 1.5); }
+void ZoomFixedZoomInCommand::OnClick()
+{
+    m_controler->GetView()->ApplyScale(m_controler->GetScene()->GetScale() * 1.5);
+}
 
 void ZoomFixedZoomOutCommand::OnClick()
 {
     const double scale = m_controler->GetScene()->GetScale() * 0.5;
     if (scale < 0.001)
         return;
-    applyScale(m_controler, scale);
+    m_controler->GetView()->ApplyScale(scale);
 }
 
 } // namespace Plugin

@@ -2,9 +2,15 @@
 
 #include "editor/ModelTool.h"
 
+#include <QCursor>
+#include <QPointF>
+
+class QGraphicsRectItem;
+
 namespace Plugin {
 
-// Zooms in on a clicked point or a dragged box.
+// Zooms in on a dragged box, with any button, up to a scale of 5. A click
+// without a move zooms nothing.
 class ZoomInTool : public ModelTool
 {
 public:
@@ -12,6 +18,22 @@ public:
     void OnClick() override;
     bool IsEnable() override { return true; }
     bool ReservedQuery() override { return true; }
+    // Drops a band under way.
+    void Deactivate() override;
+    // Raises a band at the pointer.
+    void OnMousePress(QGraphicsSceneMouseEvent* event) override;
+    // Spans the band from the press to the pointer.
+    void OnMouseDrag(QGraphicsSceneMouseEvent* event) override;
+    // Zooms by the band, within the limit, and takes the band down.
+    void OnMouseRelease(QGraphicsSceneMouseEvent* event) override;
+
+private:
+    // The one place the band is taken down.
+    void Reset();
+
+    QPointF m_start;
+    QGraphicsRectItem* m_band = nullptr; // in the scene while up; see RubberBand
+    QCursor m_cursor;
 };
 
 } // namespace Plugin

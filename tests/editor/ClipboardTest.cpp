@@ -1,0 +1,166 @@
+// Copy in one model window, paste in another: new ids, references that follow
+// the copied vars or are emptied, arrows made again, nothing to save.
+#include "editor/GraphicsItemBase.h"
+#include "editor/ModelCommandManager.h"
+#include "editor/ModelControler.h"
+#include "editor/ModelScene.h"
+#include "model/APCArrow.h"
+#include "model/APCModel.h"
+#include "model/APCProcess.h"
+#include "model/APCVar.h"
+#include "support/TestSupport.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QGraphicsItem>
+#include <QImage>
+#include <QMimeData>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <memory>
+
+using namespace Plugin;
+
+namespace {
+
+// A step reading {in} and writing {out}; {other} is unrelated.
+const char* kModel = R"(<?xml version="1.0" encoding="GB2312" standalone="no"?>
+<Configuration>
+    <Processes>
+        <Process class="algo" name="{step}" description="Convert" posX="300" posY="200" painter="" processName="local.convert">
+            <Parameter name="In File" type="file" direction="0" value="%{in}%" description="Input"/>
+            <Parameter name="Out File" type="file" direction="1" value="%{out}%" description="Output"/>
+        </Process>
+    </Processes>
+    <Vars>
+        <Var class="file" name="{in}" description="Scene" posX="300" posY="50" painter="" constant="1" value="a.tif"/>
+        <Var class="file" name="{out}" description="Result" posX="300" posY="350" painter="" constant="1" value="b.tif"/>
+        <Var class="file" name="{other}" description="Other" posX="0" posY="0" painter="" constant="1" value="c.tif"/>
+    </Vars>
+    <Arrows>
+        <Arrow head="{step}" headType="process" headParam="In File" tail="{in}" tailType="var" tailParam="" class="arrow" posX="0" posY="0" painter=""/>
+        <Arrow head="{out}" headType="var" headParam="" tail="{step}" tailType="process" tailParam="Out File" class="arrow" posX="0" posY="0" painter=""/>
+    </Arrows>
+</Configuration>
+)";
+
+} // namespace
+
+class Clipboard : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(TestSupport::WriteAll(dir.filePath("from.apc"), kModel));
+        from = std::make_unique<ModelControler>(dir.filePath("from.apc"), false);
+        to = std::make_unique<ModelControler>(dir.filePath("new.apc"), false); // no file yet: empty
+    }
+    // As a user clicks the command: enabled at the last tick, or nothing happens.
+    void click(ModelControler& window, const char* caption)
+    {
+        ModelCommandManager::Instance()->OnUpdateState();
+        for (QAction* action : window.findChildren<QAction*>())
+            if (action->text() == caption)
+                action->trigger();
+    }
+    void select(ModelControler& window, const QStringList& ids)
+    {
+        for (const QString& id : ids)
+            dynamic_cast<QGraphicsItem*>(window.FindItemBaseById(id))->setSelected(true);
+    }
+    void pasteText(const QString& text)
+    {
+        QApplication::clipboard()->setText(text);
+        click(*to, "Paste");
+    }
+
+    QTemporaryDir dir;
+    std::unique_ptr<ModelControler> from;
+    std::unique_ptr<ModelControler> to;
+};
+
+TEST_F(Clipboard, AStepAndOneOfItsVarsComeBackJoinedWithNewIds)
+{
+    select(*from, {"{step}", "{in}"});
+    click(*from, "Copy");
+    const QMimeData* mime = QApplication::clipboard()->mimeData();
+    ASSERT_TRUE(mime);
+    EXPECT_TRUE(mime->text().startsWith("ModelBuilder$$"));
+    const QImage picture = qvariant_cast<QImage>(mime->imageData());
+    EXPECT_FALSE(picture.isNull());
+    EXPECT_GE(picture.height(), 150 + 40); // from the var's top to the step's bottom
+
+    APCModel* model = to->GetDocument();
+    for (int paste = 1; paste <= 2; ++paste) {
+        SCOPED_TRACE(paste);
+        click(*to, "Paste");
+        ASSERT_EQ(model->GetProcesses().size(), paste);
+        ASSERT_EQ(model->GetVars().size(), paste);
+        ASSERT_EQ(model->GetArrows().size(), paste);
+        APCProcess* step = model->GetProcesses().last();
+        APCVar* in = model->GetVars().last();
+        APCArrow* arrow = model->GetArrows().last();
+        EXPECT_NE(step->GetName(), "{step}");
+        EXPECT_NE(in->GetName(), "{in}");
+        EXPECT_EQ(step->GetParameter("In File").value, "%" + in->GetName() + "%");
+        EXPECT_EQ(step->GetParameter("Out File").value, ""); // its var stayed behind
+        EXPECT_EQ(arrow->GetHead(), step->GetName());
+        EXPECT_EQ(arrow->GetHeadParam(), "In File");
+        EXPECT_EQ(arrow->GetTail(), in->GetName());
+        // Both keep their places to each other, and every paste lands on the same spot.
+        EXPECT_EQ(step->GetPos() - in->GetPos(), QPointF(0, 150));
+        EXPECT_EQ(in->GetPos(), model->GetVars().first()->GetPos());
+        EXPECT_EQ(to->GetScene()->GetItems().size(), 3 * paste);
+        EXPECT_TRUE(to->FindItem(arrow));
+    }
+    EXPECT_NE(model->GetProcesses().first()->GetName(), model->GetProcesses().last()->GetName());
+    EXPECT_FALSE(to->IsModified()); // a paste alone leaves nothing to save
+
+    // What was pasted belongs to the model like the rest: it can be deleted.
+    to->GetScene()->clearSelection();
+    to->FindItem(model->GetVars().first())->setSelected(true);
+    click(*to, "Delete");
+    EXPECT_EQ(model->GetVars().size(), 1);
+    EXPECT_EQ(model->GetArrows().size(), 1);
+    EXPECT_EQ(model->GetProcesses().first()->GetParameter("In File").value, "");
+    EXPECT_EQ(to->GetScene()->GetItems().size(), 4);
+}
+
+TEST_F(Clipboard, OnlyCopiedObjectsOfKnownKindsArePasted)
+{
+    struct Case { const char* name; QString text; int processes; int vars; int arrows; };
+    const Case cases[] = {
+        {"another program's text", "some words", 0, 0, 0},
+        {"the marker and broken XML", "ModelBuilder$$<Var class=", 0, 0, 0},
+        {"arrows alone copy to the marker only", "ModelBuilder$$", 0, 0, 0},
+        {"a step of an unknown kind is left out, its var is not",
+         R"(ModelBuilder$$<Process class="nosuch" name="{p}" posX="0" posY="0"/><Var class="file" name="{v}" posX="0" posY="0"/>)",
+         0, 1, 0},
+        {"a reference to a var not copied is emptied",
+         R"(ModelBuilder$$<Process class="algo" name="{p}" processName="local.x" posX="0" posY="0"><Parameter name="In" type="file" direction="0" value="%{gone}%"/></Process>)",
+         1, 0, 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        to = std::make_unique<ModelControler>(dir.filePath("new.apc"), false);
+        pasteText(c.text);
+        APCModel* model = to->GetDocument();
+        EXPECT_EQ(model->GetProcesses().size(), c.processes);
+        EXPECT_EQ(model->GetVars().size(), c.vars);
+        EXPECT_EQ(model->GetArrows().size(), c.arrows);
+        EXPECT_EQ(to->GetScene()->GetItems().size(), c.processes + c.vars + c.arrows);
+        for (APCProcess* step : model->GetProcesses())
+            EXPECT_EQ(step->GetParameter("In").value, "");
+    }
+}
+
+TEST_F(Clipboard, ArrowsSelectedAloneGiveTheMarkerAlone)
+{
+    for (QGraphicsItem* item : from->GetScene()->GetItems())
+        item->setSelected(dynamic_cast<APCArrow*>(dynamic_cast<GraphicsItemBase*>(item)->GetObject()) != nullptr);
+    ASSERT_EQ(from->GetScene()->selectedItems().size(), 2);
+    click(*from, "Copy");
+    EXPECT_EQ(QApplication::clipboard()->text(), "ModelBuilder$$");
+}

@@ -1,0 +1,358 @@
+// The canvas tools driven with real mouse events on the view, the model checked
+// afterwards: a drag changes only the view until its release writes the model
+// once, and no tool leaves a band or a line behind, however the gesture ends.
+#include "editor/ArrowGraphics.h"
+#include "editor/GraphicsItemBase.h"
+#include "editor/ModelCommandManager.h"
+#include "editor/ModelControler.h"
+#include "editor/ModelScene.h"
+#include "editor/ModelView.h"
+#include "model/APCArrow.h"
+#include "model/APCModel.h"
+#include "model/APCProcess.h"
+#include "model/APCVar.h"
+#include "support/GuiDriver.h"
+#include "support/TestSupport.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDialog>
+#include <QFontMetrics>
+#include <QGraphicsRectItem>
+#include <QImage>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScrollBar>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+#include <memory>
+
+using namespace Plugin;
+
+namespace {
+
+// A step of no catalogue (it keeps its parameters) reading {in}; {out} and
+// {other} stand free on either side.
+const char* kModel = R"(<?xml version="1.0" encoding="GB2312" standalone="no"?>
+<Configuration>
+    <Processes>
+        <Process class="algo" name="{step}" description="Convert raster to another format" posX="0" posY="0" painter="" processName="local.convert">
+            <Parameter name="In File" type="file" direction="0" value="%{in}%" description="Input"/>
+            <Parameter name="Out File" type="file" direction="1" value="" description="Output"/>
+        </Process>
+    </Processes>
+    <Vars>
+        <Var class="file" name="{in}" description="Scene" posX="0" posY="-150" painter="" constant="1" value="a.tif"/>
+        <Var class="file" name="{out}" description="Result" posX="250" posY="0" painter="" constant="1" value="b.tif"/>
+        <Var class="file" name="{other}" description="Other" posX="-250" posY="0" painter="" constant="1" value="c.tif"/>
+    </Vars>
+    <Arrows>
+        <Arrow head="{step}" headType="process" headParam="In File" tail="{in}" tailType="var" tailParam="" class="arrow" posX="0" posY="0" painter=""/>
+    </Arrows>
+</Configuration>
+)";
+
+// Closes every modal window that opens while it lives, and counts them.
+class ModalWatch
+{
+public:
+    ModalWatch()
+    {
+        QObject::connect(&m_timer, &QTimer::timeout, [this] {
+            if (QWidget* modal = QApplication::activeModalWidget()) {
+                ++opened;
+                modal->close();
+            }
+        });
+        m_timer.start(10);
+    }
+    int opened = 0;
+
+private:
+    QTimer m_timer;
+};
+
+} // namespace
+
+class Tools : public ::testing::Test
+{
+protected:
+    void SetUp() override { Open(false); }
+
+    void Open(bool readOnly)
+    {
+        ASSERT_TRUE(TestSupport::WriteAll(dir.filePath("m.apc"), kModel));
+        window = std::make_unique<ModelControler>(dir.filePath("m.apc"), readOnly);
+        window->resize(900, 700);
+        window->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    }
+    ModelView* view() { return window->GetView(); }
+    QWidget* viewport() { return view()->viewport(); }
+    ModelScene* scene() { return window->GetScene(); }
+    APCModel* model() { return window->GetDocument(); }
+    QGraphicsItem* item(const QString& id) { return dynamic_cast<QGraphicsItem*>(window->FindItemBaseById(id)); }
+    QPoint at(const QPointF& scenePos) { return view()->mapFromScene(scenePos); }
+    QPoint at(const QString& id) { return at(item(id)->pos()); }
+    // Bands and lines a tool has up: scene items that show no object.
+    int strayItems() { return scene()->items().size() - scene()->GetItems().size(); }
+    void use(const char* caption)
+    {
+        for (QAction* action : window->findChildren<QAction*>())
+            if (action->text() == caption)
+                action->trigger();
+    }
+
+    void move(const QPoint& to, Qt::MouseButtons buttons)
+    {
+        QMouseEvent event(QEvent::MouseMove, to, viewport()->mapToGlobal(to), Qt::NoButton, buttons, Qt::NoModifier);
+        QApplication::sendEvent(viewport(), &event);
+    }
+    void press(const QPoint& p, Qt::MouseButton b = Qt::LeftButton) { QTest::mousePress(viewport(), b, {}, p); }
+    void release(const QPoint& p, Qt::MouseButton b = Qt::LeftButton) { QTest::mouseRelease(viewport(), b, {}, p); }
+    // As a user drags: the pointer rests on from, the button goes down, the
+    // pointer travels in three steps, the button comes up.
+    void drag(const QPoint& from, const QPoint& to)
+    {
+        move(from, Qt::NoButton);
+        press(from);
+        for (int i = 1; i <= 3; ++i)
+            move(from + (to - from) * i / 3, Qt::LeftButton);
+        release(to);
+    }
+
+    QTemporaryDir dir;
+    std::unique_ptr<ModelControler> window;
+};
+
+TEST_F(Tools, ABandSelectsWhatItTouchesAndGoesAway)
+{
+    drag(at(QPointF(-120, -200)), at(QPointF(40, 10)));
+    QStringList selected;
+    for (QGraphicsItem* it : scene()->selectedItems())
+        if (it->type() != ArrowGraphics::Type)
+            selected << dynamic_cast<GraphicsItemBase*>(it)->GetObject()->GetName();
+    selected.sort();
+    EXPECT_EQ(selected, QStringList({"{in}", "{step}"}));
+    EXPECT_EQ(strayItems(), 0);
+    EXPECT_FALSE(window->IsModified());
+}
+
+TEST_F(Tools, ADragMovesTheViewAndWritesTheModelOnceAtTheRelease)
+{
+    APCVar* in = model()->FindVar("{in}");
+    int changes = 0;
+    boost::signals2::scoped_connection counting = model()->varChanged.connect([&](APCVar*) { ++changes; });
+
+    const QPoint from = at("{in}");
+    move(from, Qt::NoButton);
+    press(from);
+    for (int i = 1; i <= 4; ++i)
+        move(from + QPoint(10 * i, 5 * i), Qt::LeftButton);
+    EXPECT_EQ(item("{in}")->pos(), QPointF(40, -130)); // the view follows the pointer
+    EXPECT_EQ(in->GetPos(), QPointF(0, -150));        // the model waits
+    EXPECT_EQ(changes, 0);
+    EXPECT_FALSE(window->IsModified());
+
+    release(from + QPoint(40, 20));
+    EXPECT_EQ(in->GetPos(), QPointF(40, -130));
+    EXPECT_EQ(changes, 1);
+    EXPECT_TRUE(window->IsModified());
+    auto* arrow = static_cast<ArrowGraphics*>(window->FindItem(model()->GetArrows().first()));
+    ASSERT_TRUE(arrow);
+    EXPECT_EQ(arrow->line().p1(), QPointF(40, -130)); // it runs from the var's new place
+}
+
+TEST_F(Tools, HandlesResizeTheOneSelectedItemAboutTheOppositePoint)
+{
+    struct Case { const char* name; QPointF handle; QPoint pull; Qt::CursorShape cursor; QSizeF size; };
+    // The step's bounding rectangle is 81 by 41 (80 by 40 and the pen); a pull by
+    // its own width doubles what the handle governs.
+    const Case cases[] = {
+        {"bottom right corner", {40.5, 20.5}, {81, 41}, Qt::SizeFDiagCursor, {162, 82}},
+        {"right side: the height stays", {40.5, 0}, {81, 30}, Qt::SizeHorCursor, {162, 41}},
+        {"top side: the width stays", {0, -20.5}, {30, -41}, Qt::SizeVerCursor, {81, 82}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Open(false);
+        QGraphicsItem* step = item("{step}");
+        drag(at("{step}"), at("{step}")); // a click selects it
+        ASSERT_EQ(scene()->selectedItems(), QList<QGraphicsItem*>{step});
+
+        const QPoint grip = at(step->mapToScene(c.handle));
+        move(grip, Qt::NoButton);
+        EXPECT_EQ(view()->cursor().shape(), c.cursor);
+        press(grip);
+        move(grip + c.pull / 2, Qt::LeftButton);
+        move(grip + c.pull, Qt::LeftButton);
+        EXPECT_EQ(strayItems(), 1); // the band shows the new size
+        EXPECT_FALSE(window->IsModified());
+        release(grip + c.pull);
+
+        const QSizeF size = static_cast<QGraphicsRectItem*>(step)->rect().size();
+        EXPECT_NEAR(size.width(), c.size.width(), 2);
+        EXPECT_NEAR(size.height(), c.size.height(), 2);
+        // The model holds what the view shows.
+        const QRectF stored = model()->FindProcess("{step}")->GetRect();
+        EXPECT_NEAR(stored.width(), size.width(), 1e-3);
+        EXPECT_NEAR(stored.height(), size.height(), 1e-3);
+        EXPECT_EQ(stored.center(), step->pos());
+        EXPECT_TRUE(window->IsModified());
+        EXPECT_EQ(strayItems(), 0);
+        EXPECT_TRUE(step->flags() & QGraphicsItem::ItemIsMovable);
+    }
+}
+
+TEST_F(Tools, AReadOnlyModelIsNeitherResizedNorConnected)
+{
+    Open(true);
+    QGraphicsItem* step = item("{step}");
+    step->setSelected(true);
+    const QRectF before = step->sceneBoundingRect();
+    const QPoint grip = at(step->mapToScene(QPointF(40.5, 20.5)));
+    drag(grip, grip + QPoint(60, 60));
+    EXPECT_EQ(step->sceneBoundingRect(), before);
+
+    use("Connect");
+    ModalWatch watch;
+    drag(at("{other}"), at("{step}"));
+    EXPECT_EQ(watch.opened, 0);
+    EXPECT_EQ(model()->GetArrows().size(), 1);
+    EXPECT_EQ(strayItems(), 0);
+    EXPECT_FALSE(window->IsModified());
+}
+
+// Needs the arrow dialog registered for arrows: until then no dialog opens and
+// the two joining rows fail.
+TEST_F(Tools, ConnectJoinsAVarAndAStepThroughTheArrowDialog)
+{
+    struct Case { const char* name; const char* from; const char* to; bool joins; };
+    const Case cases[] = {
+        {"var to step", "{other}", "{step}", true},
+        {"step to var", "{step}", "{out}", true},
+        {"var to var: refused", "{other}", "{out}", false},
+        {"step to nothing: refused", "{step}", nullptr, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Open(false);
+        use("Connect");
+        const QPoint to = c.to ? at(c.to) : at(QPointF(0, 250));
+        QString dialog;
+        std::unique_ptr<ModalWatch> watch;
+        if (c.joins)
+            GuiDriver::OnNextModal([&](QWidget* modal) {
+                dialog = modal->metaObject()->className();
+                qobject_cast<QDialog*>(modal)->accept();
+            });
+        else
+            watch = std::make_unique<ModalWatch>();
+        drag(at(c.from), to);
+        if (c.joins) // the dialog, or the driver's failure when none opened
+            TestSupport::WaitUntil([&] { return !dialog.isEmpty(); }, 6000);
+
+        EXPECT_EQ(strayItems(), 0);
+        EXPECT_EQ(model()->GetArrows().size(), c.joins ? 2 : 1);
+        if (watch) {
+            EXPECT_EQ(watch->opened, 0);
+        }
+        if (!c.joins || model()->GetArrows().size() != 2)
+            continue;
+        EXPECT_EQ(dialog, "Plugin::APCArrowDlg");
+        APCArrow* arrow = model()->GetArrows().last();
+        EXPECT_EQ(arrow->GetTail(), c.from); // it points where the drag went
+        EXPECT_EQ(arrow->GetHead(), c.to);
+        EXPECT_TRUE(window->FindItem(arrow)); // and shows
+        EXPECT_TRUE(window->IsModified());
+    }
+}
+
+TEST_F(Tools, NoToolLeavesABandOrLineWhenTheGestureIsCutShort)
+{
+    for (const char* tool : {"Select", "Connect", "Zoom In", "Zoom Out"}) {
+        SCOPED_TRACE(tool);
+        use(tool);
+        const QPoint start = at(QPointF(-120, 150)); // over nothing
+        move(start, Qt::NoButton);
+        press(start);
+        move(start + QPoint(40, 30), Qt::LeftButton);
+        press(start + QPoint(40, 30)); // a second press: the release of the first was lost
+        move(start + QPoint(60, 50), Qt::LeftButton);
+        EXPECT_EQ(strayItems(), 1);
+        use("Pan"); // a switch in mid-drag
+        EXPECT_EQ(strayItems(), 0);
+        release(start + QPoint(60, 50));
+        EXPECT_EQ(strayItems(), 0);
+        EXPECT_EQ(scene()->GetScale(), 1.0);
+    }
+    EXPECT_FALSE(window->IsModified());
+}
+
+TEST_F(Tools, PanScrollsTheViewAndMovesNoItem)
+{
+    view()->ApplyScale(4.0); // larger than the window: there is somewhere to scroll
+    QApplication::processEvents();
+    use("Pan");
+    QScrollBar* bar = view()->horizontalScrollBar();
+    const int before = bar->value();
+    const QPoint middle = viewport()->rect().center();
+    drag(middle, middle - QPoint(100, 0));
+    EXPECT_EQ(bar->value(), before + 100);
+    EXPECT_EQ(view()->dragMode(), QGraphicsView::NoDrag);
+    EXPECT_EQ(item("{step}")->pos(), QPointF(0, 0));
+    EXPECT_FALSE(window->IsModified());
+}
+
+TEST_F(Tools, ZoomBandsStopAtTheirLimits)
+{
+    struct Case { const char* name; const char* tool; double start; QPoint box; double scale; };
+    const Case cases[] = {
+        {"a small box zooms in up to 5", "Zoom In", 1.0, {20, 20}, 5.0},
+        {"at 5 zooming in stops", "Zoom In", 5.0, {20, 20}, 5.0},
+        {"a small box zooms out down to 0.2", "Zoom Out", 1.0, {20, 20}, 0.2},
+        {"at 0.2 zooming out stops", "Zoom Out", 0.2, {20, 20}, 0.2},
+        {"a click zooms nothing", "Zoom In", 1.0, {0, 0}, 1.0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Open(false);
+        view()->ApplyScale(c.start);
+        use(c.tool);
+        const QPoint start = viewport()->rect().center();
+        drag(start, start + c.box);
+        EXPECT_DOUBLE_EQ(scene()->GetScale(), c.scale);
+        EXPECT_EQ(strayItems(), 0);
+        EXPECT_FALSE(window->IsModified());
+    }
+}
+
+TEST_F(Tools, ALongNameShowsItsStartOnTheCanvasAndWholeAsTheToolTip)
+{
+    QGraphicsItem* step = item("{step}");
+    APCProcess* object = model()->FindProcess("{step}");
+    EXPECT_EQ(step->toolTip(), "Convert raster to another format");
+    // Two long names that begin alike look alike on the canvas: the label is cut
+    // at its end, not on both sides of its middle.
+    auto label = [&](const QString& name) {
+        object->SetDescription(name);
+        QImage image(step->sceneBoundingRect().size().toSize(), QImage::Format_ARGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        scene()->render(&painter, QRectF(image.rect()), step->sceneBoundingRect());
+        return image;
+    };
+    const QString shorter = "Convert raster to another format";
+    const QString longer = "Convert raster to another format, band by band, into a new file";
+    ASSERT_GT(QFontMetrics(QFont()).horizontalAdvance(shorter), 120); // both wider than the item
+    EXPECT_TRUE(label(shorter) == label(longer));
+    EXPECT_FALSE(label(shorter) == label("Reproject raster to another format"));
+
+    APCVar* in = model()->FindVar("{in}");
+    in->SetDescription("Scene of the first of May");
+    model()->NotifyVarChanged(in);
+    EXPECT_EQ(item("{in}")->toolTip(), "Scene of the first of May");
+}
