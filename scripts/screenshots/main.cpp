@@ -8,7 +8,9 @@
 #include "editor/ModelView.h"
 #include "model/APCModel.h"
 #include "model/APCObject.h"
+#include "model/APCVar.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QDir>
@@ -18,6 +20,7 @@
 #include <QPointer>
 #include <QScreen>
 #include <QTabWidget>
+#include <QTest>
 #include <QTimer>
 
 #include <cstdio>
@@ -87,6 +90,7 @@ Plugin::ModelControler* openModel(const QString& file)
 }
 
 void openAlgorithmDialog(Plugin::ModelControler* window);
+void doubleClick(Plugin::ModelControler* window, QGraphicsItem* item);
 
 void runDialog()
 {
@@ -111,6 +115,42 @@ void algorithmDialog()
     QTimer::singleShot(400, window, [window] { openAlgorithmDialog(window); });
 }
 
+// Sends the press, release and double click a user's double click makes.
+void doubleClick(Plugin::ModelControler* window, QGraphicsItem* item)
+{
+    QGraphicsView* view = window->GetView();
+    view->centerOn(item);
+    const QPoint at = view->mapFromScene(item->sceneBoundingRect().center());
+    QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+}
+
+void functionDialog()
+{
+    Plugin::ModelControler* window = openModel("scene_ndvi.apc");
+    QTimer::singleShot(400, window, [window] {
+        QGraphicsItem* computed = nullptr;
+        for (QGraphicsItem* item : window->GetView()->scene()->items())
+            if (auto* base = dynamic_cast<Plugin::GraphicsItemBase*>(item))
+                if (auto* var = dynamic_cast<Plugin::APCVar*>(base->GetObject()); var && !var->GetFunExp().isEmpty())
+                    computed = item;
+        if (!computed) {
+            std::printf("function-dialog: no computed var on the canvas\n");
+            return;
+        }
+        onNextModal([window](QWidget* varDialog) {
+            onNextModal([window, varDialog](QWidget* functions) {
+                shoot(window, "function-dialog.png");
+                functions->close();
+                QTimer::singleShot(100, [varDialog] { varDialog->close(); });
+            });
+            if (auto* dots = varDialog->findChild<QAbstractButton*>("funcButton"))
+                dots->click();
+        });
+        doubleClick(window, computed);
+        window->close();
+    });
+}
+
 void openAlgorithmDialog(Plugin::ModelControler* window)
 {
     QGraphicsItem* item = firstItemOf(*window, "algo");
@@ -122,15 +162,7 @@ void openAlgorithmDialog(Plugin::ModelControler* window)
         shoot(window, "algorithm-dialog.png");
         modal->close();
     });
-    // A double click as the select tool receives it.
-    QGraphicsView* view = window->GetView();
-    view->centerOn(item);
-    const QPoint at = view->mapFromScene(item->sceneBoundingRect().center());
-    for (QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick}) {
-        QMouseEvent event(type, at, Qt::LeftButton, type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton,
-                          Qt::NoModifier);
-        QApplication::sendEvent(view->viewport(), &event);
-    }
+    doubleClick(window, item);
     window->close();
 }
 
@@ -139,12 +171,14 @@ void openAlgorithmDialog(Plugin::ModelControler* window)
 int main(int argc, char** argv)
 {
     QApplication app(argc, argv);
+    app.setQuitOnLastWindowClosed(false); // one window closes before the next opens
     g_out = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("docs");
     QDir().mkpath(g_out);
     const QStringList wanted = app.arguments().mid(2);
     const std::vector<std::pair<QString, std::function<void()>>> shots = {
         {"run-dialog", runDialog},
         {"algorithm-dialog", algorithmDialog},
+        {"function-dialog", functionDialog},
     };
     int delay = 200;
     for (const auto& shot : shots) {
