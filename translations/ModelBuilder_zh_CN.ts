@@ -494,6 +494,10 @@ Open a model from the Tool Box to build and run it.</source>
         <source>Unknown command: %1</source>
         <translation>未知命令: %1</translation>
     </message>
+    <message>
+        <source>No model named %1 in the tool box</source>
+        <translation>工具箱中没有名为 %1 的模型</translation>
+    </message>
 </context>
 <context>
     <name>LogWidget</name>
