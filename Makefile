@@ -40,6 +40,7 @@ fuzz:
 
 screenshots: build
 	@cmake --build $(BUILD_DIR) --target mb_screenshots
+	@[ -f $(BUILD_DIR)/dem-large.tif ] || gdal_translate -q -outsize 4000 4000 -r bilinear examples/data/dem.tif $(BUILD_DIR)/dem-large.tif
 	xvfb-run -a -s "-screen 0 1280x860x24" ./$(BUILD_DIR)/bin/mb_screenshots docs $(SHOTS)
 
 # Refreshes translations/*.ts from the texts in the code and fills them from the

@@ -5,15 +5,24 @@
 #include "dialogs/RunCmdDlg.h"
 #include "editor/GraphicsItemBase.h"
 #include "editor/ModelControler.h"
+#include "editor/ModelScene.h"
 #include "editor/ModelView.h"
 #include "model/APCModel.h"
 #include "model/APCObject.h"
+#include "model/APCParameter.h"
+#include "model/APCProcess.h"
 #include "model/APCVar.h"
+#include "toolbox/ATBAlgo.h"
+#include "toolbox/ATBTreeWidget.h"
 
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QGraphicsSceneDragDropEvent>
+#include <QMimeData>
 #include <QGraphicsItem>
 #include <QLineEdit>
 #include <QMouseEvent>
@@ -72,6 +81,23 @@ QGraphicsItem* firstItemOf(Plugin::ModelControler& window, const QString& classN
             if (base->GetObject() && base->GetObject()->GetClass() == className)
                 return item;
     return nullptr;
+}
+
+void dropTool(Plugin::ModelControler* window, QTreeWidget* tree, Plugin::ATBItem* item, const QPointF& at)
+{
+    auto* row = new QTreeWidgetItem(tree, QStringList(item->GetName()));
+    row->setData(0, Qt::UserRole, QVariant::fromValue(static_cast<void*>(item)));
+    QMimeData mime;
+    mime.setText(QString::number(quint64(quintptr(item)), 10));
+    for (QEvent::Type type : {QEvent::GraphicsSceneDragEnter, QEvent::GraphicsSceneDragMove, QEvent::GraphicsSceneDrop}) {
+        QGraphicsSceneDragDropEvent event(type);
+        event.setSource(tree);
+        event.setMimeData(&mime);
+        event.setScenePos(at);
+        event.setPossibleActions(Qt::MoveAction);
+        event.setProposedAction(Qt::MoveAction);
+        QApplication::sendEvent(window->GetScene(), &event);
+    }
 }
 
 Plugin::ModelControler* openModel(const QString& file)
@@ -166,6 +192,61 @@ void openAlgorithmDialog(Plugin::ModelControler* window)
     window->close();
 }
 
+// A model built with the mouse's own path (tools dropped from the tool box onto
+// an empty canvas, the hillshade's output fed to the slope), caught while it runs.
+void builtModelMidRun()
+{
+    const QString dem = QDir(g_out).filePath("../build/dem-large.tif");
+    if (!QFileInfo::exists(dem)) {
+        std::printf("mid-run: %s missing (make screenshots makes it)\n", qPrintable(dem));
+        return;
+    }
+    const QString path = QDir::temp().filePath("built-model.apc");
+    QFile::remove(path);
+    auto* window = new Plugin::ModelControler(path, false);
+    window->SetModelName("Terrain");
+    window->setGeometry(40, 40, 1100, 720);
+    window->show();
+    static Plugin::ATBTreeWidget tree;
+    static Plugin::ATBAlgo hillshade, slope;
+    hillshade.SetName("Hillshade");
+    hillshade.SetMetadata("raster.hillshade");
+    slope.SetName("Slope");
+    slope.SetMetadata("raster.slope");
+    dropTool(window, &tree, &hillshade, QPointF(0, 0));
+    dropTool(window, &tree, &slope, QPointF(0, 300));
+    Plugin::APCModel* model = window->GetDocument();
+    auto* first = model->GetProcesses().at(0);
+    auto* second = model->GetProcesses().at(1);
+    auto varOf = [model](Plugin::APCProcess* step, const char* param) {
+        return model->FindVar(QString(step->GetParameter(param).value).remove('%'));
+    };
+    varOf(first, "In File")->SetDescription("Elevation");
+    varOf(first, "In File")->SetConstant(true);
+    varOf(first, "In File")->SetValue(dem);
+    varOf(first, "Out File")->SetDescription("Relief");
+    varOf(first, "Out File")->SetConstant(true);
+    varOf(first, "Out File")->SetValue(QDir::temp().filePath("relief.tif"));
+    // The slope reads the relief: its own input var gives way to the hillshade's output.
+    model->RemoveVar(varOf(second, "In File"));
+    for (Plugin::APCParameter& p : second->GetParameters())
+        if (p.name == "In File")
+            p.value = first->GetParameter("Out File").value;
+    model->UpdateProcess(second);
+    varOf(second, "Out File")->SetDescription("Slope of the relief");
+    varOf(second, "Out File")->SetConstant(true);
+    varOf(second, "Out File")->SetValue(QDir::temp().filePath("slope.tif"));
+    QTimer::singleShot(300, window, [window] {
+        actionOf(window, "Run")->trigger();
+        // The log opens with the run: fit the model into what is left of the view.
+        QTimer::singleShot(100, window, [window] {
+            if (QAction* full = actionOf(window, "Full Extent"))
+                full->trigger();
+        });
+        QTimer::singleShot(350, window, [window] { shoot(window, "built-model-running.png"); });
+    });
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -179,6 +260,7 @@ int main(int argc, char** argv)
         {"run-dialog", runDialog},
         {"algorithm-dialog", algorithmDialog},
         {"function-dialog", functionDialog},
+        {"built-model-running", builtModelMidRun},
     };
     int delay = 200;
     for (const auto& shot : shots) {
