@@ -169,53 +169,6 @@ APCVar* addVar(APCModel& model, const QString& id, const QString& type, const QS
 // ---------------------------------------------------------------------------
 // APCFunctionDlg (Part 3.3)
 
-TEST(FunctionDialog, IsLaidOutAsGiven)
-{
-    APCFunctionDlg dialog(APCFun::GetFunctionList(), {}, nullptr);
-    EXPECT_EQ(dialog.windowTitle(), "Function");
-    EXPECT_EQ(dialog.size(), QSize(633, 488));
-    EXPECT_FALSE(dialog.windowFlags() & (Qt::WindowContextHelpButtonHint | Qt::WindowMinimizeButtonHint |
-                                         Qt::WindowMaximizeButtonHint));
-
-    QSplitter* sides = nullptr;
-    for (QSplitter* s : dialog.findChildren<QSplitter*>())
-        if (s->orientation() == Qt::Horizontal)
-            sides = s;
-    ASSERT_NE(sides, nullptr);
-    EXPECT_EQ(sides->handleWidth(), 10);
-    ASSERT_EQ(sides->count(), 2);
-    EXPECT_EQ(sides->widget(0)->sizePolicy().horizontalStretch(), 35);
-    EXPECT_EQ(sides->widget(1)->sizePolicy().horizontalStretch(), 65);
-    auto* lists = qobject_cast<QSplitter*>(sides->widget(0));
-    ASSERT_NE(lists, nullptr);
-    EXPECT_EQ(lists->orientation(), Qt::Vertical);
-    EXPECT_EQ(lists->handleWidth(), 10);
-    ASSERT_EQ(lists->count(), 2);
-    EXPECT_EQ(lists->widget(0), child<QListWidget>(&dialog, "functionList")); // functions above
-    EXPECT_EQ(lists->widget(1), child<QListWidget>(&dialog, "varList"));
-
-    auto* help = child<QTextEdit>(&dialog, "helpEdit");
-    auto* expression = child<QTextEdit>(&dialog, "expressionEdit");
-    EXPECT_TRUE(help->isReadOnly());
-    EXPECT_EQ(help->styleSheet(), "QTextEdit { background:lightgray }");
-    EXPECT_FALSE(expression->isReadOnly());
-    auto* right = qobject_cast<QBoxLayout*>(sides->widget(1)->layout());
-    ASSERT_NE(right, nullptr);
-    EXPECT_EQ(right->direction(), QBoxLayout::TopToBottom);
-    EXPECT_EQ(right->spacing(), 6);
-    EXPECT_EQ(right->indexOf(help), 0);
-    EXPECT_EQ(right->stretch(0), 6);
-    EXPECT_EQ(right->indexOf(expression), 1);
-    EXPECT_EQ(right->stretch(1), 4);
-
-    int lines = 0;
-    for (QFrame* f : dialog.findChildren<QFrame*>())
-        lines += f->frameShape() == QFrame::HLine && f->frameShadow() == QFrame::Sunken;
-    EXPECT_EQ(lines, 1);
-    EXPECT_EQ(child<QPushButton>(&dialog, "okButton")->text(), "OK");
-    EXPECT_EQ(child<QPushButton>(&dialog, "cancelButton")->text(), "Cancel");
-}
-
 TEST(FunctionDialog, OpensOnTheFirstSortedFunctionAndListsTheVarsByDescription)
 {
     TestSupport::HeadlessModel model;
@@ -290,64 +243,6 @@ TEST(FunctionDialog, HelpFollowsTheChosenRowAndNothingIsInserted)
 
     EXPECT_EQ(expression->toPlainText(), "typed by hand");
     EXPECT_EQ(dialog.GetExpression(), "typed by hand");
-    dialog.close();
-}
-
-TEST(FunctionDialog, HelpWithoutACarriageReturnLeavesTheAreaAsItWas)
-{
-    const QList<FunctionInfo> functions = {
-        {"$NoReturn", "usage only\nno example", 1},
-        {"$First", "usage\r\nexample", 2},
-        {"$Three", "a\rb\rc", 3},
-        {"$Empty", "\r", 0},
-    };
-    APCFunctionDlg dialog(functions, {}, nullptr);
-    dialog.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
-    auto* list = child<QListWidget>(&dialog, "functionList");
-    auto* help = child<QTextEdit>(&dialog, "helpEdit");
-    EXPECT_EQ(rowTexts(list), QStringList({"$Empty", "$First", "$NoReturn", "$Three"}));
-
-    struct Step { const char* row; const char* help; };
-    const Step steps[] = {
-        {nullptr, "Name:\n\nDescribe:"}, // the opening: empty parts are kept
-        {"$First", "Name:usage\n\nDescribe:\nexample"},
-        {"$NoReturn", "Name:usage\n\nDescribe:\nexample"},
-        {"$Three", "Name:a\n\nDescribe:b"}, // a third part is not shown
-        {"$NoReturn", "Name:a\n\nDescribe:b"},
-    };
-    for (const Step& step : steps) {
-        SCOPED_TRACE(step.row ? step.row : "opening");
-        if (step.row)
-            clickRow(list, step.row);
-        EXPECT_EQ(help->toPlainText(), step.help);
-    }
-    dialog.close();
-
-    // When the first function has no help to show, the area starts empty: the
-    // filling of the var list, too, raised nothing.
-    APCVar lone;
-    lone.SetDescription("Lone");
-    APCFunctionDlg plain({{"$Only", "no carriage return", 1}}, {&lone}, nullptr);
-    EXPECT_EQ(child<QListWidget>(&plain, "varList")->currentRow(), 0);
-    EXPECT_EQ(child<QTextEdit>(&plain, "helpEdit")->toPlainText(), "");
-}
-
-TEST(FunctionDialog, WithoutVarsTheVarListStaysEmptyAndRaisesNothing)
-{
-    APCFunctionDlg dialog(APCFun::GetFunctionList(), {}, nullptr);
-    dialog.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
-    auto* vars = child<QListWidget>(&dialog, "varList");
-    auto* help = child<QTextEdit>(&dialog, "helpEdit");
-    const QString before = help->toPlainText();
-    EXPECT_EQ(vars->count(), 0);
-    EXPECT_EQ(vars->currentRow(), -1);
-    QTest::mouseClick(vars->viewport(), Qt::LeftButton, {}, QPoint(5, 5));
-    vars->setFocus();
-    QTest::keyClick(vars, Qt::Key_Down);
-    EXPECT_EQ(help->toPlainText(), before);
-    EXPECT_FALSE(before.isEmpty());
     dialog.close();
 }
 
@@ -789,18 +684,6 @@ TEST(VarAddDialog, OkWithoutACurrentRowIsRefusedAndTheDialogStays)
     EXPECT_EQ(result, QDialog::Accepted);
     EXPECT_EQ(dialog.GetDataType(), "float");
     EXPECT_EQ(dialog.GetDataTypeLabel(), "Real number");
-}
-
-TEST(VarAddDialog, CancelRejectsAndGivesNothing)
-{
-    VarAddDlg dialog(nullptr);
-    const int result = runModal(dialog, [](QDialog* d) {
-        clickRow(child<QListWidget>(d, "typeList"), "Folder");
-        clickButton(d, "cancelButton");
-    });
-    EXPECT_EQ(result, QDialog::Rejected);
-    EXPECT_EQ(dialog.GetDataType(), "");
-    EXPECT_EQ(dialog.GetDataTypeLabel(), "");
 }
 
 // ---------------------------------------------------------------------------
