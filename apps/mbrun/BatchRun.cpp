@@ -84,7 +84,7 @@ int BatchRun::Exec()
             Console::Err(QStringLiteral("mbrun: the model has no free inputs: run it with no --set\n"));
         return Success;
     }
-    const QStringList problems = Preflight::Problems(model);
+    const QStringList problems = Preflight::Problems(model, path);
     if (!problems.isEmpty())
         return Refuse(problems);
     QStringList inputProblems = inputs.Apply(m_options.Settings());

@@ -3,11 +3,14 @@
 #include "engine/APCModelFile.h"
 #include "functions/APCFun.h"
 #include "functions/FunctionInfo.h"
+#include "model/APCArrow.h"
 #include "model/APCModel.h"
 #include "model/APCProcess.h"
 #include "model/APCVar.h"
 
+#include <QFileInfo>
 #include <QMap>
+#include <QSet>
 
 namespace Mbrun {
 
@@ -26,18 +29,80 @@ QString calledFunction(const QString& text)
     return open < 0 ? QString() : text.mid(dollar, open - dollar).trimmed();
 }
 
-} // namespace
-
-QStringList Preflight::Problems(Plugin::APCModel& model)
+QString canonical(const QString& path)
 {
-    if (Plugin::APCObject* bad = model.FindInvalidObject())
-        return QStringList{bad->GetDescription() + QStringLiteral(" is wrong!\n")} + WhyInvalid(bad);
-    if (model.GetProcesses().isEmpty())
-        return {QStringLiteral("can not run an empty model!\n")};
-    return InvalidExpressions(model);
+    const QString c = QFileInfo(path).canonicalFilePath();
+    return c.isEmpty() ? QFileInfo(path).absoluteFilePath() : c;
 }
 
-QStringList Preflight::WhyInvalid(Plugin::APCObject* object)
+QString nameOf(const Plugin::APCObject* object)
+{
+    return quoted(object->GetDescription().isEmpty() ? object->GetName() : object->GetDescription());
+}
+
+// The chain of model files from path that comes back to a file already on it,
+// or empty when the nesting ends. chain holds the files above path.
+QStringList nestingCycle(const QString& path, QStringList chain)
+{
+    const QString file = canonical(path);
+    if (chain.contains(file))
+        return chain.mid(chain.indexOf(file)) << file;
+    chain << file;
+    Plugin::APCModel model;
+    if (!model.LoadFile(file))
+        return {};
+    for (Plugin::APCProcess* p : model.GetProcesses())
+        if (auto* nested = dynamic_cast<Plugin::APCModelFile*>(p)) {
+            const QStringList cycle = nestingCycle(nested->GetModelPath(), chain);
+            if (!cycle.isEmpty())
+                return cycle;
+        }
+    return {};
+}
+
+} // namespace
+
+QStringList Preflight::Problems(Plugin::APCModel& model, const QString& path)
+{
+    if (Plugin::APCObject* bad = model.FindInvalidObject())
+        return QStringList{bad->GetDescription() + QStringLiteral(" is wrong!\n")} + WhyInvalid(bad, path);
+    if (model.GetProcesses().isEmpty())
+        return {QStringLiteral("can not run an empty model!\n")};
+    return BrokenStructure(model) + InvalidExpressions(model);
+}
+
+QStringList Preflight::BrokenStructure(Plugin::APCModel& model)
+{
+    QStringList lines;
+    // Two objects of one id: arrows and references would reach only the first.
+    QMap<QString, QStringList> byId;
+    for (Plugin::APCProcess* p : model.GetProcesses())
+        byId[p->GetName()] << nameOf(p);
+    for (Plugin::APCVar* v : model.GetVars())
+        byId[v->GetName()] << nameOf(v);
+    for (auto it = byId.constBegin(); it != byId.constEnd(); ++it)
+        if (it.value().size() > 1)
+            lines << QStringLiteral("mbrun: the id %1 is held by %2 objects: %3\n")
+                         .arg(it.key())
+                         .arg(it.value().size())
+                         .arg(it.value().join(QStringLiteral(", ")));
+    // An arrow whose end is not in the model joins nothing the run can follow.
+    auto exists = [&model](const QString& type, const QString& id) {
+        return type == QLatin1String("process") ? model.FindProcess(id) != nullptr
+                                                : type == QLatin1String("var") && model.FindVar(id) != nullptr;
+    };
+    for (Plugin::APCArrow* a : model.GetArrows()) {
+        if (!exists(a->GetTailType(), a->GetTail()))
+            lines << QStringLiteral("mbrun: an arrow starts at %1 (%2), which the model does not have\n")
+                         .arg(a->GetTail(), a->GetTailType());
+        if (!exists(a->GetHeadType(), a->GetHead()))
+            lines << QStringLiteral("mbrun: an arrow ends at %1 (%2), which the model does not have\n")
+                         .arg(a->GetHead(), a->GetHeadType());
+    }
+    return lines;
+}
+
+QStringList Preflight::WhyInvalid(Plugin::APCObject* object, const QString& path)
 {
     QStringList lines;
     auto* process = dynamic_cast<Plugin::APCProcess*>(object);
@@ -53,9 +118,33 @@ QStringList Preflight::WhyInvalid(Plugin::APCObject* object)
     }
     if (lines.isEmpty())
         if (auto* nested = dynamic_cast<Plugin::APCModelFile*>(process))
-            lines << QStringLiteral("mbrun: %1 runs the model %2, which cannot be read, does not validate or contains itself\n")
-                         .arg(quoted(process->GetDescription()), nested->GetModelPath());
+            lines << QStringLiteral("mbrun: %1 runs the model %2, which %3\n")
+                         .arg(quoted(process->GetDescription()), nested->GetModelPath(), WhyNestedFails(nested, path));
     return lines;
+}
+
+QString Preflight::WhyNestedFails(Plugin::APCModelFile* nested, const QString& path)
+{
+    const QString file = nested->GetModelPath();
+    if (file.isEmpty())
+        return QStringLiteral("is not named");
+    if (!QFileInfo(file).isFile())
+        return QStringLiteral("is not found");
+    if (!path.isEmpty() && canonical(file) == canonical(path))
+        return QStringLiteral("is the model itself: a model cannot contain itself");
+    Plugin::APCModel inner;
+    if (!inner.LoadFile(file))
+        return QStringLiteral("is not a model file");
+    const QStringList cycle = nestingCycle(file, path.isEmpty() ? QStringList() : QStringList{canonical(path)});
+    if (!cycle.isEmpty()) {
+        QStringList names;
+        for (const QString& f : cycle)
+            names << QFileInfo(f).fileName();
+        return QStringLiteral("contains a model that contains it again: ") + names.join(QStringLiteral(" -> "));
+    }
+    if (Plugin::APCObject* bad = inner.FindInvalidObject())
+        return QStringLiteral("does not validate: %1 is wrong").arg(nameOf(bad));
+    return QStringLiteral("cannot be run");
 }
 
 QStringList Preflight::InvalidExpressions(Plugin::APCModel& model)

@@ -4,6 +4,7 @@
 
 namespace Plugin {
 class APCModel;
+class APCModelFile;
 class APCObject;
 } // namespace Plugin
 
@@ -17,11 +18,17 @@ class Preflight
 {
 public:
     // The lines to print, each ending in a line feed; empty when the model may run.
-    static QStringList Problems(Plugin::APCModel& model);
+    // path is the model's own file, to tell a nested step that runs it.
+    static QStringList Problems(Plugin::APCModel& model, const QString& path = QString());
 
 private:
     // What makes object fail its check, as far as it can be told.
-    static QStringList WhyInvalid(Plugin::APCObject* object);
+    static QStringList WhyInvalid(Plugin::APCObject* object, const QString& path);
+    // Why a nested step's model cannot run: not named, not found, not a model
+    // file, the model itself, a cycle of models, or an object of it is wrong.
+    static QString WhyNestedFails(Plugin::APCModelFile* nested, const QString& path);
+    // Duplicate ids, and arrows whose ends the model does not have.
+    static QStringList BrokenStructure(Plugin::APCModel& model);
     static QStringList InvalidExpressions(Plugin::APCModel& model);
 };
 
