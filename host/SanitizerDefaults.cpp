@@ -12,7 +12,8 @@ extern "C" const char* __lsan_default_suppressions()
 
 extern "C" const char* __tsan_default_suppressions()
 {
-    return "called_from_lib:libQt5Core.so.5\ncalled_from_lib:libgdal.so.32\ncalled_from_lib:libsqlite3.so.0\n"
+    return "called_from_lib:libQt5Core.so.5\ncalled_from_lib:libQt5Widgets.so.5\ncalled_from_lib:libgdal.so.32\n"
+           "called_from_lib:libproj.so.25\ncalled_from_lib:libsqlite3.so.0\n"
            "race:QThreadPool\nrace:QFutureInterfaceBase\nrace:QFutureInterface\nrace:ResultStoreBase\n"
            "race:QMutex\nrace:libglib\ndeadlock:libgdal.so.32\ndeadlock:libsqlite3.so.0\n";
 }

@@ -49,6 +49,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QTabWidget>
+#include <QTimer>
 #include <QToolBar>
 
 namespace Plugin {
@@ -86,15 +87,25 @@ ModelControler::ModelControler(const QString& path, bool readOnly, QWidget* pare
     m_connections.emplace_back(m_document->arrowRemoved.connect(changed(APCOperator_Delete)));
 
     m_control->SetLog(new APCConsoleLog(this));
-    // Progress is reported from the step's pool thread: the item is found and
-    // redrawn on this thread, by the step's id.
+    // Progress is reported from the step's pool thread: it is noted under a lock
+    // and drawn on this thread by a timer, so no object crosses the threads.
     m_connections.emplace_back(m_control->NodeProgress.connect([this](SequenceNode* node, double value) {
-        const QString id = node->GetProcess()->GetName();
-        QMetaObject::invokeMethod(this, [this, id, value] {
-            if (GraphicsItemBase* item = FindItemBaseById(id))
-                item->SetProgress(value);
-        }, Qt::QueuedConnection);
+        std::lock_guard<std::mutex> lock(m_progressMutex);
+        m_pendingProgress.insert(node->GetProcess()->GetName(), value);
     }));
+    m_progressTimer = new QTimer(this);
+    m_progressTimer->setInterval(50);
+    connect(m_progressTimer, &QTimer::timeout, this, [this] {
+        QHash<QString, double> pending;
+        {
+            std::lock_guard<std::mutex> lock(m_progressMutex);
+            pending.swap(m_pendingProgress);
+        }
+        for (auto it = pending.constBegin(); it != pending.constEnd(); ++it)
+            if (GraphicsItemBase* item = FindItemBaseById(it.key()))
+                item->SetProgress(it.value());
+    });
+    m_progressTimer->start();
     m_connections.emplace_back(m_control->NodeStatus.connect([this](SequenceNode* node, int status) {
         if (GraphicsItemBase* item = FindItemBase(node->GetProcess()))
             item->SetState(status);

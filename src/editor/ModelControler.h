@@ -6,10 +6,13 @@
 
 #include <boost/signals2/connection.hpp>
 
+#include <mutex>
 #include <vector>
+#include <QHash>
 #include <QString>
 
 class QDockWidget;
+class QTimer;
 class QTabWidget;
 class QGraphicsItem;
 class QGraphicsSceneMouseEvent;
@@ -89,6 +92,11 @@ protected:
     QList<QGraphicsItem*> m_removedItems;
     // To the document and the control, which the window outlives only briefly.
     std::vector<boost::signals2::scoped_connection> m_connections;
+    // Progress reported from pool threads, by step id, until the window's timer
+    // draws it on this thread; the lock is all the two threads share.
+    std::mutex m_progressMutex;
+    QHash<QString, double> m_pendingProgress;
+    QTimer* m_progressTimer = nullptr; // child
 };
 
 } // namespace Plugin
