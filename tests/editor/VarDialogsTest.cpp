@@ -1,4 +1,4 @@
-// The var dialogs (Parts 3.3, 4.3) and Add Variable (Part 6.7), driven offscreen
+// The var dialogs, the function dialog and Add Variable, driven offscreen
 // as a user drives them: rows chosen, text typed, radio buttons and buttons clicked,
 // refusals answered.
 #include "HostCatalogGui/DataTypeFactory.h"
@@ -167,7 +167,7 @@ APCVar* addVar(APCModel& model, const QString& id, const QString& type, const QS
 } // namespace
 
 // ---------------------------------------------------------------------------
-// APCFunctionDlg (Part 3.3)
+// APCFunctionDlg
 
 TEST(FunctionDialog, OpensOnTheFirstSortedFunctionAndListsTheVarsByDescription)
 {
@@ -309,7 +309,7 @@ TEST(FunctionDialog, CancelKeepsTheExpressionAsTheCallerSetIt)
 }
 
 // ---------------------------------------------------------------------------
-// APCVarDlg (Part 4.3)
+// APCVarDlg
 
 class VarDialog : public ::testing::Test
 {
@@ -589,7 +589,7 @@ TEST(VarDialogInWindow, ApplyRaisesTheWindowsModifiedFlag)
 }
 
 // ---------------------------------------------------------------------------
-// VarAddDlg (Part 4.3)
+// VarAddDlg
 
 TEST(VarAddDialog, ListsTheDataTypesSortedWithTheFirstSelected)
 {
@@ -687,7 +687,7 @@ TEST(VarAddDialog, OkWithoutACurrentRowIsRefusedAndTheDialogStays)
 }
 
 // ---------------------------------------------------------------------------
-// VarAddCommand (Part 6.7)
+// VarAddCommand
 
 class AddVariable : public ::testing::Test
 {
