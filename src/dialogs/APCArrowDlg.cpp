@@ -66,23 +66,10 @@ APCArrowDlg::APCArrowDlg(APCObject* object, QWidget* parent) : APCObjectDialog(o
                              &m_tailType, &m_tailObject, &m_tailParameter, this));
     layout->addLayout(ends);
 
-    auto* line = new QFrame(this);
-    line->setFrameShape(QFrame::HLine);
-    line->setFrameShadow(QFrame::Sunken);
-    layout->addWidget(line);
+    AddSeparator(this, layout);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addItem(new QSpacerItem(40, 20, QSizePolicy::Expanding, QSizePolicy::Minimum));
-    auto* ok = new QPushButton(QCoreApplication::translate("APCArrowDlg", "OK"), this);
-    ok->setObjectName(QStringLiteral("okButton"));
-    buttons->addWidget(ok);
-    auto* cancel = new QPushButton(QCoreApplication::translate("APCArrowDlg", "Cancel"), this);
-    cancel->setObjectName(QStringLiteral("cancelButton"));
-    buttons->addWidget(cancel);
-    layout->addLayout(buttons);
+    AddDialogButtons(this, layout, QCoreApplication::translate("APCArrowDlg", "OK"), QCoreApplication::translate("APCArrowDlg", "Cancel"), false);
 
-    MB_CHECK(connect(ok, SIGNAL(clicked(bool)), this, SLOT(OnOKClicked(bool))));
-    MB_CHECK(connect(cancel, SIGNAL(clicked(bool)), this, SLOT(OnCancelClicked(bool))));
 
     if (APCArrow* arrow = Arrow()) {
         for (QComboBox* type : {m_headType, m_tailType}) {

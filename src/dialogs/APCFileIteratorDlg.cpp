@@ -48,18 +48,8 @@ APCFileIteratorDlg::APCFileIteratorDlg(APCObject* object, QWidget* parent) : APC
     grid->setColumnStretch(1, 1);
     layout->addLayout(grid);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addItem(new QSpacerItem(40, 20, QSizePolicy::Expanding, QSizePolicy::Minimum));
-    auto* ok = new QPushButton(QCoreApplication::translate("APCFileIteratorDlg", "OK"), this);
-    ok->setObjectName(QStringLiteral("okButton"));
-    buttons->addWidget(ok);
-    auto* cancel = new QPushButton(QCoreApplication::translate("APCFileIteratorDlg", "Cancel"), this);
-    cancel->setObjectName(QStringLiteral("cancelButton"));
-    buttons->addWidget(cancel);
-    layout->addLayout(buttons);
+    AddDialogButtons(this, layout, QCoreApplication::translate("APCFileIteratorDlg", "OK"), QCoreApplication::translate("APCFileIteratorDlg", "Cancel"), false);
 
-    MB_CHECK(connect(ok, SIGNAL(clicked(bool)), this, SLOT(OnOKClicked(bool))));
-    MB_CHECK(connect(cancel, SIGNAL(clicked(bool)), this, SLOT(OnCancelClicked(bool))));
 
     auto* iterator = dynamic_cast<APCFileIterator*>(object);
     MB_ASSERT(iterator, return);

@@ -58,20 +58,9 @@ APCFunctionDlg::APCFunctionDlg(const QList<FunctionInfo>& functions, const QList
     sides->setStretchFactor(1, 65);
     layout->addWidget(sides);
 
-    auto* line = new QFrame(this);
-    line->setFrameShape(QFrame::HLine);
-    line->setFrameShadow(QFrame::Sunken);
-    layout->addWidget(line);
+    Plugin::AddSeparator(this, layout);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addItem(new QSpacerItem(40, 20, QSizePolicy::Expanding, QSizePolicy::Minimum));
-    auto* ok = new QPushButton(tr("OK"), this);
-    ok->setObjectName(QStringLiteral("okButton"));
-    buttons->addWidget(ok);
-    auto* cancel = new QPushButton(tr("Cancel"), this);
-    cancel->setObjectName(QStringLiteral("cancelButton"));
-    buttons->addWidget(cancel);
-    layout->addLayout(buttons);
+    Plugin::AddDialogButtons(this, layout, tr("OK"), tr("Cancel"), false);
 
     // Each row points at its record: the dialog's own copy of the catalogue, the var itself.
     for (int i = 0; i < m_functions.size(); ++i) {
@@ -92,8 +81,6 @@ APCFunctionDlg::APCFunctionDlg(const QList<FunctionInfo>& functions, const QList
     ShowFunctionHelp(m_functionList->currentItem());
 
     // Only now: filling the lists must not fire the slots.
-    MB_CHECK(connect(ok, SIGNAL(clicked(bool)), this, SLOT(OnOKClicked(bool))));
-    MB_CHECK(connect(cancel, SIGNAL(clicked(bool)), this, SLOT(OnCancelClicked(bool))));
     MB_CHECK(connect(m_functionList, SIGNAL(itemSelectionChanged()), this, SLOT(OnFuncItemSelectionChanged())));
     MB_CHECK(connect(m_varList, SIGNAL(itemSelectionChanged()), this, SLOT(OnParamItemSelectionChanged())));
     MB_CHECK(connect(m_functionList, SIGNAL(itemClicked(QListWidgetItem*)), this,

@@ -25,19 +25,9 @@ APCModelFileDlg::APCModelFileDlg(APCObject* object, QWidget* parent) : APCObject
     grid->setColumnStretch(1, 1);
     layout->addLayout(grid);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addItem(new QSpacerItem(40, 20, QSizePolicy::Expanding, QSizePolicy::Minimum));
-    auto* ok = new QPushButton(QCoreApplication::translate("APCModelFileDlg", "OK"), this);
-    ok->setObjectName(QStringLiteral("okButton"));
-    ok->setDefault(true);
-    buttons->addWidget(ok);
-    auto* cancel = new QPushButton(QCoreApplication::translate("APCModelFileDlg", "Cancel"), this);
-    cancel->setObjectName(QStringLiteral("cancelButton"));
-    buttons->addWidget(cancel);
-    layout->addLayout(buttons);
+    const DialogButtons buttons = AddDialogButtons(this, layout, QCoreApplication::translate("APCModelFileDlg", "OK"), QCoreApplication::translate("APCModelFileDlg", "Cancel"), false);
+    buttons.ok->setDefault(true);
 
-    MB_CHECK(connect(ok, SIGNAL(clicked(bool)), this, SLOT(OnOKClicked(bool))));
-    MB_CHECK(connect(cancel, SIGNAL(clicked(bool)), this, SLOT(OnCancelClicked(bool))));
 
     auto* step = dynamic_cast<APCModelFile*>(object);
     MB_ASSERT(step, return);

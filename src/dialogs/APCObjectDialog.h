@@ -2,6 +2,9 @@
 
 #include <QDialog>
 
+class QBoxLayout;
+class QPushButton;
+
 namespace Plugin {
 
 class APCObject;
@@ -28,5 +31,18 @@ protected:
 
 // Takes away the title-bar buttons a property dialog has no use for.
 void StripDialogButtons(QWidget* dialog);
+
+// The row of OK and Cancel every dialog ends with, after a stretch (and before
+// another when centred), named okButton and cancelButton and wired to the
+// dialog's OnOKClicked(bool) and OnCancelClicked(bool) slots.
+struct DialogButtons
+{
+    QPushButton* ok = nullptr;
+    QPushButton* cancel = nullptr;
+};
+DialogButtons AddDialogButtons(QDialog* dialog, QBoxLayout* layout, const QString& okText, const QString& cancelText,
+                               bool centred);
+// A sunken horizontal line across the dialog, as above its buttons.
+void AddSeparator(QWidget* dialog, QBoxLayout* layout);
 
 } // namespace Plugin

@@ -56,25 +56,12 @@ APCVarDlg::APCVarDlg(APCObject* object, QWidget* parent)
     grid->addLayout(expressionRow, 3, 1);
     layout->addLayout(grid);
 
-    auto* line = new QFrame(this);
-    line->setFrameShape(QFrame::HLine);
-    line->setFrameShadow(QFrame::Sunken);
-    layout->addWidget(line);
+    AddSeparator(this, layout);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addItem(new QSpacerItem(40, 20, QSizePolicy::Expanding, QSizePolicy::Minimum));
-    auto* ok = new QPushButton(QCoreApplication::translate("APCVarDlg", "OK"), this);
-    ok->setObjectName(QStringLiteral("okButton"));
-    ok->setDefault(true);
-    buttons->addWidget(ok);
-    auto* cancel = new QPushButton(QCoreApplication::translate("APCVarDlg", "Cancel"), this);
-    cancel->setObjectName(QStringLiteral("cancelButton"));
-    cancel->setAutoDefault(false);
-    buttons->addWidget(cancel);
-    layout->addLayout(buttons);
+    const DialogButtons buttons = AddDialogButtons(this, layout, QCoreApplication::translate("APCVarDlg", "OK"), QCoreApplication::translate("APCVarDlg", "Cancel"), false);
+    buttons.ok->setDefault(true);
+    buttons.cancel->setAutoDefault(false);
 
-    MB_CHECK(connect(ok, SIGNAL(clicked(bool)), this, SLOT(OnOKClicked(bool))));
-    MB_CHECK(connect(cancel, SIGNAL(clicked(bool)), this, SLOT(OnCancelClicked(bool))));
     MB_CHECK(connect(m_funcButton, SIGNAL(clicked(bool)), this, SLOT(OnFuncClicked(bool))));
     MB_CHECK(connect(m_constRadio, SIGNAL(clicked(bool)), this, SLOT(OnRadioConstClicked(bool))));
     MB_CHECK(connect(m_varRadio, SIGNAL(clicked(bool)), this, SLOT(OnRadioVarClicked(bool))));

@@ -30,20 +30,9 @@ RunCmdDlg::RunCmdDlg(QWidget* parent) : QDialog(parent)
     }
     layout->addWidget(m_tabs);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addItem(new QSpacerItem(40, 20, QSizePolicy::Expanding, QSizePolicy::Minimum));
-    auto* ok = new QPushButton(tr("OK"), this);
-    ok->setObjectName(QStringLiteral("okButton"));
-    ok->setDefault(true);
-    buttons->addWidget(ok);
-    auto* cancel = new QPushButton(tr("Cancel"), this);
-    cancel->setObjectName(QStringLiteral("cancelButton"));
-    buttons->addWidget(cancel);
-    buttons->addItem(new QSpacerItem(40, 20, QSizePolicy::Expanding, QSizePolicy::Minimum));
-    layout->addLayout(buttons);
+    const Plugin::DialogButtons buttons = Plugin::AddDialogButtons(this, layout, tr("OK"), tr("Cancel"), true);
+    buttons.ok->setDefault(true);
 
-    MB_CHECK(connect(ok, SIGNAL(clicked(bool)), this, SLOT(OnOKClicked(bool))));
-    MB_CHECK(connect(cancel, SIGNAL(clicked(bool)), this, SLOT(OnCancelClicked(bool))));
 }
 
 void RunCmdDlg::AddPage(Plugin::DataTypeWidget* widget, const QString& title)

@@ -25,17 +25,8 @@ VarAddDlg::VarAddDlg(QWidget* parent) : QDialog(parent)
     m_types->setObjectName(QStringLiteral("typeList"));
     layout->addWidget(m_types);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addItem(new QSpacerItem(40, 20, QSizePolicy::Expanding, QSizePolicy::Minimum));
-    auto* ok = new QPushButton(tr("OK"), this);
-    ok->setObjectName(QStringLiteral("okButton"));
-    ok->setDefault(true);
-    buttons->addWidget(ok);
-    auto* cancel = new QPushButton(tr("Cancel"), this);
-    cancel->setObjectName(QStringLiteral("cancelButton"));
-    buttons->addWidget(cancel);
-    buttons->addItem(new QSpacerItem(40, 20, QSizePolicy::Expanding, QSizePolicy::Minimum));
-    layout->addLayout(buttons);
+    const Plugin::DialogButtons buttons = Plugin::AddDialogButtons(this, layout, tr("OK"), tr("Cancel"), true);
+    buttons.ok->setDefault(true);
 
     for (const Plugin::DataTypeInfo& info : Plugin::DataTypeFactory::GetDataTypeInfo()) {
         auto* item = new QListWidgetItem(info.label, m_types);
@@ -44,8 +35,6 @@ VarAddDlg::VarAddDlg(QWidget* parent) : QDialog(parent)
     m_types->sortItems(Qt::AscendingOrder);
     m_types->setCurrentRow(0);
 
-    MB_CHECK(connect(ok, SIGNAL(clicked(bool)), this, SLOT(OnOKClicked(bool))));
-    MB_CHECK(connect(cancel, SIGNAL(clicked(bool)), this, SLOT(OnCancelClicked(bool))));
 }
 
 void VarAddDlg::OnOKClicked(bool)
