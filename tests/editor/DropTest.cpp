@@ -6,6 +6,7 @@
 #include "editor/ModelScene.h"
 #include "model/APCModel.h"
 #include "model/APCProcess.h"
+#include "support/CanvasDriver.h"
 #include "support/GuiDriver.h"
 #include "toolbox/ATBAlgo.h"
 #include "toolbox/ATBAlgoDepend.h"
@@ -14,9 +15,7 @@
 #include "toolbox/ATBTreeWidget.h"
 
 #include <QApplication>
-#include <QGraphicsSceneDragDropEvent>
 #include <QMessageBox>
-#include <QMimeData>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -24,32 +23,7 @@
 
 using namespace Plugin;
 
-namespace {
-
-// Drags item's row out of tree and lets it go over the canvas at scene position
-// at; false when the canvas refused the drag, so that nothing was dropped.
-bool dropOnCanvas(QTreeWidget* tree, ATBItem* item, ModelControler& window, const QPointF& at)
-{
-    auto* row = new QTreeWidgetItem(tree, QStringList(item->GetName()));
-    row->setData(0, Qt::UserRole, QVariant::fromValue(static_cast<void*>(item)));
-    QMimeData mime;
-    mime.setText(QString::number(quint64(quintptr(item)), 10));
-    for (QEvent::Type type : {QEvent::GraphicsSceneDragEnter, QEvent::GraphicsSceneDragMove, QEvent::GraphicsSceneDrop}) {
-        QGraphicsSceneDragDropEvent event(type);
-        event.setSource(tree);
-        event.setMimeData(&mime);
-        event.setScenePos(at);
-        event.setPossibleActions(Qt::MoveAction);
-        event.setProposedAction(Qt::MoveAction);
-        event.setAccepted(false);
-        QApplication::sendEvent(window.GetScene(), &event);
-        if (type != QEvent::GraphicsSceneDrop && !event.isAccepted())
-            return false;
-    }
-    return true;
-}
-
-} // namespace
+using CanvasDriver::DropOnCanvas;
 
 class Drop : public ::testing::Test
 {
@@ -82,7 +56,7 @@ TEST_F(Drop, ToolsBecomeStepsWithTheirVarsAndArrows)
         SCOPED_TRACE(c.name);
         tree.clear();
         auto window = std::make_unique<ModelControler>(dir.filePath("m.apc"), c.readOnly);
-        EXPECT_EQ(dropOnCanvas(&tree, c.item, *window, QPointF(120, 80)), !c.readOnly);
+        EXPECT_EQ(DropOnCanvas(&tree, c.item, *window, QPointF(120, 80)), !c.readOnly);
         APCModel* model = window->GetDocument();
         if (c.kind.isEmpty()) {
             EXPECT_TRUE(model->GetProcesses().isEmpty());
@@ -112,7 +86,7 @@ TEST_F(Drop, AModelCannotBeDroppedIntoItself)
         warning = modal->windowTitle() + ": " + qobject_cast<QMessageBox*>(modal)->text();
         modal->close();
     });
-    EXPECT_TRUE(dropOnCanvas(&tree, &self, *window, QPointF(0, 0)));
+    EXPECT_TRUE(DropOnCanvas(&tree, &self, *window, QPointF(0, 0)));
     EXPECT_EQ(warning, "Warning: Can not drag self!");
     EXPECT_TRUE(window->GetDocument()->GetProcesses().isEmpty());
 }

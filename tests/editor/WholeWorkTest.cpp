@@ -11,6 +11,7 @@
 #include "model/APCArrow.h"
 #include "model/APCModel.h"
 #include "model/APCVar.h"
+#include "support/CanvasDriver.h"
 #include "support/GuiDriver.h"
 #include "support/ModelFixtures.h"
 #include "support/TestSupport.h"
@@ -22,9 +23,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QFile>
-#include <QGraphicsSceneDragDropEvent>
 #include <QLineEdit>
-#include <QMimeData>
 #include <QRadioButton>
 #include <QTabWidget>
 #include <QTemporaryDir>
@@ -50,24 +49,6 @@ void clickButton(QWidget* root, const QString& name)
     auto* button = root->findChild<QAbstractButton*>(name);
     ASSERT_TRUE(button) << name.toStdString();
     QTest::mouseClick(button, Qt::LeftButton);
-}
-
-// The three events a view hands the scene while a tool box row is dragged in.
-void drop(ModelControler& window, QTreeWidget* tree, ATBItem* item, const QPointF& at)
-{
-    auto* row = new QTreeWidgetItem(tree, QStringList(item->GetName()));
-    row->setData(0, Qt::UserRole, QVariant::fromValue(static_cast<void*>(item)));
-    QMimeData mime;
-    mime.setText(QString::number(quint64(quintptr(item)), 10));
-    for (QEvent::Type type : {QEvent::GraphicsSceneDragEnter, QEvent::GraphicsSceneDragMove, QEvent::GraphicsSceneDrop}) {
-        QGraphicsSceneDragDropEvent event(type);
-        event.setSource(tree);
-        event.setMimeData(&mime);
-        event.setScenePos(at);
-        event.setPossibleActions(Qt::MoveAction);
-        event.setProposedAction(Qt::MoveAction);
-        QApplication::sendEvent(window.GetScene(), &event);
-    }
 }
 
 class Mouse
@@ -128,7 +109,7 @@ TEST(WholeWork, FromAnExampleToASavedModelThatRan)
     ATBAlgo convert;
     convert.SetName("Convert raster");
     convert.SetMetadata("raster.translate");
-    drop(window, &tree, &convert, QPointF(300, 0));
+    ASSERT_TRUE(CanvasDriver::DropOnCanvas(&tree, &convert, window, QPointF(300, 0)));
     ASSERT_EQ(model->GetProcesses().size(), 2);
     auto* step = dynamic_cast<APCAlgo*>(model->GetProcesses().last());
     ASSERT_TRUE(step);
