@@ -207,45 +207,6 @@ TEST(FunctionDialog, OpensOnTheFirstSortedFunctionAndListsTheVarsByDescription)
     EXPECT_EQ(dialog.GetExpression(), "");
 }
 
-TEST(FunctionDialog, HelpFollowsTheChosenRowAndNothingIsInserted)
-{
-    TestSupport::HeadlessModel model;
-    addVar(model, "{s}", "file", "Scene");
-    addVar(model, "{o}", "filePath", "Output");
-    APCFunctionDlg dialog(APCFun::GetFunctionList(), model.GetVars(), nullptr);
-    dialog.SetExpression("typed by hand");
-    dialog.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
-    auto* functions = child<QListWidget>(&dialog, "functionList");
-    auto* vars = child<QListWidget>(&dialog, "varList");
-    auto* help = child<QTextEdit>(&dialog, "helpEdit");
-    auto* expression = child<QTextEdit>(&dialog, "expressionEdit");
-
-    // Selection by keyboard.
-    functions->setFocus();
-    QTest::keyClick(functions, Qt::Key_Down);
-    EXPECT_EQ(help->toPlainText(), functionHelp(catalogueEntry("$AppendSuffix")));
-    vars->setFocus();
-    QTest::keyClick(vars, Qt::Key_Down);
-    EXPECT_EQ(help->toPlainText(), "Name:{s}\nDescribe:Scene");
-
-    // A click on a row that is already selected changes no selection, and still shows its help.
-    clickRow(functions, "$AppendSuffix");
-    EXPECT_EQ(help->toPlainText(), functionHelp(catalogueEntry("$AppendSuffix")));
-    clickRow(vars, "Scene");
-    EXPECT_EQ(help->toPlainText(), "Name:{s}\nDescribe:Scene");
-    clickRow(vars, "Output");
-    EXPECT_EQ(help->toPlainText(), "Name:{o}\nDescribe:Output");
-    clickRow(functions, "$SubDirectory");
-    EXPECT_EQ(help->toPlainText(), functionHelp(catalogueEntry("$SubDirectory")));
-    clickRow(functions, "$SubDirectory");
-    EXPECT_EQ(help->toPlainText(), functionHelp(catalogueEntry("$SubDirectory")));
-
-    EXPECT_EQ(expression->toPlainText(), "typed by hand");
-    EXPECT_EQ(dialog.GetExpression(), "typed by hand");
-    dialog.close();
-}
-
 TEST(FunctionDialog, OkTakesWhatParsesOrIsEmptyAndRefusesTheRest)
 {
     struct Case
@@ -295,19 +256,6 @@ TEST(FunctionDialog, OkTakesWhatParsesOrIsEmptyAndRefusesTheRest)
     }
 }
 
-TEST(FunctionDialog, CancelKeepsTheExpressionAsTheCallerSetIt)
-{
-    APCFunctionDlg dialog(APCFun::GetFunctionList(), {}, nullptr);
-    dialog.SetExpression("$AppendSuffix(%{a}%, '_x')");
-    EXPECT_EQ(child<QTextEdit>(&dialog, "expressionEdit")->toPlainText(), "$AppendSuffix(%{a}%, '_x')");
-    const int result = runModal(dialog, [](QDialog* d) {
-        retype(child<QTextEdit>(d, "expressionEdit"), "$ReplaceExtension('c:/test/x.tif', 'xml')");
-        clickButton(d, "cancelButton");
-    });
-    EXPECT_EQ(result, QDialog::Rejected);
-    EXPECT_EQ(dialog.GetExpression(), "$AppendSuffix(%{a}%, '_x')");
-}
-
 // ---------------------------------------------------------------------------
 // APCVarDlg
 
@@ -339,57 +287,6 @@ protected:
     QList<APCVar*> changed;
     boost::signals2::scoped_connection changes;
 };
-
-TEST_F(VarDialog, ShowsAConstantWithItsWidgetAndAnEmptyExpression)
-{
-    APCVarDlg dialog(kept, nullptr);
-    EXPECT_EQ(dialog.GetObject(), kept);
-    EXPECT_EQ(dialog.windowTitle(), "Value");
-    EXPECT_EQ(dialog.size(), QSize(514, 219));
-    EXPECT_FALSE(dialog.windowFlags() & (Qt::WindowContextHelpButtonHint | Qt::WindowMinimizeButtonHint |
-                                         Qt::WindowMaximizeButtonHint));
-    QStringList labels;
-    for (QLabel* label : dialog.findChildren<QLabel*>())
-        if (label->parentWidget() == &dialog)
-            labels << label->text();
-    EXPECT_EQ(labels, QStringList({"Name:", "Description:"}));
-
-    auto* name = child<QLineEdit>(&dialog, "nameEdit");
-    EXPECT_EQ(name->text(), "{kept}");
-    EXPECT_TRUE(name->isReadOnly());
-    EXPECT_EQ(child<QLineEdit>(&dialog, "descriptionEdit")->text(), "Kept");
-    auto* constant = child<QRadioButton>(&dialog, "constRadio");
-    auto* variable = child<QRadioButton>(&dialog, "varRadio");
-    EXPECT_EQ(constant->text(), "Constant");
-    EXPECT_EQ(variable->text(), "Variable");
-    EXPECT_TRUE(constant->isChecked());
-    EXPECT_FALSE(variable->isChecked());
-
-    DataTypeWidget* widget = valueWidget(&dialog);
-    EXPECT_TRUE(widget->isEnabled());
-    EXPECT_EQ(widget->GetValue(), "abc");
-    EXPECT_EQ(widget->GetCaption(), "");
-    auto* grid = qobject_cast<QGridLayout*>(dialog.layout()->itemAt(0)->layout());
-    ASSERT_NE(grid, nullptr);
-    int row = -1, column = -1, rows = 0, columns = 0;
-    grid->getItemPosition(grid->indexOf(widget), &row, &column, &rows, &columns);
-    EXPECT_EQ(row, 2);
-    EXPECT_EQ(column, 1);
-    grid->getItemPosition(grid->indexOf(constant), &row, &column, &rows, &columns);
-    EXPECT_EQ(QPoint(column, row), QPoint(0, 2));
-    grid->getItemPosition(grid->indexOf(variable), &row, &column, &rows, &columns);
-    EXPECT_EQ(QPoint(column, row), QPoint(0, 3));
-
-    // The kept expression is not shown for a constant.
-    auto* expression = child<QLineEdit>(&dialog, "expressionEdit");
-    EXPECT_EQ(expression->text(), "");
-    EXPECT_FALSE(expression->isEnabled());
-    auto* dots = child<QPushButton>(&dialog, "funcButton");
-    EXPECT_EQ(dots->text(), "...");
-    EXPECT_FALSE(dots->isEnabled());
-    EXPECT_EQ(child<QPushButton>(&dialog, "okButton")->text(), "OK");
-    EXPECT_EQ(child<QPushButton>(&dialog, "cancelButton")->text(), "Cancel");
-}
 
 TEST_F(VarDialog, ShowsAComputedVarWithItsExpressionAndItsValueDisabled)
 {
@@ -590,49 +487,6 @@ TEST(VarDialogInWindow, ApplyRaisesTheWindowsModifiedFlag)
 
 // ---------------------------------------------------------------------------
 // VarAddDlg
-
-TEST(VarAddDialog, ListsTheDataTypesSortedWithTheFirstSelected)
-{
-    VarAddDlg dialog(nullptr);
-    EXPECT_EQ(dialog.windowTitle(), "Add Variable");
-    EXPECT_EQ(dialog.size(), QSize(323, 406));
-    EXPECT_FALSE(dialog.windowFlags() & (Qt::WindowContextHelpButtonHint | Qt::WindowMinimizeButtonHint |
-                                         Qt::WindowMaximizeButtonHint));
-    auto* layout = qobject_cast<QVBoxLayout*>(dialog.layout());
-    ASSERT_NE(layout, nullptr);
-    EXPECT_EQ(layout->spacing(), 24);
-    QDialog probe;
-    QVBoxLayout styleDefault(&probe);
-    EXPECT_EQ(layout->contentsMargins(),
-              QMargins(styleDefault.contentsMargins().left(), 16, styleDefault.contentsMargins().right(), 20));
-    ASSERT_NE(dialog.findChild<QLabel*>(), nullptr);
-    EXPECT_EQ(dialog.findChild<QLabel*>()->text(), "Select the variable data type");
-    EXPECT_EQ(child<QPushButton>(&dialog, "okButton")->text(), "OK");
-    EXPECT_EQ(child<QPushButton>(&dialog, "cancelButton")->text(), "Cancel");
-
-    auto* list = child<QListWidget>(&dialog, "typeList");
-    const QList<DataTypeInfo> infos = DataTypeFactory::GetDataTypeInfo();
-    ASSERT_EQ(list->count(), infos.size());
-    QStringList listed;
-    for (int i = 0; i < list->count(); ++i) {
-        const QListWidgetItem* item = list->item(i);
-        listed << item->data(Qt::UserRole).toString() + "=" + item->text();
-        if (i > 0) {
-            EXPECT_LE(list->item(i - 1)->text().localeAwareCompare(item->text()), 0) << i;
-        }
-    }
-    QStringList known;
-    for (const DataTypeInfo& info : infos)
-        known << info.type + "=" + info.label;
-    listed.sort();
-    known.sort();
-    EXPECT_EQ(listed, known);
-    EXPECT_EQ(list->item(0)->text(), "File");
-    EXPECT_EQ(list->currentRow(), 0);
-    EXPECT_TRUE(list->item(0)->isSelected());
-    EXPECT_EQ(dialog.GetDataType(), "");
-    EXPECT_EQ(dialog.GetDataTypeLabel(), "");
-}
 
 TEST(VarAddDialog, OkGivesTheChosenRowsTypeAndLabel)
 {
