@@ -13,12 +13,14 @@
 #include "StopSignals.h"
 #include "StreamingLog.h"
 
+#include "engine/APCExecuteFactory.h"
 #include "engine/ModelRun.h"
 #include "engine/SequenceControl.h"
 #include "engine/SequenceNode.h"
 #include "model/APCModel.h"
 #include "model/APCProcess.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QFileInfo>
 #include <QTimer>
@@ -115,6 +117,22 @@ int BatchRun::Plan(Plugin::APCModel& model, const FreeInputs& inputs)
     return plan.Failed() ? StepFailed : Success;
 }
 
+void BatchRun::WaitForLateSteps(const RunRecorder& recorder)
+{
+    // A failure ends the run while other branches may still be executing; they
+    // finish on their own threads and are logged after the summary. Waiting for
+    // them lets the log, the closing lines and the report account for every step
+    // that ran, and the process does not end under a step still writing.
+    const QStringList running = recorder.RunningSteps();
+    if (running.isEmpty() || !Plugin::APCExecuteFactory::Instance()->IsRunning())
+        return;
+    Say({QStringLiteral("mbrun: the run ended on a failure; waiting for the steps still running (%1): %2\n")
+             .arg(running.size())
+             .arg(running.join(QStringLiteral(", ")))});
+    while (!m_signal && Plugin::APCExecuteFactory::Instance()->IsRunning())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
 int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
 {
     if (m_options.DryRun())
@@ -172,13 +190,16 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
     if (!run.Start(inputs.List(), ModelName()))
         return Refuse({QStringLiteral("mbrun: the model cannot run: %1\n").arg(control.GetBuildError())});
     run.Wait();
+    if (!m_signal)
+        WaitForLateSteps(recorder);
     if (terminal)
         Console::Err(QStringLiteral("\n"));
     recorder.CloseOpenSteps(m_signal ? Status::Interrupted : Status::Unfinished);
     flushTimer.stop();
     flushState();
 
-    QStringList closing = ClosingLines::EmptyIterators(recorder) + ClosingLines::Failures(recorder);
+    QStringList closing = ClosingLines::EmptyIterators(recorder) + recorder.LeftOut().Warnings() +
+                          ClosingLines::Failures(recorder);
     if (m_signal)
         closing += ClosingLines::Interrupted(recorder, StopSignals::Name(m_signal));
     Say(closing);

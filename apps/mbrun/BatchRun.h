@@ -14,6 +14,7 @@ namespace Mbrun {
 
 class CommandLine;
 class FreeInputs;
+class RunRecorder;
 
 // One invocation of mbrun on a model: load, list or check, then run, resume or
 // plan it, and tell how it went (log, closing lines, report, exit code).
@@ -41,6 +42,9 @@ private:
     // Runs the model, or prints its plan for a dry run.
     int Run(Plugin::APCModel& model, const FreeInputs& inputs);
     int Plan(Plugin::APCModel& model, const FreeInputs& inputs);
+    // Lets the steps still running when the run ended report, unless a signal
+    // comes first.
+    void WaitForLateSteps(const RunRecorder& recorder);
     // The name the log gives the run.
     QString ModelName() const;
     void WriteReport(const RunRecorder* recorder, ReportWriter::Outcome outcome, int code);

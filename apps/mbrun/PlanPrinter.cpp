@@ -108,6 +108,7 @@ void PlanPrinter::PlanIterator(SequenceNode* node, const QList<SequenceNode*>& b
             m_failed = true;
             return;
         }
+        m_leftOut.Note(iterator);
         ++m_rounds;
         ++m_roundsOf[node];
         if (model)

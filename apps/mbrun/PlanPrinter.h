@@ -1,5 +1,7 @@
 #pragma once
 
+#include "LeftOutFiles.h"
+
 #include <QHash>
 #include <QList>
 #include <QSet>
@@ -32,8 +34,9 @@ public:
     void Print(const QString& name);
     // An iterator could not hand out its files: the run would fail there.
     bool Failed() const { return m_failed; }
-    // mbrun's warnings about the plan: iterators that found nothing, steps that never start.
-    const QStringList& Warnings() const { return m_warnings; }
+    // mbrun's warnings about the plan: iterators that found nothing or left files
+    // out, steps that never start.
+    QStringList Warnings() const { return m_warnings + m_leftOut.Warnings(); }
 
 private:
     // Plans nodes (in start order) at one depth of iteration.
@@ -52,6 +55,7 @@ private:
     QSet<QString> m_rewritten; // outputs of the steps that would run, as absolute paths
     QString m_buffer;
     QStringList m_warnings;
+    LeftOutFiles m_leftOut;
     int m_rounds = 0;
     int m_steps = 0;
     int m_outputs = 0;

@@ -115,6 +115,11 @@ bool ReportWriter::Write(const RunRecorder* recorder, Outcome outcome, int exitC
     root.insert(QStringLiteral("rounds"), rounds);
     root.insert(QStringLiteral("failedRounds"), failedRounds);
     root.insert(QStringLiteral("steps"), steps);
+    QJsonObject leftOut;
+    if (recorder)
+        for (const auto& group : recorder->LeftOut().Groups())
+            leftOut.insert(group.first, QJsonArray::fromStringList(group.second));
+    root.insert(QStringLiteral("leftOutFiles"), leftOut);
 
     // Like the host's outputs, the report gets the folder it names.
     QDir().mkpath(QFileInfo(m_path).absolutePath());

@@ -55,6 +55,16 @@ int RunRecorder::Count(Status status) const
     return int(std::count_if(m_steps.begin(), m_steps.end(), [status](const Step& s) { return s.status == status; }));
 }
 
+QStringList RunRecorder::RunningSteps() const
+{
+    QList<int> open = m_open.values();
+    std::sort(open.begin(), open.end());
+    QStringList names;
+    for (int index : open)
+        names << QLatin1Char('"') + m_steps[size_t(index)].description + QLatin1Char('"');
+    return names;
+}
+
 void RunRecorder::MapIterators()
 {
     m_behind.clear();
@@ -128,6 +138,8 @@ void RunRecorder::OnStepEnded(SequenceNode* node, const Plugin::APCLogRecord& re
     APCProcess* process = node->GetProcess();
     if (isIterator(node)) {
         if (record.errorCode == 0) {
+            if (auto* files = dynamic_cast<Plugin::APCFileIterator*>(process))
+                m_leftOut.Note(files);
             StartRound(node);
             return;
         }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "LeftOutFiles.h"
+
 #include <QDateTime>
 #include <QHash>
 #include <QList>
@@ -70,8 +72,12 @@ public:
     const std::vector<Step>& Steps() const { return m_steps; }
     const std::vector<Round>& Rounds() const { return m_rounds; }
     int Count(Status status) const;
+    // The descriptions of the steps that started and have not ended, in start order.
+    QStringList RunningSteps() const;
     // The file iterators of the run that ended without handing out a round.
     QList<Plugin::SequenceNode*> EmptyIterators() const;
+    // The files of the iterators' folders that no round used.
+    const LeftOutFiles& LeftOut() const { return m_leftOut; }
     static QString StatusText(Status status);
 
     // Called on the run's thread as each step ends, skipped steps included.
@@ -96,6 +102,7 @@ private:
     QHash<Plugin::SequenceNode*, int> m_iteratorRound;     // iterator -> its current round
     QHash<Plugin::SequenceNode*, int> m_iteratorRounds;    // iterator -> rounds handed out
     QHash<Plugin::SequenceNode*, QList<Plugin::SequenceNode*>> m_behind; // node -> its iterators
+    LeftOutFiles m_leftOut;
     std::vector<boost::signals2::scoped_connection> m_connections;
 };
 

@@ -225,6 +225,7 @@ QStringList APCFileIterator::GetScannedDirectories() const
 bool APCFileIterator::BuildRounds()
 {
     m_rounds.clear();
+    m_unused.clear();
     const QList<Directory> directories = ParseDirectories(ParameterText(kDir));
     const QList<Filter> filters = ParseFilters(ParameterText(kFilter));
     if (directories.isEmpty() || filters.isEmpty())
@@ -292,6 +293,7 @@ bool APCFileIterator::BuildRounds()
             groups.append(g);
         }
         const Group& first = groups.first();
+        QSet<QString> used;
         for (const QString& file : first.files) {
             const QStringList captures = CaptureWildcards(file, first.filter);
             if (captures.isEmpty())
@@ -306,11 +308,29 @@ bool APCFileIterator::BuildRounds()
                 }
                 round.insert(g.key, g.files[hit]);
             }
-            if (complete && !round.isEmpty())
+            if (complete && !round.isEmpty()) {
+                for (const QString& f : round)
+                    used.insert(f);
                 m_rounds.append(round);
+            }
         }
+        // The pairing keeps the first match only: note what it left out, so that
+        // a batch can say which files of the folders were never processed.
+        for (const Group& g : groups)
+            for (const QString& f : g.files)
+                if (!used.contains(f)) {
+                    used.insert(f); // a file two filters match is named once
+                    m_unused.append(f);
+                }
     }
     return true;
+}
+
+QStringList APCFileIterator::TakeUnusedFiles()
+{
+    QStringList unused;
+    unused.swap(m_unused);
+    return unused;
 }
 
 bool APCFileIterator::Execute()

@@ -29,6 +29,9 @@ public:
     bool BuildRounds();
     // The rounds left (output name -> file path).
     QList<QMap<QString, QString>> GetRounds() const { return m_rounds; }
+    // The files the last scan found for an output that no round holds, in scan
+    // order; each scan's are handed over once, so a rescan's come anew.
+    QStringList TakeUnusedFiles();
     // The enabled directories the scan reads, in its order, as "strDir" now gives
     // them (through its var when it is a reference); they need not exist.
     QStringList GetScannedDirectories() const;
@@ -53,6 +56,7 @@ private:
     static bool ContainsAll(const QString& path, const QStringList& captures);
 
     QList<QMap<QString, QString>> m_rounds; // not copied by Clone
+    QStringList m_unused;                    // not copied by Clone
     double m_total = 0;
     QStringList m_spare; // copied with the object, otherwise unused
 };

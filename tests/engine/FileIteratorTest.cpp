@@ -78,7 +78,7 @@ TEST(FileIterator, ConstructionMakesItsParametersAndOutputs)
     EXPECT_EQ(static_cast<APCProcess*>(clone.get())->GetParameters().size(), 4);
 }
 
-TEST(FileIterator, PairsFilesThroughTheirWildcards)
+TEST(FileIterator, PairsFilesThroughTheirWildcardsAndNamesThoseLeftOut)
 {
     QTemporaryDir tmp;
     QDir root(tmp.path());
@@ -89,23 +89,27 @@ TEST(FileIterator, PairsFilesThroughTheirWildcards)
         QString filter;
         const char* subdir;
         QStringList rounds;
+        QStringList leftOut; // matched by a filter, in no round
     };
     const std::vector<Case> cases = {
         {"one output", {"a1.tif", "a2.tif", "a3.tif", "x.txt"}, R"({"Out File":"*.tif"})", "0",
-         {"Out File=a1.tif", "Out File=a2.tif", "Out File=a3.tif"}},
-        {"suffix case is ignored in capturing", {"a.TIF"}, R"({"Out File":"*.tif;*.TIF"})", "0", {"Out File=a.TIF"}},
+         {"Out File=a1.tif", "Out File=a2.tif", "Out File=a3.tif"}, {}},
+        {"suffix case is ignored in capturing", {"a.TIF"}, R"({"Out File":"*.tif;*.TIF"})", "0", {"Out File=a.TIF"}, {}},
         {"missing partner drops the round", {"x_a.tif", "x_b.tif", "y_a.tif"}, R"({"A":"*_a.tif","B":"*_b.tif"})", "0",
-         {"A=x_a.tif B=x_b.tif"}},
+         {"A=x_a.tif B=x_b.tif"}, {"y_a.tif"}},
         {"band and mask by scene number", {"S2_B7.tif", "S2_B8.tif", "M_7.tif", "M_8.tif"},
-         R"({"Band":"S2_B*.tif","Mask":"M_*.tif"})", "0", {"Band=S2_B7.tif Mask=M_7.tif", "Band=S2_B8.tif Mask=M_8.tif"}},
+         R"({"Band":"S2_B*.tif","Mask":"M_*.tif"})", "0", {"Band=S2_B7.tif Mask=M_7.tif", "Band=S2_B8.tif Mask=M_8.tif"}, {}},
         {"the first sorted key drives", {"p_1.tif", "q_1.tif", "q_2.tif"}, R"({"Z":"q_*.tif","A":"p_*.tif"})", "0",
-         {"A=p_1.tif Z=q_1.tif"}},
+         {"A=p_1.tif Z=q_1.tif"}, {"q_2.tif"}},
         {"a silent wildcard is not used for pairing", {"img01_x.tif", "img01_y.tif", "ref01.tif"},
-         R"({"A":"img*_**.tif","B":"ref*.tif"})", "0", {"A=img01_x.tif B=ref01.tif", "A=img01_x.tif B=ref01.tif"}},
-        {"the default filter yields nothing", {"a.tif"}, R"({"Out File":"*.*"})", "0", {}},
-        {"subdirectories only when asked", {"top.tif", "sub/deep.tif"}, R"({"Out File":"*.tif"})", "0", {"Out File=top.tif"}},
+         R"({"A":"img*_**.tif","B":"ref*.tif"})", "0", {"A=img01_x.tif B=ref01.tif", "A=img01_x.tif B=ref01.tif"},
+         {"img01_y.tif"}},
+        {"a name shadowed by a longer one", {"x10_b.tif", "x10_a.tif", "x1_a.tif", "x1_b.tif"},
+         R"({"A":"*_a.tif","B":"*_b.tif"})", "0", {"A=x10_a.tif B=x10_b.tif", "A=x10_a.tif B=x10_b.tif"}, {"x1_a.tif", "x1_b.tif"}},
+        {"the default filter yields nothing", {"a.tif"}, R"({"Out File":"*.*"})", "0", {}, {"a.tif"}},
+        {"subdirectories only when asked", {"top.tif", "sub/deep.tif"}, R"({"Out File":"*.tif"})", "0", {"Out File=top.tif"}, {}},
         {"subdirectories after the folder's own files", {"top.tif", "sub/deep.tif"}, R"({"Out File":"*.tif"})", "1",
-         {"Out File=top.tif", "Out File=deep.tif"}},
+         {"Out File=top.tif", "Out File=deep.tif"}, {}},
     };
     int index = 0;
     for (const Case& c : cases) {
@@ -120,6 +124,11 @@ TEST(FileIterator, PairsFilesThroughTheirWildcards)
         setParam(it, "strFilter", c.filter);
         EXPECT_TRUE(it.BuildRounds());
         EXPECT_EQ(describe(it.GetRounds()), c.rounds);
+        QStringList leftOut;
+        for (const QString& f : it.TakeUnusedFiles())
+            leftOut << QFileInfo(f).fileName();
+        EXPECT_EQ(leftOut, c.leftOut);
+        EXPECT_TRUE(it.TakeUnusedFiles().isEmpty()); // handed over once per scan
     }
 }
 

@@ -377,3 +377,50 @@ TEST(MbrunBatch, ASignalStopsTheRunAndTheReportSaysWhatFinished)
         EXPECT_FALSE(QFile::exists(dir.filePath("fine.tif"))); // never half a file under its name
     }
 }
+
+TEST(MbrunBatch, FilesTheIteratorLeavesOutAreNamedInThePlanTheRunAndTheReport)
+{
+    SceneBatch batch;
+    // The round of scene_02.tif takes the first file whose name holds "scene_02".
+    makeRaster(QDir(batch.scenes).filePath("old_scene_02.tif"), 8, 4);
+    const QString shadowed = batch.Scene(2);
+    const QString warning =
+        "mbrun: warning: files in the folders of the iterator \"Scenes\" that no round used (1):\nmbrun:   " + shadowed + "\n";
+    const Outcome plan = mbrun(batch.Args({"--dry-run"}));
+    EXPECT_EQ(plan.code, 0) << qPrintable(plan.err);
+    EXPECT_TRUE(plan.err.contains(warning)) << qPrintable(plan.err);
+    const Outcome run = mbrun(batch.Args({"--report", batch.report}));
+    EXPECT_EQ(run.code, 0) << qPrintable(run.err);
+    EXPECT_TRUE(run.err.contains(warning)) << qPrintable(run.err);
+    EXPECT_EQ(readReport(batch.report)["leftOutFiles"].toObject()["Scenes"].toArray(), QJsonArray{shadowed});
+}
+
+TEST(MbrunBatch, AfterAFailureTheStepsStillRunningAreWaitedForAndAccountedFor)
+{
+    QTemporaryDir dir;
+    makeRaster(dir.filePath("small.tif"), 400, 1);
+    WriteAll(dir.filePath("broken.tif"), "not a raster");
+    // Two branches: a copy that fails at once, a reprojection to a finer grid that takes a while.
+    HeadlessModel m;
+    APCAlgo* copy = AddAlgo(m, "raster.translate");
+    SetConstant(VarOf(m, copy, "In File"), dir.filePath("broken.tif"));
+    SetConstant(VarOf(m, copy, "Out File"), dir.filePath("copy.tif"));
+    APCAlgo* warp = AddAlgo(m, "raster.warp");
+    SetConstant(VarOf(m, warp, "In File"), dir.filePath("small.tif"));
+    SetConstant(VarOf(m, warp, "Target SRS"), "EPSG:32632");
+    SetConstant(VarOf(m, warp, "Out File"), dir.filePath("fine.tif"));
+    SetLiteral(m, warp, "Resolution", "2");
+    SetLiteral(m, warp, "Resampling", "lanczos");
+    ASSERT_TRUE(m.SaveFile(dir.filePath("branches.apc")));
+
+    const Outcome o = mbrun({dir.filePath("branches.apc"), "--report", dir.filePath("report.json")});
+    EXPECT_EQ(o.code, 1) << qPrintable(o.err);
+    EXPECT_TRUE(o.err.contains("waiting for the steps still running (1): \"" + warp->GetDescription() + "\"\n"))
+        << qPrintable(o.err);
+    EXPECT_EQ(o.out.count("Result of execution: Succeed"), 1) << qPrintable(o.out); // logged after the summary
+    EXPECT_TRUE(QFile::exists(dir.filePath("fine.tif")));
+    const QJsonObject r = readReport(dir.filePath("report.json"));
+    EXPECT_EQ(stepsWithStatus(r, "failed"), "0:raster.translate");
+    EXPECT_EQ(stepsWithStatus(r, "succeeded"), "0:raster.warp");
+    EXPECT_EQ(r["summary"]["unfinished"].toInt(), 0);
+}
