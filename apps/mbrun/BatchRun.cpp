@@ -98,23 +98,48 @@ int BatchRun::Exec()
     return Run(model, inputs);
 }
 
+QString BatchRun::PrepareUnstarted(Plugin::SequenceControl& control, Plugin::APCModel& model, const FreeInputs& inputs)
+{
+    // Prepared as ModelRun::Start prepares a run, up to the start.
+    model.ResetVarValues();
+    model.ResolveVarValues(inputs.List());
+    control.SetName(ModelName());
+    control.Build(&model);
+    return control.GetBuildError();
+}
+
 int BatchRun::Plan(Plugin::APCModel& model, const FreeInputs& inputs)
 {
     Plugin::SequenceControl control; // for its graph: it never starts
     std::unique_ptr<ResumeState> state;
     if (m_options.Resume())
         state = std::make_unique<ResumeState>(m_options.ModelPath());
-    // Prepared as ModelRun::Start prepares a run, up to the start.
-    model.ResetVarValues();
-    model.ResolveVarValues(inputs.List());
-    control.SetName(ModelName());
-    control.Build(&model);
-    if (!control.GetBuildError().isEmpty())
-        return Refuse({QStringLiteral("mbrun: the model cannot run: %1\n").arg(control.GetBuildError())});
+    const QString buildError = PrepareUnstarted(control, model, inputs);
+    if (!buildError.isEmpty())
+        return Refuse({QStringLiteral("mbrun: the model cannot run: %1\n").arg(buildError)});
     PlanPrinter plan(control, state.get());
     plan.Print(ModelName());
     Say(plan.Warnings());
+    const QStringList conflicts = plan.Conflicts().Problems();
+    if (!conflicts.isEmpty()) {
+        Say(conflicts);
+        return Refused;
+    }
     return plan.Failed() ? StepFailed : Success;
+}
+
+QStringList BatchRun::FileConflictsOf(Plugin::APCModel& model, const FreeInputs& inputs)
+{
+    if (model.GetProcesses().size() < 2)
+        return {};
+    // Every round is planned, as a dry run would: the names of a round's files
+    // are known only once its iterator hands them out.
+    Plugin::SequenceControl control;
+    if (!PrepareUnstarted(control, model, inputs).isEmpty())
+        return {}; // the run itself refuses it, saying why
+    PlanPrinter plan(control, nullptr);
+    plan.Walk();
+    return plan.Conflicts().Problems();
 }
 
 void BatchRun::WaitForLateSteps(const RunRecorder& recorder)
@@ -137,6 +162,9 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
 {
     if (m_options.DryRun())
         return Plan(model, inputs);
+    const QStringList conflicts = FileConflictsOf(model, inputs);
+    if (!conflicts.isEmpty())
+        return Refuse(conflicts);
     Plugin::SequenceControl control;
     auto* log = new StreamingLog;
     control.SetLog(log);

@@ -8,7 +8,8 @@
 
 namespace Plugin {
 class APCModel;
-}
+class SequenceControl;
+} // namespace Plugin
 
 namespace Mbrun {
 
@@ -42,6 +43,10 @@ private:
     // Runs the model, or prints its plan for a dry run.
     int Run(Plugin::APCModel& model, const FreeInputs& inputs);
     int Plan(Plugin::APCModel& model, const FreeInputs& inputs);
+    // Resets, resolves and builds as a run would, without starting; the build error.
+    QString PrepareUnstarted(Plugin::SequenceControl& control, Plugin::APCModel& model, const FreeInputs& inputs);
+    // Files that steps of one round touch with no arrow ordering them.
+    QStringList FileConflictsOf(Plugin::APCModel& model, const FreeInputs& inputs);
     // Lets the steps still running when the run ended report, unless a signal
     // comes first.
     void WaitForLateSteps(const RunRecorder& recorder);

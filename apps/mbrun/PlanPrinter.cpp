@@ -44,6 +44,8 @@ PlanPrinter::PlanPrinter(Plugin::SequenceControl& control, ResumeState* state)
 
 void PlanPrinter::Add(const QString& text)
 {
+    if (m_quiet)
+        return;
     m_buffer += text;
     if (m_buffer.size() > 1 << 16) {
         Console::Out(m_buffer);
@@ -71,6 +73,12 @@ void PlanPrinter::Print(const QString& name)
     Add(QStringLiteral("; nothing was run.\n"));
     Console::Out(m_buffer);
     m_buffer.clear();
+}
+
+void PlanPrinter::Walk()
+{
+    m_quiet = true;
+    PlanLevel(m_order, 0);
 }
 
 void PlanPrinter::PlanLevel(const QList<SequenceNode*>& nodes, int depth)
@@ -119,7 +127,10 @@ void PlanPrinter::PlanIterator(SequenceNode* node, const QList<SequenceNode*>& b
             Add(QStringLiteral("%1    %2 = %3\n").arg(indent(depth), f.first, f.second));
         for (SequenceNode* n : behind)
             m_done.insert(n, false);
+        const int outer = m_round;
+        m_round = m_rounds;
         PlanLevel(behind, depth + 1);
+        m_round = outer;
     }
     if (m_roundsOf.value(node) == 0)
         m_warnings << ClosingLines::EmptyIterator(iterator);
@@ -129,6 +140,7 @@ void PlanPrinter::PlanStep(SequenceNode* node, int depth)
 {
     Plugin::APCProcess* process = node->GetProcess();
     const StepFiles files(process);
+    m_conflicts.Add(node, m_round, files);
     ++m_steps;
     Add(QStringLiteral("%1Step %2: %3 (%4)").arg(indent(depth)).arg(m_steps).arg(process->GetDescription(), StepFiles::Algorithm(process)));
     if (m_state) {

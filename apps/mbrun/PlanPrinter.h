@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FileConflicts.h"
 #include "LeftOutFiles.h"
 
 #include <QHash>
@@ -32,6 +33,10 @@ public:
 
     // Prints the plan on standard output.
     void Print(const QString& name);
+    // Walks the plan printing nothing: for its conflicts and warnings only.
+    void Walk();
+    // Files that steps of one round touch with no arrow ordering them.
+    const FileConflicts& Conflicts() const { return m_conflicts; }
     // An iterator could not hand out its files: the run would fail there.
     bool Failed() const { return m_failed; }
     // mbrun's warnings about the plan: iterators that found nothing or left files
@@ -55,8 +60,11 @@ private:
     QSet<QString> m_rewritten; // outputs of the steps that would run, as absolute paths
     QString m_buffer;
     QStringList m_warnings;
+    FileConflicts m_conflicts;
     LeftOutFiles m_leftOut;
     int m_rounds = 0;
+    int m_round = 0; // the round being planned, 0 outside any
+    bool m_quiet = false;
     int m_steps = 0;
     int m_outputs = 0;
     int m_upToDate = 0;

@@ -15,17 +15,17 @@ const char* kHead = R"(<?xml version="1.0" encoding="GB2312" standalone="no"?>
 )";
 
 // A copy step between two constant vars; extra is put into the Vars and Arrows.
-QByteArray copyModel(const QByteArray& extraVars, const QByteArray& extraArrows)
+QByteArray copyModel(const QByteArray& extraVars, const QByteArray& extraArrows, const QByteArray& extraProcesses = {})
 {
     return QByteArray(kHead) + R"(    <Processes>
-        <Process class="algo" name="{s}" description="Copy" posX="0" posY="0" painter="" processName="test.copyText">
+        <Process class="algo" name="{s}" description="Copy" posX="0" posY="0" painter="" processName="raster.translate">
             <Parameter name="In File" type="file" direction="0" value="%{in}%" description="In"/>
             <Parameter name="Out File" type="file" direction="1" value="%{out}%" description="Out"/>
         </Process>
-    </Processes>
+)" + extraProcesses + R"(    </Processes>
     <Vars>
-        <Var class="file" name="{in}" description="In" posX="0" posY="0" painter="" constant="1" value="/tmp/in.txt"/>
-        <Var class="file" name="{out}" description="Out" posX="0" posY="0" painter="" constant="1" value="/tmp/out.txt"/>
+        <Var class="file" name="{in}" description="In" posX="0" posY="0" painter="" constant="1" value="/tmp/in.tif"/>
+        <Var class="file" name="{out}" description="Out" posX="0" posY="0" painter="" constant="1" value="/tmp/out.tif"/>
 )" + extraVars + R"(    </Vars>
     <Arrows>
         <Arrow head="{s}" headType="process" headParam="In File" tail="{in}" tailType="var" tailParam="" class="arrow" posX="0" posY="0" painter=""/>
@@ -33,6 +33,23 @@ QByteArray copyModel(const QByteArray& extraVars, const QByteArray& extraArrows)
 )" + extraArrows + R"(    </Arrows>
 </Configuration>
 )";
+}
+
+// A second copy step from the var {in2} to the var {out2}, with its vars and arrows.
+QByteArray secondCopy(const char* in, const char* out)
+{
+    return copyModel(QByteArray(R"(        <Var class="file" name="{in2}" description="In 2" posX="0" posY="0" painter="" constant="1" value=")") + in +
+                         R"("/>
+        <Var class="file" name="{out2}" description="Out 2" posX="0" posY="0" painter="" constant="1" value=")" + out + R"("/>
+)",
+                     R"(        <Arrow head="{t}" headType="process" headParam="In File" tail="{in2}" tailType="var" tailParam="" class="arrow" posX="0" posY="0" painter=""/>
+        <Arrow head="{out2}" headType="var" headParam="" tail="{t}" tailType="process" tailParam="Out File" class="arrow" posX="0" posY="0" painter=""/>
+)",
+                     R"(        <Process class="algo" name="{t}" description="Copy 2" posX="0" posY="0" painter="" processName="raster.translate">
+            <Parameter name="In File" type="file" direction="0" value="%{in2}%" description="In"/>
+            <Parameter name="Out File" type="file" direction="1" value="%{out2}%" description="Out"/>
+        </Process>
+)");
 }
 
 // A model of one nested step that runs the model at file (relative to the root).
@@ -78,6 +95,11 @@ TEST(Preflight, EachStructuralFaultIsNamedBeforeTheRun)
          copyModel("", R"(        <Arrow head="{gone}" headType="var" headParam="" tail="{s}" tailType="process" tailParam="Out File" class="arrow" posX="0" posY="0" painter=""/>
 )"),
          {"an arrow ends at {gone} (var), which the model does not have"}},
+        {"a step reads what another writes, no arrow between",
+         secondCopy("/tmp/out.tif", "/tmp/out2.tif"),
+         {"mbrun: \"Convert raster\" ({t}) reads /tmp/out.tif, which \"Convert raster\" ({s}) writes, and no arrow orders them"}},
+        {"two steps write one file", secondCopy("/tmp/in.tif", "/tmp/out.tif"),
+         {"mbrun: \"Convert raster\" ({s}) and \"Convert raster\" ({t}) both write /tmp/out.tif, and no arrow orders them"}},
         {"nested: no such file", nestingModel(rel("none.apc")), {"Nested is wrong!", "which is not found"}},
         {"nested: not a model", nestingModel(rel("text.apc")), {"Nested is wrong!", "which is not a model file"}},
         {"nested: itself", {}, {"Nested is wrong!", "is the model itself"}},

@@ -1,0 +1,108 @@
+#include "FileConflicts.h"
+
+#include "StepFiles.h"
+#include "StepGraph.h"
+
+#include "engine/SequenceNode.h"
+#include "model/APCProcess.h"
+
+#include <QFileInfo>
+
+namespace Mbrun {
+
+void FileConflicts::Add(Plugin::SequenceNode* node, int round, const StepFiles& files)
+{
+    auto note = [&](const QString& path, bool writes) {
+        const QString file = QFileInfo(path).absoluteFilePath();
+        QList<Use>& uses = m_uses[file];
+        if (uses.isEmpty())
+            m_files.append(file);
+        for (Use& use : uses)
+            if (use.node == node && use.writes == writes) {
+                use.rounds.insert(round);
+                return;
+            }
+        Use use;
+        use.node = node;
+        use.writes = writes;
+        use.rounds.insert(round);
+        uses.append(use);
+    };
+    for (const QString& out : files.Outputs())
+        note(out, true);
+    for (const QString& in : files.Inputs())
+        note(in, false);
+}
+
+int FileConflicts::SharedRound(const Use& a, const Use& b)
+{
+    // What runs outside any round runs beside all of them.
+    if (a.rounds.contains(0) || b.rounds.contains(0))
+        return 0;
+    int first = -1;
+    for (int round : a.rounds)
+        if (b.rounds.contains(round) && (first < 0 || round < first))
+            first = round;
+    return first;
+}
+
+bool FileConflicts::Ordered(Plugin::SequenceNode* a, Plugin::SequenceNode* b) const
+{
+    for (Plugin::SequenceNode* from : {a, b})
+        if (!m_behind.contains(from))
+            m_behind.insert(from, StepGraph::Behind(from));
+    return m_behind[a].contains(b) || m_behind[b].contains(a);
+}
+
+QString FileConflicts::Describe(const Use& writer, const Use& other, const QString& file, int round)
+{
+    Plugin::APCProcess* wp = writer.node->GetProcess();
+    Plugin::APCProcess* op = other.node->GetProcess();
+    // Two steps of one algorithm often keep its name: then the ids tell them apart.
+    const bool same = wp->GetDescription() == op->GetDescription();
+    auto name = [same](Plugin::APCProcess* p) {
+        return QLatin1Char('"') + p->GetDescription() + QLatin1Char('"') +
+               (same ? QStringLiteral(" (%1)").arg(p->GetName()) : QString());
+    };
+    const QString w = name(wp);
+    const QString o = name(op);
+    const QString in = round > 0 ? QStringLiteral(" in round %1").arg(round) : QString();
+    if (other.writes)
+        return QStringLiteral("mbrun: %1 and %2 both write %3%4, and no arrow orders them: which file stays would depend on timing\n")
+            .arg(w, o, file, in);
+    return QStringLiteral("mbrun: %1 reads %2, which %3 writes%4, and no arrow orders them: what it reads would depend on timing\n")
+        .arg(o, file, w, in);
+}
+
+QStringList FileConflicts::Problems() const
+{
+    const int shown = 10;
+    QStringList lines;
+    int more = 0;
+    for (const QString& file : m_files) {
+        const QList<Use>& uses = m_uses[file];
+        for (int i = 0; i < uses.size(); ++i) {
+            if (!uses[i].writes)
+                continue;
+            for (int j = 0; j < uses.size(); ++j) {
+                const Use& w = uses[i];
+                const Use& o = uses[j];
+                // A step's own files, and two writers told once.
+                if (o.node == w.node || (o.writes && j < i))
+                    continue;
+                const int round = SharedRound(w, o);
+                if (round < 0 || Ordered(w.node, o.node))
+                    continue;
+                if (lines.size() < shown)
+                    lines << Describe(w, o, file, round);
+                else
+                    ++more;
+            }
+        }
+    }
+    if (more > 0)
+        lines << QStringLiteral("mbrun: and %1 more such conflicts\n").arg(more);
+    return lines;
+}
+
+} // namespace Mbrun
