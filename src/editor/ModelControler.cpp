@@ -104,9 +104,13 @@ ModelControler::ModelControler(const QString& path, bool readOnly, QWidget* pare
         for (auto it = pending.constBegin(); it != pending.constEnd(); ++it)
             if (GraphicsItemBase* item = FindItemBaseById(it.key()))
                 item->SetProgress(it.value());
+        // Ticks only while a run goes on; the next step's start wakes it again.
+        if (pending.isEmpty() && m_control->GetState() == SequenceControl::Idle)
+            m_progressTimer->stop();
     });
-    m_progressTimer->start();
     m_connections.emplace_back(m_control->NodeStatus.connect([this](SequenceNode* node, int status) {
+        if (!m_progressTimer->isActive())
+            m_progressTimer->start();
         if (GraphicsItemBase* item = FindItemBase(node->GetProcess()))
             item->SetState(status);
     }));
