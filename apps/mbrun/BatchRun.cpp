@@ -100,11 +100,7 @@ int BatchRun::Exec()
 
 QString BatchRun::PrepareUnstarted(Plugin::SequenceControl& control, Plugin::APCModel& model, const FreeInputs& inputs)
 {
-    // Prepared as ModelRun::Start prepares a run, up to the start.
-    model.ResetVarValues();
-    model.ResolveVarValues(inputs.List());
-    control.SetName(ModelName());
-    control.Build(&model);
+    Plugin::ModelRun::Prepare(control, model, inputs.List(), ModelName());
     return control.GetBuildError();
 }
 

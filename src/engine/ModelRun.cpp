@@ -25,14 +25,19 @@ bool ModelRun::Start(const QList<APCVar*>& inputs, const QString& name)
 {
     MB_ASSERT(m_context.thread() == QThread::currentThread(), return false);
     m_finished = false;
-    m_model.ResetVarValues();
-    m_model.ResolveVarValues(inputs);
-    m_control.SetName(name);
-    m_control.Build(&m_model);
-    if (!m_control.GetBuildError().isEmpty())
+    if (!Prepare(m_control, m_model, inputs, name))
         return false;
     m_control.Start();
     return true;
+}
+
+bool ModelRun::Prepare(SequenceControl& control, APCModel& model, const QList<APCVar*>& inputs, const QString& name)
+{
+    model.ResetVarValues();
+    model.ResolveVarValues(inputs);
+    control.SetName(name);
+    control.Build(&model);
+    return control.GetBuildError().isEmpty();
 }
 
 bool ModelRun::Wait(int timeoutMs)

@@ -30,6 +30,9 @@ public:
     // the caller's. False, with nothing started, when the graph cannot run: the
     // reason is the control's GetBuildError().
     bool Start(const QList<APCVar*>& inputs, const QString& name);
+    // Everything Start does short of starting: for a graph that is only walked,
+    // as a plan does. False when the graph cannot run (see GetBuildError()).
+    static bool Prepare(SequenceControl& control, APCModel& model, const QList<APCVar*>& inputs, const QString& name);
     // Blocks until the run finished (true) or timeoutMs passed (false; -1 waits
     // for ever). Returns at once when the run already finished.
     bool Wait(int timeoutMs = -1);
