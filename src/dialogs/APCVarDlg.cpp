@@ -1,6 +1,5 @@
 #include "dialogs/APCVarDlg.h"
 
-#include "HostCatalogGui/DataTypeFactory.h"
 #include "HostCatalogGui/DataTypeWidget.h"
 #include "dialogs/APCFunctionDlg.h"
 #include "functions/APCFun.h"
@@ -69,7 +68,7 @@ APCVarDlg::APCVarDlg(APCObject* object, QWidget* parent)
     MB_ASSERT(m_var, return);
     m_nameEdit->setText(m_var->GetName());
     m_descriptionEdit->setText(m_var->GetDescription());
-    m_widget = DataTypeFactory::CreateDataTypeWidget(m_var->GetClass(), m_var->GetTypeParam());
+    m_widget = m_var->CreateWidget();
     MB_ASSERT(m_widget, return);
     m_widget->setObjectName(QStringLiteral("valueWidget"));
     m_widget->SetCaption(QString());
