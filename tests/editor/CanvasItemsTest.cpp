@@ -1,6 +1,5 @@
 #include "editor/AlgoGraphics.h"
 #include "editor/ArrowGraphics.h"
-#include "editor/GraphicsItemFactory.h"
 #include "editor/IteratorGraphics.h"
 #include "editor/ModelControler.h"
 #include "editor/ModelScene.h"
@@ -8,10 +7,8 @@
 #include "editor/ModelView.h"
 #include "editor/VarGraphics.h"
 #include "engine/APCAlgo.h"
-#include "engine/APCRasterFileIterator.h"
 #include "model/APCArrow.h"
 #include "model/APCModel.h"
-#include "model/APCVar.h"
 #include "model/PainterText.h"
 #include "support/TestSupport.h"
 
@@ -106,7 +103,6 @@ TEST_F(CanvasItems, LoadingPutsEveryObjectOnTheCanvasAtItsPlace)
     EXPECT_EQ(window->GetScene()->GetItems().size(), 7);
     auto* algo = itemOf<AlgoGraphics>(*window, "{a}");
     ASSERT_TRUE(algo);
-    EXPECT_EQ(algo->type(), QGraphicsItem::UserType + 1);
     EXPECT_EQ(algo->rect(), QRectF(-60, -30, 120, 60));
     EXPECT_EQ(algo->pos(), QPointF(100, 50));
 
@@ -233,19 +229,4 @@ TEST_F(CanvasItems, DoubleClicksGoToAWillingTool)
     tool.enabled = false;
     QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, at);
     EXPECT_EQ(tool.doubleClicks, 1);
-}
-
-TEST_F(CanvasItems, TheFactoryKnowsEveryKindOfObject)
-{
-    GraphicsItemFactory* factory = GraphicsItemFactory::Instance();
-    APCVar var;
-    APCRasterFileIterator iterator;
-    std::unique_ptr<QGraphicsItem> varItem(factory->CreateItem(&var, window.get()));
-    std::unique_ptr<QGraphicsItem> iteratorItem(factory->CreateItem(&iterator, window.get()));
-    EXPECT_EQ(varItem->type(), QGraphicsItem::UserType + 2);
-    EXPECT_EQ(iteratorItem->type(), QGraphicsItem::UserType + 4);
-    EXPECT_EQ(factory->GetClassWord(&iterator), "process");
-    EXPECT_EQ(factory->GetClassWord(&var), "var");
-    EXPECT_EQ(factory->GetClassWord(nullptr), "");
-    EXPECT_EQ(factory->CreateItem(nullptr, window.get()), nullptr);
 }

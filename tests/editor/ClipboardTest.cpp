@@ -8,6 +8,7 @@
 #include "model/APCModel.h"
 #include "model/APCProcess.h"
 #include "model/APCVar.h"
+#include "support/GuiDriver.h"
 #include "support/TestSupport.h"
 
 #include <QAction>
@@ -61,9 +62,7 @@ protected:
     void click(ModelControler& window, const char* caption)
     {
         ModelCommandManager::Instance()->OnUpdateState();
-        for (QAction* action : window.findChildren<QAction*>())
-            if (action->text() == caption)
-                action->trigger();
+        GuiDriver::Action(&window, caption)->trigger();
     }
     void select(ModelControler& window, const QStringList& ids)
     {

@@ -144,9 +144,7 @@ TEST(DoubleClick, NoDialogOpensOnARunningModel)
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     QGraphicsItem* item = itemOfKind(window, "process:algo");
     ASSERT_TRUE(item);
-    for (QAction* action : window.findChildren<QAction*>())
-        if (action->text() == "Run")
-            action->trigger();
+    GuiDriver::Action(&window, "Run")->trigger();
     ASSERT_EQ(window.GetSequenceControl()->GetState(), SequenceControl::Running);
 
     bool opened = false;

@@ -1,4 +1,3 @@
-#include "HostShell/EnvironmentSetting.h"
 #include "editor/GraphicsItemBase.h"
 #include "editor/ModelCommandManager.h"
 #include "editor/ModelControler.h"
@@ -9,14 +8,13 @@
 #include "engine/SequenceControl.h"
 #include "model/APCModel.h"
 #include "model/APCVar.h"
+#include "support/GuiDriver.h"
 #include "support/TestSupport.h"
-#include "toolbox/ATBAlgoDepend.h"
 
 #include <QAction>
 #include <QMenuBar>
 #include <QApplication>
 #include <QClipboard>
-#include <QDir>
 #include <QDockWidget>
 #include <QTabWidget>
 #include <QGraphicsItem>
@@ -25,6 +23,7 @@
 #include <gtest/gtest.h>
 
 using namespace Plugin;
+using GuiDriver::Action;
 using TestSupport::WaitUntil;
 
 namespace {
@@ -46,14 +45,6 @@ const char* kModel = R"(<?xml version="1.0" encoding="GB2312" standalone="no"?>
 </Configuration>
 )";
 
-QAction* actionOf(ModelControler& window, const QString& caption)
-{
-    for (QAction* action : window.findChildren<QAction*>())
-        if (action->text() == caption)
-            return action;
-    return nullptr;
-}
-
 QString panelText(ModelControler& window, int panel)
 {
     auto* dock = window.findChild<QDockWidget*>();
@@ -73,7 +64,7 @@ protected:
     ModelCommandManager* manager = ModelCommandManager::Instance();
 };
 
-TEST_F(ModelWindow, BuildsItsMenusToolBarAndCommands)
+TEST_F(ModelWindow, MenusAndEnableRulesFollowTheWindowAndTheRun)
 {
     ModelControler window(path(), false);
     EXPECT_EQ(window.windowTitle(), "Model Builder");
@@ -81,61 +72,53 @@ TEST_F(ModelWindow, BuildsItsMenusToolBarAndCommands)
     for (QAction* a : window.menuBar()->actions())
         menus << a->text();
     EXPECT_EQ(menus, QStringList({"Model", "Edit", "Insert", "View"}));
-    EXPECT_EQ(actionOf(window, "Delete")->shortcut(), QKeySequence(QKeySequence::Delete));
-    EXPECT_TRUE(actionOf(window, "1:1"));
-    ASSERT_TRUE(window.GetCurrentTool());
-    EXPECT_EQ(manager->FindCommand(actionOf(window, "Select")), window.GetCurrentTool());
+    EXPECT_EQ(Action(&window, "Delete")->shortcut(), QKeySequence(QKeySequence::Delete));
+    EXPECT_EQ(manager->FindCommand(Action(&window, "Select")), window.GetCurrentTool());
     EXPECT_FALSE(window.findChild<QDockWidget*>()->isVisible());
-    EXPECT_FALSE(window.IsModified()); // loading is not an edit
-}
-
-TEST_F(ModelWindow, EnableRulesFollowTheWindowAndTheRun)
-{
-    ModelControler window(path(), false);
     manager->OnUpdateState();
-    EXPECT_FALSE(actionOf(window, "Save")->isEnabled()); // nothing to save
-    EXPECT_FALSE(actionOf(window, "Copy")->isEnabled()); // nothing selected
-    EXPECT_TRUE(actionOf(window, "Run")->isEnabled());
-    EXPECT_FALSE(actionOf(window, "Pause")->isEnabled());
-    EXPECT_FALSE(actionOf(window, "Stop")->isEnabled());
-    EXPECT_TRUE(actionOf(window, "Select")->isChecked());
-    EXPECT_FALSE(actionOf(window, "Pan")->isChecked());
+    EXPECT_FALSE(Action(&window, "Save")->isEnabled()); // nothing to save
+    EXPECT_FALSE(Action(&window, "Copy")->isEnabled()); // nothing selected
+    EXPECT_TRUE(Action(&window, "Run")->isEnabled());
+    EXPECT_FALSE(Action(&window, "Pause")->isEnabled());
+    EXPECT_FALSE(Action(&window, "Stop")->isEnabled());
+    EXPECT_TRUE(Action(&window, "Select")->isChecked());
+    EXPECT_FALSE(Action(&window, "Pan")->isChecked());
 
     // A tool shows checked at the next tick, not at once.
-    actionOf(window, "Pan")->trigger();
-    EXPECT_FALSE(actionOf(window, "Pan")->isChecked());
+    Action(&window, "Pan")->trigger();
+    EXPECT_FALSE(Action(&window, "Pan")->isChecked());
     manager->OnUpdateState();
-    EXPECT_TRUE(actionOf(window, "Pan")->isChecked());
-    EXPECT_FALSE(actionOf(window, "Select")->isChecked());
+    EXPECT_TRUE(Action(&window, "Pan")->isChecked());
+    EXPECT_FALSE(Action(&window, "Select")->isChecked());
 
     // Under the pan tool nothing can be selected; back to the select tool.
     window.GetScene()->GetItems().first()->setSelected(true);
     EXPECT_TRUE(window.GetScene()->selectedItems().isEmpty());
-    actionOf(window, "Select")->trigger();
+    Action(&window, "Select")->trigger();
     window.SetModified(true);
     window.GetScene()->GetItems().first()->setSelected(true);
     QApplication::clipboard()->setText("some text of another program");
     manager->OnUpdateState();
-    EXPECT_TRUE(actionOf(window, "Save")->isEnabled());
-    EXPECT_TRUE(actionOf(window, "Copy")->isEnabled());
-    EXPECT_FALSE(actionOf(window, "Paste")->isEnabled());
+    EXPECT_TRUE(Action(&window, "Save")->isEnabled());
+    EXPECT_TRUE(Action(&window, "Copy")->isEnabled());
+    EXPECT_FALSE(Action(&window, "Paste")->isEnabled());
     QApplication::clipboard()->setText("ModelBuilder$$<Vars/>");
     manager->OnUpdateState();
-    EXPECT_TRUE(actionOf(window, "Paste")->isEnabled());
+    EXPECT_TRUE(Action(&window, "Paste")->isEnabled());
 
     ModelControler readOnly(path(), true);
     readOnly.SetModified(true);
     manager->OnUpdateState();
     for (const char* caption : {"Save", "Paste", "Delete", "Add Variable", "Connect"})
-        EXPECT_FALSE(actionOf(readOnly, caption)->isEnabled()) << caption;
-    EXPECT_TRUE(actionOf(readOnly, "Run")->isEnabled()); // a read-only model runs
+        EXPECT_FALSE(Action(&readOnly, caption)->isEnabled()) << caption;
+    EXPECT_TRUE(Action(&readOnly, "Run")->isEnabled()); // a read-only model runs
 }
 
 TEST_F(ModelWindow, RunColoursTheStepsAndWritesTheLog)
 {
     ModelControler window(path(), false);
     window.SetModelName("Two steps");
-    actionOf(window, "Run")->trigger();
+    Action(&window, "Run")->trigger();
     EXPECT_TRUE(window.findChild<QDockWidget*>()->isVisibleTo(&window)); // a run shows the log
     ASSERT_TRUE(WaitUntil([&] { return window.GetSequenceControl()->GetState() == 0; }));
     const QString output = panelText(window, 0);
@@ -154,7 +137,7 @@ TEST_F(ModelWindow, AClosedWindowGoesAtTheNextTick)
     window->show();
     manager->AddWindow(window);
     const int before = manager->WindowCount();
-    QAction* save = actionOf(*window, "Save");
+    QAction* save = Action(window, "Save");
     EXPECT_TRUE(window->close()); // read-only: no question, the flag is dropped
     EXPECT_FALSE(window->IsModified());
     EXPECT_EQ(manager->FindWindow(path()), window); // still found until the tick
@@ -168,53 +151,28 @@ TEST_F(ModelWindow, AClosedWindowGoesAtTheNextTick)
     EXPECT_EQ(manager->FindCommand(save), nullptr); // its commands left the list
 }
 
-TEST_F(ModelWindow, TheToolBoxOpensOneWindowPerModel)
-{
-    QTemporaryDir root;
-    ASSERT_TRUE(QDir(root.path()).mkpath("bin"));
-    ASSERT_TRUE(QDir(root.path()).mkpath("Model/apc"));
-    ASSERT_TRUE(TestSupport::WriteAll(root.filePath("Model/apc/two.apc"), kModel));
-    HostShell::EnvironmentSetting::Instance()->SetAppBinDir(root.path() + "/bin");
-    ATBAlgoDepend item(false);
-    item.SetName("Two steps");
-    item.SetFile("Model/apc/two.apc");
-    const int before = manager->WindowCount();
-    item.OnDoubleClicked();
-    item.OnDoubleClicked();
-    HostShell::EnvironmentSetting::Instance()->SetAppBinDir(QString());
-    ASSERT_EQ(manager->WindowCount(), before + 1);
-    ModelControler* window = manager->FindWindow(root.path() + "/bin/../Model/apc/two.apc");
-    ASSERT_TRUE(window);
-    EXPECT_EQ(window->windowTitle(), "Model Builder-Two steps");
-    EXPECT_EQ(window->GetModelName(), "Two steps");
-    EXPECT_EQ(window->GetScene()->GetItems().size(), 5);
-    window->close();
-    manager->OnUpdateState();
-    EXPECT_EQ(manager->WindowCount(), before);
-}
-
 TEST_F(ModelWindow, FixedZoomsKeepTheScaleAndTheViewInStep)
 {
     ModelControler window(path(), false);
     window.resize(800, 500);
-    QAction* out = actionOf(window, "Fixed Zoom Out");
+    QAction* out = Action(&window, "Fixed Zoom Out");
     for (int i = 0; i < 12; ++i)
         out->trigger();
     // Stops at the last step that is not below 0.001: nine halvings from 1.0.
     EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 0.001953125);
     EXPECT_DOUBLE_EQ(window.GetView()->transform().m11(), 0.001953125);
 
-    actionOf(window, "Fixed Zoom In")->trigger();
+    Action(&window, "Fixed Zoom In")->trigger();
     EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 0.001953125 * 1.5);
 
     window.GetView()->translate(30, 20);
     const QTransform before = window.GetView()->transform();
-    actionOf(window, "1:1")->trigger();
+    Action(&window, "1:1")->trigger();
     EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 1.0);
     EXPECT_DOUBLE_EQ(window.GetView()->transform().m11(), 1.0);
     EXPECT_DOUBLE_EQ(window.GetView()->transform().dx(), before.dx()); // the scroll offset stays
 
-    actionOf(window, "Full Extent")->trigger();
+    Action(&window, "Full Extent")->trigger();
     EXPECT_GT(window.GetScene()->GetScale(), 0.0);
 }
 
@@ -223,7 +181,7 @@ TEST_F(ModelWindow, SaveWritesTheModelBackAndClearsTheFlag)
     ModelControler window(path(), false);
     window.GetDocument()->FindVar("{mid}")->SetDescription("Renamed");
     window.SetModified(true);
-    actionOf(window, "Save")->trigger();
+    Action(&window, "Save")->trigger();
     EXPECT_FALSE(window.IsModified());
     APCModel reread;
     ASSERT_TRUE(reread.LoadFile(path()));
@@ -240,7 +198,7 @@ TEST_F(ModelWindow, DeleteTakesTheSelectionAndItsArrowsAway)
         if (base && base->GetObject()->GetName() == "{mid}")
             item->setSelected(true);
     }
-    actionOf(window, "Delete")->trigger();
+    Action(&window, "Delete")->trigger();
     // The var went, and both arrows with it; the steps stay.
     EXPECT_EQ(window.GetScene()->GetItems().size(), 2);
     EXPECT_EQ(window.GetDocument()->FindVar("{mid}"), nullptr);

@@ -99,12 +99,7 @@ protected:
     QPoint at(const QString& id) { return at(item(id)->pos()); }
     // Bands and lines a tool has up: scene items that show no object.
     int strayItems() { return scene()->items().size() - scene()->GetItems().size(); }
-    void use(const char* caption)
-    {
-        for (QAction* action : window->findChildren<QAction*>())
-            if (action->text() == caption)
-                action->trigger();
-    }
+    void use(const char* caption) { GuiDriver::Action(window.get(), caption)->trigger(); }
 
     void move(const QPoint& to, Qt::MouseButtons buttons)
     {

@@ -18,7 +18,6 @@
 #include "toolbox/ATBAlgo.h"
 #include "toolbox/ATBTreeWidget.h"
 
-#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
@@ -39,16 +38,7 @@ namespace {
 
 void trigger(ModelControler& window, const char* caption)
 {
-    for (QAction* action : window.findChildren<QAction*>())
-        if (action->text() == caption)
-            action->trigger();
-}
-
-void clickButton(QWidget* root, const QString& name)
-{
-    auto* button = root->findChild<QAbstractButton*>(name);
-    ASSERT_TRUE(button) << name.toStdString();
-    QTest::mouseClick(button, Qt::LeftButton);
+    GuiDriver::Action(&window, caption)->trigger();
 }
 
 class Mouse
@@ -129,7 +119,7 @@ TEST(WholeWork, FromAnExampleToASavedModelThatRan)
         for (int i = 0; i < parameter->count(); ++i)
             if (parameter->itemText(i).contains("In File") || parameter->itemData(i).toString() == "In File")
                 parameter->setCurrentIndex(i);
-        clickButton(arrowDialog, "okButton");
+        GuiDriver::Click(arrowDialog, "okButton");
     });
     mouse.Drag(mouse.At(ndvi), mouse.At(step));
     EXPECT_EQ(step->GetParameter("In File").value, "%" + ndvi->GetName() + "%");
@@ -140,12 +130,12 @@ TEST(WholeWork, FromAnExampleToASavedModelThatRan)
     ASSERT_TRUE(converted);
     const QString output = dir.filePath("converted.tif");
     OnNextModal([&](QWidget* varDialog) {
-        clickButton(varDialog, "constRadio");
+        GuiDriver::Click(varDialog, "constRadio");
         auto* edit = varDialog->findChild<QWidget*>("valueWidget")->findChild<QLineEdit*>();
         ASSERT_TRUE(edit);
         edit->selectAll();
         QTest::keyClicks(edit, output);
-        clickButton(varDialog, "okButton");
+        GuiDriver::Click(varDialog, "okButton");
     });
     mouse.DoubleClick(mouse.At(converted));
     EXPECT_TRUE(converted->GetConstant());
@@ -165,7 +155,7 @@ TEST(WholeWork, FromAnExampleToASavedModelThatRan)
             QTest::keyClicks(tabs->widget(i)->findChild<QLineEdit*>(),
                              tabs->tabText(i) == "Scene" ? scene : dir.filePath("ndvi.tif"));
         }
-        clickButton(runDialog, "okButton");
+        GuiDriver::Click(runDialog, "okButton");
     });
     trigger(window, "Run");
     ASSERT_TRUE(TestSupport::WaitUntil([&] { return window.GetSequenceControl()->GetState() == SequenceControl::Idle; }, 60000));

@@ -5,7 +5,6 @@
 #include "functions/APCFunExpParam.h"
 #include "functions/APCFunStringParam.h"
 #include "functions/APCFunVarParam.h"
-#include "functions/APCFun_AppendSuffix.h"
 
 #include <gtest/gtest.h>
 
@@ -97,30 +96,6 @@ TEST(ExpressionParser, ClassifiesArguments)
             EXPECT_EQ(kind, c.params.at(i).first) << "parameter " << i;
             EXPECT_EQ(p->GetText().toStdString(), c.params.at(i).second.toStdString()) << "parameter " << i;
         }
-    }
-}
-
-// The constructor keeps what it parsed before an argument it couldn't classify;
-// the count test of the function decides.
-TEST(ExpressionParser, KeepsParametersBeforeTheFirstBadArgument)
-{
-    struct Case
-    {
-        const char* name;
-        QString text;
-        int params;
-    };
-    const Case cases[] = {
-        {"comma inside quotes", "$AppendSuffix(%a%, 'x,y')", 1},
-        {"unclosed list", "$AppendSuffix('a', 'b'", 0},
-        {"closed too early", "$AppendSuffix('a)', 'b')", 0},
-        {"text behind the call", "$AppendSuffix('a', 'b') z", 2},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        APCFun_AppendSuffix fun(c.text);
-        EXPECT_EQ(fun.Params().size(), c.params);
-        EXPECT_EQ(fun.IsValid(), c.params == 2);
     }
 }
 

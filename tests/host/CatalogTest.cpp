@@ -6,10 +6,7 @@
 #include "HostRunner/RunRecord.h"
 
 #include <QJsonDocument>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
-
-#include "support/TestSupport.h"
 
 #include <cstring>
 #include <vector>
@@ -82,7 +79,6 @@ TEST(Registry, MetadataSeesRegisteredAlgorithmsAndNullForUnknown)
     ASSERT_EQ(c->GetParams().size(), 2);
     EXPECT_EQ(c->GetParams()[1].name, "Out File");
     EXPECT_EQ(c->GetParams()[1].direction, 1);
-    EXPECT_TRUE(Plugin::AlgorithmRegistry::Instance().Names().contains("test.sleep"));
 }
 
 TEST(Registry, ReRegisteringKeepsTheConfigAddress)
@@ -137,19 +133,4 @@ TEST(ExcuteAlgo, ErrorsOfTheAlgorithmAndOfTheParameterText)
     const std::string json = R"({"Code":"3","Message":")" + longText + "\"}";
     EXPECT_EQ(HostRunner::ExcuteAlgo("test.fail", json.c_str(), &r), 0);
     EXPECT_EQ(std::strlen(r.errorMessage), sizeof(r.errorMessage) - 1);
-}
-
-TEST(ExcuteAlgo, CopyTextReadsAndWritesFiles)
-{
-    QTemporaryDir dir;
-    const QString in = dir.filePath("in.txt"), out = dir.filePath("out.txt");
-    ASSERT_TRUE(TestSupport::WriteAll(in, "hello"));
-    HostRunner::RunRecord r = makeRecord(nullptr);
-    const QByteArray json = QStringLiteral(R"({"In File":"%1","Out File":"%2"})").arg(in, out).toLocal8Bit();
-    EXPECT_EQ(HostRunner::ExcuteAlgo("test.copyText", json.constData(), &r), 1);
-    EXPECT_EQ(TestSupport::ReadAll(out), QByteArray("hello"));
-
-    const QByteArray missing = QStringLiteral(R"({"In File":"%1","Out File":"%2"})").arg(dir.filePath("none"), out).toLocal8Bit();
-    EXPECT_EQ(HostRunner::ExcuteAlgo("test.copyText", missing.constData(), &r), 0);
-    EXPECT_EQ(r.errorCode, 10);
 }

@@ -46,13 +46,6 @@ QCheckBox* checkAt(DataTypeWidget* w, int row, int column)
     return tableOf(w)->cellWidget(row, column)->findChild<QCheckBox*>();
 }
 
-void click(DataTypeWidget* w, const char* button)
-{
-    auto* b = w->findChild<QAbstractButton*>(QLatin1String(button));
-    ASSERT_NE(b, nullptr) << button;
-    QTest::mouseClick(b, Qt::LeftButton);
-}
-
 const QStringList kTypes = {"file", "filePath", "folder", "multiFile", "multiDirectory", "filter",
                             "string", "int", "long", "float", "spatialReference"};
 
@@ -182,18 +175,18 @@ TEST(DataTypeWidget, FolderRowsFollowClicksAndTheFolderPicker)
             dialog->setDirectory(picked); // a folder dialog answers with the folder it shows
             static_cast<QDialog*>(dialog)->accept();
         });
-        click(w.get(), "add");
+        GuiDriver::Click(w.get(), "add");
     }
     ASSERT_EQ(table->rowCount(), 3);
     EXPECT_EQ(json(w->GetValue()).value(picked).toObject(), json(R"({"subdir":"0","enabled":"1"})"));
 
     table->selectRow(0);
-    click(w.get(), "remove");
+    GuiDriver::Click(w.get(), "remove");
     table->selectRow(0);
-    click(w.get(), "remove");
+    GuiDriver::Click(w.get(), "remove");
     EXPECT_EQ(json(w->GetValue()).keys(), QStringList{picked});
     table->selectRow(0);
-    click(w.get(), "remove");
+    GuiDriver::Click(w.get(), "remove");
     EXPECT_EQ(w->GetValue(), ""); // no rows is nothing set
 }
 
@@ -203,12 +196,12 @@ TEST(DataTypeWidget, FilterRowsAreEditedInPlaceAndTextTheyCannotShowIsKept)
     w->SetValue("%{5f0e}%"); // a var reference is no list of rows
     EXPECT_TRUE(w->findChild<QLineEdit*>("text")->isVisibleTo(w.get()));
     EXPECT_EQ(w->GetValue(), "%{5f0e}%");
-    click(w.get(), "useRows");
+    GuiDriver::Click(w.get(), "useRows");
     EXPECT_EQ(w->GetValue(), "");
 
     w->SetValue(R"({"Out File":"*.tif"})");
     w->show();
-    click(w.get(), "add"); // opens the new row's patterns for typing
+    GuiDriver::Click(w.get(), "add"); // opens the new row's patterns for typing
     auto* editor = tableOf(w.get())->findChild<QLineEdit*>();
     ASSERT_NE(editor, nullptr);
     QTest::keyClicks(editor, "*_b.tif");
@@ -263,7 +256,7 @@ TEST(DataTypeWidget, BrowseAsksForTheRightKindOfPathAndTakesTheAnswer)
             }
             static_cast<QDialog*>(dialog)->accept();
         });
-        click(w.get(), "browse");
+        GuiDriver::Click(w.get(), "browse");
         EXPECT_EQ(w->GetValue(), c.expected);
     }
 }

@@ -238,20 +238,3 @@ TEST(ModelFile, LoadAppendsWithoutWiring)
     for (APCVar* v : model.GetVars())
         EXPECT_EQ(v->GetModel(), &model);
 }
-
-TEST(ModelFile, StoredAlgoDescriptionAndSizeYieldToTheCatalogue)
-{
-    QTemporaryDir dir;
-    const QString path = dir.filePath("m.apc");
-    ASSERT_TRUE(WriteAll(path, kDeclaration + "\n<Configuration><Processes>"
-        "<Process class=\"algo\" name=\"{p}\" description=\"mine\" posX=\"1\" posY=\"2\" painter=\"{&quot;width&quot;:&quot;200.000000&quot;}\" processName=\"test.copyText\">"
-        "<Parameter name=\"In File\" type=\"file\" direction=\"0\" value=\"/a\" description=\"In\"/>"
-        "</Process></Processes><Vars/><Arrows/></Configuration>"));
-    APCModel model;
-    ASSERT_TRUE(model.LoadFile(path));
-    APCProcess* p = model.GetProcesses()[0];
-    EXPECT_EQ(p->GetDescription(), "Copy text file");
-    EXPECT_TRUE(p->GetPainter().isEmpty());
-    EXPECT_EQ(p->GetParameter("In File").value, "/a");
-    EXPECT_EQ(p->GetParameter("Out File").name, "Out File"); // added from the catalogue
-}

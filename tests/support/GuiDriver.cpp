@@ -1,5 +1,7 @@
 #include "support/GuiDriver.h"
 
+#include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QLineEdit>
@@ -46,6 +48,22 @@ void TypeInto(QWidget* root, const QString& name, const QString& text)
     edit->setFocus();
     QTest::keyClick(edit, Qt::Key_End); // as after a click behind the text
     QTest::keyClicks(edit, text);
+}
+
+QAction* Action(QWidget* window, const QString& caption)
+{
+    for (QAction* action : window->findChildren<QAction*>())
+        if (action->text() == caption)
+            return action;
+    ADD_FAILURE() << "no action " << caption.toStdString();
+    return nullptr;
+}
+
+void Click(QWidget* root, const QString& name)
+{
+    auto* button = root->findChild<QAbstractButton*>(name);
+    ASSERT_NE(button, nullptr) << name.toStdString();
+    QTest::mouseClick(button, Qt::LeftButton);
 }
 
 } // namespace GuiDriver

@@ -5,6 +5,7 @@
 #include <functional>
 #include <ostream>
 
+class QAction;
 class QWidget;
 
 namespace GuiDriver {
@@ -15,6 +16,12 @@ void OnNextModal(std::function<void(QWidget*)> act);
 
 // Types text at the end of the line edit named name below root, as a user would.
 void TypeInto(QWidget* root, const QString& name, const QString& text);
+
+// The action captioned caption among window's (the test fails when there is none).
+QAction* Action(QWidget* window, const QString& caption);
+
+// Clicks the button named name below root (the test fails when there is none).
+void Click(QWidget* root, const QString& name);
 
 } // namespace GuiDriver
 

@@ -67,7 +67,8 @@ protected:
     QString path(const QString& name) const { return dir.filePath(name); }
 };
 
-TEST_F(ToolBoxFile, ReadsEveryKindWithItsAttributes)
+// The kinds made and what is derived; the attributes show in the round trip below.
+TEST_F(ToolBoxFile, ReadsEveryKindAndDerivesTheAlgorithmsFile)
 {
     HostShell::EnvironmentSetting::Instance()->SetAppBinDir(dir.path() + "/bin");
     ASSERT_TRUE(WriteAll(path("t.atb"), gb2312(kEveryKind)));
@@ -75,39 +76,25 @@ TEST_F(ToolBoxFile, ReadsEveryKindWithItsAttributes)
     HostShell::EnvironmentSetting::Instance()->SetAppBinDir(QString());
     ASSERT_TRUE(loaded.ok);
     ASSERT_EQ(loaded.items().size(), 1);
-
     auto* group = dynamic_cast<ATBGroup*>(loaded.items()[0]);
     ASSERT_TRUE(group);
-    EXPECT_EQ(group->GetName(), "栅格工具");
     ASSERT_EQ(group->GetChildren().size(), 3);
-
     auto* algo = dynamic_cast<ATBAlgo*>(group->GetChildren()[0]);
     ASSERT_TRUE(algo);
-    EXPECT_EQ(algo->GetMetadata(), "raster.slope");
-    EXPECT_EQ(algo->GetDescription(), "Slope in degrees");
     // Made from the metadata, never read from the file, kept absolute.
     EXPECT_EQ(algo->GetFile(), dir.path() + "/bin/../Model/abd/raster.slope.atb");
-
     auto* iterator = dynamic_cast<ATBIterator*>(group->GetChildren()[1]);
     ASSERT_TRUE(iterator);
-    EXPECT_EQ(iterator->GetClass(), "RasterFileIterator");
     EXPECT_EQ(iterator->GetType(), ATB_Iterator);
-
     auto* folder = dynamic_cast<ATBFolder*>(group->GetChildren()[2]);
     ASSERT_TRUE(folder);
-    EXPECT_TRUE(folder->GetCanDelete());
-    EXPECT_TRUE(folder->GetDescription().isEmpty());
     auto* model = dynamic_cast<ATBAlgoDepend*>(folder->GetChildren()[0]);
     ASSERT_TRUE(model);
-    EXPECT_TRUE(model->GetReadOnly());
-    EXPECT_EQ(model->GetFile(), "Model/apc/ndvi.apc");
     EXPECT_EQ(model->GetDescription(), "Index & more");
     auto* nested = dynamic_cast<ATBFolder*>(folder->GetChildren()[1]);
     ASSERT_TRUE(nested);
-    EXPECT_FALSE(nested->GetCanDelete());
     auto* script = dynamic_cast<ATBPython*>(nested->GetChildren()[0]);
     ASSERT_TRUE(script);
-    EXPECT_EQ(script->GetFile(), "Python/clean.py");
     EXPECT_TRUE(script->IsValid());
 }
 
@@ -232,15 +219,6 @@ TEST(ToolBoxItems, PythonScriptsOpenInTheInstallationsEditor)
     EXPECT_EQ(arguments, QStringList({root.path() + "/bin/../Python/Lib/idlelib/idle.pyw",
                                       root.path() + "/bin/../Python/clean.py"}));
     HostShell::EnvironmentSetting::Instance()->SetAppBinDir(QString());
-
-    // Algorithms and iterators are only dragged: clicks do nothing, menus show nothing.
-    ATBAlgo algo;
-    ATBIterator iterator;
-    for (ATBItem* item : {static_cast<ATBItem*>(&algo), static_cast<ATBItem*>(&iterator)}) {
-        item->OnDoubleClicked();
-        EXPECT_TRUE(item->OnContextMenu(nullptr));
-    }
-    EXPECT_EQ(ATBItem::IconPath(ATB_Iterator), ATBItem::IconPath(ATB_Algo));
 }
 
 // The tool box that ships must name only what exists: algorithms of the
