@@ -14,6 +14,7 @@
 #include "model/APCVar.h"
 #include "toolbox/ATBAlgo.h"
 #include "toolbox/ATBTreeWidget.h"
+#include "support/CanvasDriver.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -21,8 +22,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QGraphicsSceneDragDropEvent>
-#include <QMimeData>
 #include <QGraphicsItem>
 #include <QLineEdit>
 #include <QMouseEvent>
@@ -81,23 +80,6 @@ QGraphicsItem* firstItemOf(Plugin::ModelControler& window, const QString& classN
             if (base->GetObject() && base->GetObject()->GetClass() == className)
                 return item;
     return nullptr;
-}
-
-void dropTool(Plugin::ModelControler* window, QTreeWidget* tree, Plugin::ATBItem* item, const QPointF& at)
-{
-    auto* row = new QTreeWidgetItem(tree, QStringList(item->GetName()));
-    row->setData(0, Qt::UserRole, QVariant::fromValue(static_cast<void*>(item)));
-    QMimeData mime;
-    mime.setText(QString::number(quint64(quintptr(item)), 10));
-    for (QEvent::Type type : {QEvent::GraphicsSceneDragEnter, QEvent::GraphicsSceneDragMove, QEvent::GraphicsSceneDrop}) {
-        QGraphicsSceneDragDropEvent event(type);
-        event.setSource(tree);
-        event.setMimeData(&mime);
-        event.setScenePos(at);
-        event.setPossibleActions(Qt::MoveAction);
-        event.setProposedAction(Qt::MoveAction);
-        QApplication::sendEvent(window->GetScene(), &event);
-    }
 }
 
 Plugin::ModelControler* openModel(const QString& file)
@@ -213,8 +195,8 @@ void builtModelMidRun()
     hillshade.SetMetadata("raster.hillshade");
     slope.SetName("Slope");
     slope.SetMetadata("raster.slope");
-    dropTool(window, &tree, &hillshade, QPointF(0, 0));
-    dropTool(window, &tree, &slope, QPointF(0, 300));
+    CanvasDriver::DropOnCanvas(&tree, &hillshade, *window, QPointF(0, 0));
+    CanvasDriver::DropOnCanvas(&tree, &slope, *window, QPointF(0, 300));
     Plugin::APCModel* model = window->GetDocument();
     auto* first = model->GetProcesses().at(0);
     auto* second = model->GetProcesses().at(1);
