@@ -17,16 +17,34 @@ namespace {
 constexpr int kMaxSpareWatchers = 64;
 
 // Bumped by the starting thread once a task is built and by the task once its
-// result is stored; each side reads it before touching what the other wrote.
+// work is done; each side reads it before touching what the other wrote.
 // The pool's own hand-over gives the same order, but through locks that the
 // thread checker cannot see.
 std::atomic<unsigned> g_handoffs{0};
+
+// Whoever sees a task end may then touch, or delete, what it wrote: these two are
+// how the starting side sees an end, so they read the hand-over.
+bool hasEnded(const QFuture<bool>& future)
+{
+    if (!future.isFinished())
+        return false;
+    (void)g_handoffs.load(std::memory_order_acquire);
+    return true;
+}
+
+void waitForEnd(QFuture<bool> future)
+{
+    future.waitForFinished();
+    (void)g_handoffs.load(std::memory_order_acquire);
+}
 
 // One pool task with a bool future, as a concurrent run would give, except that
 // it reports its end in one event instead of three (progress, result, finish):
 // every event wakes the starting thread, and those wake-ups were most of a short
 // step's cost. Waiting for a task not yet started runs it on the waiting thread,
-// as with a concurrent run.
+// as with a concurrent run. The future holds no result: the step's outcome is in
+// the executable, and a stored one would be a heap value that either thread may
+// read or free, ordered only by the future's own lock, which the checker cannot see.
 class PoolTask : public QFutureInterface<bool>, public QRunnable
 {
 public:
@@ -49,11 +67,7 @@ public:
             reportFinished();
             return;
         }
-        const bool result = m_work();
-        {
-            QMutexLocker lock(mutex());
-            resultStoreBase().addResult<bool>(-1, &result);
-        }
+        m_work();
         g_handoffs.fetch_add(1, std::memory_order_release);
         reportFinished();
     }
@@ -126,12 +140,12 @@ void APCExecuteFactory::SweepLocked()
     for (auto it = m_tasks.begin(); it != m_tasks.end();) {
         QList<QFuture<bool>>& futures = it.value();
         for (int i = futures.size() - 1; i >= 0; --i)
-            if (futures[i].isFinished())
+            if (hasEnded(futures[i]))
                 futures.removeAt(i);
         it = futures.isEmpty() ? m_tasks.erase(it) : std::next(it);
     }
     for (auto it = m_orphans.begin(); it != m_orphans.end();) {
-        if (it.value().isFinished()) {
+        if (hasEnded(it.value())) {
             delete it.key();
             it = m_orphans.erase(it);
         } else {
@@ -146,7 +160,7 @@ bool APCExecuteFactory::BusyLocked(IAPCExecute* executable)
     if (it == m_tasks.constEnd())
         return false;
     for (const QFuture<bool>& f : it.value())
-        if (!f.isFinished())
+        if (!hasEnded(f))
             return true;
     return false;
 }
@@ -171,9 +185,7 @@ void APCExecuteFactory::OnFinished(IAPCExecute* executable)
     lock.unlock();
     if (watcher) {
         watcher->disconnect();
-        watcher->waitForFinished();
-        (void)g_handoffs.load(std::memory_order_acquire);
-        (void)watcher->result();
+        waitForEnd(watcher->future());
         lock.lock();
         const int again = m_executables.indexOf(executable);
         if (again >= 0) {
@@ -240,7 +252,7 @@ void APCExecuteFactory::Cancel(IAPCExecute* executable)
     executable->Cancel();
     if (watcher) {
         watcher->cancel();
-        watcher->waitForFinished();
+        waitForEnd(watcher->future());
     }
 }
 
@@ -286,8 +298,8 @@ void APCExecuteFactory::WaitUntilIdle(const QList<IAPCExecute*>& executables)
             futures += m_tasks.value(e);
     }
     // A task cancelled before it started is finished here without running.
-    for (QFuture<bool>& f : futures)
-        f.waitForFinished();
+    for (const QFuture<bool>& f : futures)
+        waitForEnd(f);
 }
 
 } // namespace Plugin
