@@ -32,11 +32,27 @@ run: build
 bench: build
 	@bash scripts/run-bench.sh $(BUILD_DIR)
 
+# make fuzz builds the fuzz targets and runs each in turn for FUZZ_RUNS inputs,
+# and for at most FUZZ_SECONDS each when that is set; FUZZ_TARGET=apc runs one.
+# Each reads its seeds from tests/fuzz/corpus/NAME and keeps what it finds in
+# build-fuzz/corpus/NAME; a failing input lands in build-fuzz/artifacts.
+FUZZ_TARGETS = expr apc atb clipboard
+FUZZ_TARGET ?= $(FUZZ_TARGETS)
+FUZZ_RUNS ?= 10000000
+FUZZ_SECONDS ?=
+
 fuzz:
 	@WITH_FUZZ=1 bash scripts/deps.sh
 	@cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=Debug -DMB_FUZZ=ON -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ > build-fuzz.configure.log 2>&1 || (cat build-fuzz.configure.log; exit 1)
-	@cmake --build build-fuzz -j $(JOBS) --target fuzz_expr
-	./build-fuzz/bin/fuzz_expr -max_total_time=$${FUZZ_SECONDS:-60} $(CURDIR)/tests/fuzz/corpus/expr
+	@cmake --build build-fuzz -j $(JOBS) --target $(addprefix fuzz_,$(FUZZ_TARGET))
+	@set -e; for t in $(FUZZ_TARGET); do \
+	  mkdir -p $(CURDIR)/build-fuzz/corpus/$$t $(CURDIR)/build-fuzz/artifacts; \
+	  dict=; [ $$t = expr ] || dict=-dict=$(CURDIR)/tests/fuzz/xml.dict; \
+	  echo "fuzz_$$t:"; \
+	  ./build-fuzz/bin/fuzz_$$t -runs=$(FUZZ_RUNS) $(if $(FUZZ_SECONDS),-max_total_time=$(FUZZ_SECONDS)) $$dict \
+	    -artifact_prefix=$(CURDIR)/build-fuzz/artifacts/$$t- \
+	    $(CURDIR)/build-fuzz/corpus/$$t $(CURDIR)/tests/fuzz/corpus/$$t; \
+	done
 
 screenshots: build
 	@cmake --build $(BUILD_DIR) --target mb_screenshots

@@ -16,6 +16,7 @@
 #include "model/APCProcessFactory.h"
 #include "model/APCVar.h"
 #include "model/APCVarFactory.h"
+#include "model/Gb2312.h"
 #include "model/VarReference.h"
 
 #include <QApplication>
@@ -182,6 +183,8 @@ void PasteCommand::OnClick()
                                        "<Configuration>\n") +
                         pieces.at(1) + QStringLiteral("\n</Configuration>")))
         return;
+    // As when a model file is read: what a save would drop is not pasted either.
+    Gb2312::DropUnwritableCharacters(xml.documentElement());
 
     // The pasted objects go straight into the model's lists, which own them
     // from then on: no var is made for an open parameter, and no signal is

@@ -27,6 +27,8 @@ bool APCModel::LoadFile(const QString& path)
     const QDomElement root = doc.documentElement();
     if (root.tagName() != QLatin1String("Configuration"))
         return false;
+    // What a save would drop goes now, so that the model read is the one saved.
+    Gb2312::DropUnwritableCharacters(root);
 
     for (QDomNode child = root.firstChild(); !child.isNull(); child = child.nextSibling()) {
         if (!child.isElement())

@@ -1,8 +1,12 @@
 #include "model/Gb2312.h"
 
+#include <QDomElement>
+#include <QDomNamedNodeMap>
 #include <QSaveFile>
 #include <QTextCodec>
 #include <QXmlStreamWriter>
+
+#include <algorithm>
 
 namespace Plugin {
 
@@ -81,6 +85,34 @@ QByteArray Gb2312::ReadableReferences(const QByteArray& bytes)
         return bytes;
     out += bytes.mid(copied);
     return out;
+}
+
+void Gb2312::DropUnwritableCharacters(const QDomElement& element)
+{
+    auto unwritable = [](QChar c) {
+        const ushort u = c.unicode();
+        return (u < 0x20 && u != '\t' && u != '\n' && u != '\r') || u == 0xFFFE || u == 0xFFFF;
+    };
+    // Depth first without recursion: a file may nest elements deeply.
+    QDomElement e = element;
+    while (!e.isNull()) {
+        const QDomNamedNodeMap attributes = e.attributes();
+        for (int i = 0; i < attributes.count(); ++i) {
+            QDomNode attribute = attributes.item(i);
+            const QString value = attribute.nodeValue();
+            if (std::none_of(value.cbegin(), value.cend(), unwritable))
+                continue;
+            QString kept;
+            for (const QChar c : value)
+                if (!unwritable(c))
+                    kept += c;
+            attribute.setNodeValue(kept);
+        }
+        QDomElement next = e.firstChildElement();
+        for (QDomElement up = e; next.isNull() && up != element; up = up.parentNode().toElement())
+            next = up.nextSiblingElement();
+        e = next;
+    }
 }
 
 bool Gb2312::SaveDocument(const QString& path, const std::function<void(QXmlStreamWriter&)>& body)

@@ -5,6 +5,7 @@
 
 #include <functional>
 
+class QDomElement;
 class QTextCodec;
 class QXmlStreamWriter;
 
@@ -26,6 +27,11 @@ public:
     // (&#127757;) turned into the surrogate pair the DOM reader can take; older
     // files that already hold pairs read as they are.
     static QByteArray ReadableReferences(const QByteArray& bytes);
+    // Removes from the attributes of element and of every element in it the
+    // characters XML cannot hold (controls other than tab and line ends, U+FFFE,
+    // U+FFFF). The DOM reader takes them, as bytes or references, but the writer
+    // drops them: kept, an object read would mean something else once saved.
+    static void DropUnwritableCharacters(const QDomElement& element);
     // Writes a document to path: body writes the root element and what is in it
     // on a formatting writer, and the encoded text replaces the file only once
     // complete, so a failed write never costs the old file. False when the file

@@ -155,6 +155,13 @@ TEST_F(Clipboard, OnlyCopiedObjectsOfKnownKindsArePasted)
     }
 }
 
+TEST_F(Clipboard, CharactersNoSaveCanWriteAreNotPasted)
+{
+    pasteText("ModelBuilder$$<Process class=\"algo\" name=\"{p}\" processName=\"test.copy&#1;Text\" posX=\"0\" posY=\"0\"/>");
+    ASSERT_EQ(to->GetDocument()->GetProcesses().size(), 1);
+    EXPECT_EQ(to->GetDocument()->GetProcesses()[0]->GetDescription(), "Copy text file"); // found in the catalogue
+}
+
 TEST_F(Clipboard, ArrowsSelectedAloneGiveTheMarkerAlone)
 {
     for (QGraphicsItem* item : from->GetScene()->GetItems())

@@ -169,6 +169,22 @@ TEST(ModelFile, CharactersOutsideGb2312SurviveAsOneReferenceEach)
     }
 }
 
+// The DOM reader takes control characters and U+FFFF, as bytes or references,
+// which no save can write: read as they were, the saved model would mean another.
+TEST(ModelFile, CharactersNoSaveCanWriteAreDroppedOnReading)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath("c.apc");
+    ASSERT_TRUE(WriteAll(path, kDeclaration + "\n<Configuration><Processes>"
+        "<Process class=\"algo\" name=\"{p}\" posX=\"0\" posY=\"0\" processName=\"test.copy&#1;Text\"/></Processes>"
+        "<Vars><Var class=\"file\" name=\"{v}\" constant=\"1\" value=\"a&#0;.\x02tif&#xFFFF;\"/></Vars></Configuration>"));
+    APCModel model;
+    ASSERT_TRUE(model.LoadFile(path));
+    ASSERT_EQ(model.GetProcesses().size() + model.GetVars().size(), 2);
+    EXPECT_EQ(model.GetProcesses()[0]->GetDescription(), "Copy text file"); // found in the catalogue
+    EXPECT_EQ(model.GetVars()[0]->GetValue(), "a.tif");
+}
+
 TEST(ModelFile, ReadsGbkDeclarationAndDamagedInputSafely)
 {
     QTemporaryDir dir;

@@ -1,0 +1,66 @@
+// What the file-reader fuzz targets share: a scratch folder made once, whole-file
+// reads and writes in it, and a check that no soft assert fired on an input.
+// Nothing here changes the working directory: libFuzzer reads the corpus paths
+// it was given after the fixture is built.
+#pragma once
+
+#include "model/SoftAssert.h"
+
+#include <QByteArray>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QString>
+#include <QTemporaryDir>
+
+#include <cstdlib>
+
+namespace Fuzz {
+
+// Every input is written and saved at least once: in memory when /dev/shm is
+// there, since a save syncs the file to the disk.
+inline QString ScratchTemplate()
+{
+    const QFileInfo shm(QStringLiteral("/dev/shm"));
+    const QString base = shm.isDir() && shm.isWritable() ? shm.filePath() : QDir::tempPath();
+    return base + QStringLiteral("/mb-fuzz-XXXXXX");
+}
+
+// Qt warns about input it refuses; that is expected, and soft asserts are
+// counted apart (NoSoftAssert).
+inline void Quiet()
+{
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+}
+
+inline void WriteAll(const QString& path, const char* data, size_t size)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) ||
+        file.write(data, static_cast<qint64>(size)) != static_cast<qint64>(size))
+        abort();
+}
+
+inline QByteArray ReadAll(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        abort();
+    return file.readAll();
+}
+
+// A soft assert marks a programmer error: reached from a file, it is a finding.
+class NoSoftAssert
+{
+public:
+    ~NoSoftAssert()
+    {
+        if (Plugin::SoftAssertFailures() != m_before)
+            abort();
+    }
+
+private:
+    int m_before = Plugin::SoftAssertFailures();
+};
+
+} // namespace Fuzz
