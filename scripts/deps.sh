@@ -3,7 +3,7 @@
 set -euo pipefail
 
 packages=(
-  build-essential cmake pkg-config
+  build-essential cmake pkg-config python3
   qtbase5-dev qtbase5-dev-tools libqt5xml5 qttools5-dev qttools5-dev-tools
   libboost-dev
   libgdal-dev gdal-bin

@@ -5,10 +5,12 @@
 #include <QJsonObject>
 #include <QStringList>
 
+#include <atomic>
 #include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 namespace Plugin {
 
@@ -28,6 +30,10 @@ public:
     // Adds or replaces the algorithm named config.name. A replaced entry's config
     // keeps its address, so pointers handed out earlier stay valid.
     void Register(const AlgoConfig& config, RunFn run);
+    // Adds a function that registers a library's algorithms. It runs once, before
+    // the first lookup, so that loading the library costs nothing: a program that
+    // never asks for an algorithm never builds the catalogue.
+    void AddSource(std::function<void()> source);
     // The config of name, or null. The pointer lives as long as the process.
     const AlgoConfig* Config(const QString& name) const;
     // The run function of name; empty when unknown.
@@ -37,6 +43,8 @@ public:
 
 private:
     AlgorithmRegistry() = default;
+    // Runs the sources not run yet; a lookup on another thread meanwhile waits.
+    void RunSources() const;
 
     struct Entry
     {
@@ -45,6 +53,10 @@ private:
     };
     mutable std::mutex m_mutex;
     std::map<QString, std::unique_ptr<Entry>> m_entries;
+    // A source may look algorithms up itself: the sources' lock is recursive.
+    mutable std::recursive_mutex m_sourceMutex;
+    mutable std::vector<std::function<void()>> m_sources;
+    mutable std::atomic<bool> m_hasSources{false};
 };
 
 } // namespace Plugin

@@ -1,6 +1,8 @@
 #include "HostRunner/BuiltinAlgorithms.h"
 #include "HostRunner/ExcuteAlgo.h"
 
+#include "HostCatalog/AlgorithmRegistry.h"
+
 #include <mutex>
 
 namespace HostRunner {
@@ -15,11 +17,11 @@ void RegisterBuiltinAlgorithms()
 }
 
 namespace {
-// Registers the catalogue as soon as the library is loaded, so that a host that
-// only browses the catalogue sees it too.
+// Loading the library offers the catalogue to the registry, so that a host that
+// only browses it sees it too; it is built on the first lookup.
 const struct AutoRegister
 {
-    AutoRegister() { RegisterBuiltinAlgorithms(); }
+    AutoRegister() { Plugin::AlgorithmRegistry::Instance().AddSource(RegisterBuiltinAlgorithms); }
 } autoRegister;
 } // namespace
 

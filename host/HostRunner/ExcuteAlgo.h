@@ -11,7 +11,7 @@ namespace HostRunner {
 int ExcuteAlgo(const char* name, const char* parameters, RunRecord* record);
 
 // Makes sure the built-in algorithms are in the registry (they also register
-// themselves when the library loads). Idempotent and thread-safe.
+// themselves on the registry's first lookup). Idempotent and thread-safe.
 void RegisterBuiltinAlgorithms();
 
 // Adds the small deterministic algorithms that tests drive the engine with

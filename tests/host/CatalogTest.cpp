@@ -8,7 +8,10 @@
 #include <QJsonDocument>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <cstring>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -93,6 +96,34 @@ TEST(Registry, ReRegisteringKeepsTheConfigAddress)
     reg.Register(cfg, [](const QJsonObject&, Plugin::AlgoRunContext& c) { return c.Fail(9, "x"); });
     EXPECT_EQ(reg.Config("test.replaceMe"), first);
     EXPECT_EQ(first->displayText, "two");
+}
+
+// A library's catalogue is built on the first lookup, once, and a lookup on another
+// thread meanwhile waits for it instead of missing its algorithms.
+TEST(Registry, SourcesRunOnceBeforeTheFirstLookupOnAnyThread)
+{
+    auto& reg = Plugin::AlgorithmRegistry::Instance();
+    std::atomic<int> runs{0};
+    reg.AddSource([&] {
+        ++runs;
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        Plugin::AlgoConfig cfg;
+        cfg.name = "test.lazy";
+        Plugin::AlgorithmRegistry::Instance().Register(cfg, {});
+        // A source may look algorithms up itself.
+        EXPECT_NE(Plugin::AlgorithmRegistry::Instance().Config("test.lazy"), nullptr);
+    });
+    EXPECT_EQ(runs, 0);
+    std::vector<std::thread> lookers;
+    std::atomic<int> found{0};
+    for (int i = 0; i < 4; ++i)
+        lookers.emplace_back([&] { found += reg.Config("test.lazy") != nullptr; });
+    for (std::thread& t : lookers)
+        t.join();
+    EXPECT_EQ(found, 4);
+    EXPECT_EQ(runs, 1);
+    EXPECT_TRUE(reg.Names().contains("test.lazy"));
+    EXPECT_EQ(runs, 1);
 }
 
 TEST(ExcuteAlgo, UnknownAlgorithmGivesCodeAndMessage)
