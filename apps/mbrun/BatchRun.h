@@ -29,11 +29,9 @@ public:
     BatchRun& operator=(const BatchRun&) = delete;
     ~BatchRun();
 
-    // Does it all and returns the exit code.
+    // Does it all and returns the exit code. After a signal, steps may still be
+    // busy on the pool: the caller ends the process without waiting for them.
     int Exec();
-    // A signal stopped the run while steps may still be busy on the pool: the
-    // process must end without waiting for them.
-    bool MustQuitAtOnce() const { return m_signal != 0; }
 
 private:
     // Prints mbrun's own lines on standard error and notes them for the report.
