@@ -86,7 +86,7 @@ int main(int argc, char** argv)
         return 1;
     }
     std::vector<double> ours, theirs, list;
-    for (int i = 0; i < (argc > 1 ? atoi(argv[1]) : 21); ++i) {
+    for (int i = 0; i < (argc > 1 ? atoi(argv[1]) : 41); ++i) {
         ours.push_back(timeProcess(mbrun, {model}));
         theirs.push_back(timeProcess(translate, {"-q", in, dir.filePath("by-gdal.tif")}));
         list.push_back(timeProcess(mbrun, {model, "--list"}));
@@ -97,7 +97,12 @@ int main(int argc, char** argv)
     }
     Bench::Print("mbrun_one_step_64x64_median", median(ours), "ms");
     Bench::Print("gdal_translate_64x64_median", median(theirs), "ms (baseline, same conversion)");
-    Bench::Print("mbrun_to_gdal_translate_ratio", median(ours) / median(theirs), "x (target <= 1)");
+    // Each pair runs back to back, so the median of the pairs' ratios holds when the
+    // machine's speed drifts during the benchmark.
+    std::vector<double> ratios;
+    for (size_t i = 0; i < ours.size(); ++i)
+        ratios.push_back(ours[i] / theirs[i]);
+    Bench::Print("mbrun_to_gdal_translate_ratio", median(ratios), "x (median of the pairs' ratios; target <= 1)");
     Bench::Print("mbrun_list_median", median(list), "ms (target < 50)");
     return 0;
 }
