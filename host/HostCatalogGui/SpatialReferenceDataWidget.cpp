@@ -1,4 +1,5 @@
 #include "HostCatalogGui/SpatialReferenceDataWidget.h"
+#include "HostRunner/SpatialReference.h"
 
 #include <QLabel>
 #include <QLineEdit>
@@ -17,21 +18,15 @@ struct Verdict
     QString detail; // GDAL's reason when not
 };
 
-Verdict checkWithGdal(QString text)
+Verdict checkWithGdal(const QString& text)
 {
-    bool isNumber = false;
-    text.toInt(&isNumber);
-    if (isNumber)
-        text.prepend(QLatin1String("EPSG:")); // the runner reads a bare code so too
     Verdict verdict;
     OGRSpatialReference srs;
-    // Quiet: a rejected keystroke is no error for the log. The limitations keep
-    // the check off files and the network, as the runner does.
+    // Quiet: a rejected keystroke is no error for the log. The rule is the
+    // runner's own, so the form accepts exactly what a step will.
     CPLPushErrorHandler(CPLQuietErrorHandler);
     CPLErrorReset();
-    const QByteArray input = text.toUtf8();
-    verdict.ok = srs.SetFromUserInput(input.constData(), OGRSpatialReference::SET_FROM_USER_INPUT_LIMITATIONS_get())
-                 == OGRERR_NONE;
+    verdict.ok = HostRunner::ReadSpatialReference(text, &srs);
     verdict.detail = QString::fromUtf8(CPLGetLastErrorMsg());
     CPLPopErrorHandler();
     if (verdict.ok)

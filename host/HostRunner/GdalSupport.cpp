@@ -2,6 +2,7 @@
 
 #include "HostCatalog/AlgoRunContext.h"
 #include "HostCatalog/AlgorithmRegistry.h"
+#include "HostRunner/SpatialReference.h"
 
 #include <QDir>
 #include <QFile>
@@ -467,14 +468,8 @@ bool GdalJob::OneOf(const QString& name, const QStringList& allowed, QString* ou
 
 bool GdalJob::SpatialRef(const QString& name, OGRSpatialReference* out)
 {
-    QString text = Text(name);
-    bool isNumber = false;
-    text.toInt(&isNumber);
-    if (isNumber)
-        text.prepend(QLatin1String("EPSG:")); // a bare code is the common shorthand
     out->SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
-    const QByteArray input = text.toUtf8();
-    if (out->SetFromUserInput(input.constData(), OGRSpatialReference::SET_FROM_USER_INPUT_LIMITATIONS_get()) != OGRERR_NONE)
+    if (!ReadSpatialReference(Text(name), out))
         return Fail(kBadParameter, QStringLiteral("%1: unknown spatial reference '%2'").arg(name, Text(name)));
     return true;
 }
