@@ -26,7 +26,6 @@ QString describeParam(const Plugin::Param& p)
 
 QString AlgorithmListMarkdown()
 {
-    RegisterBuiltinAlgorithms();
     const Plugin::AlgorithmRegistry& registry = Plugin::AlgorithmRegistry::Instance();
     std::map<QString, QStringList> byCategory; // sorted categories, names sorted by the registry
     for (const QString& name : registry.Names()) {

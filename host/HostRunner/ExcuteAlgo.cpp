@@ -29,7 +29,6 @@ int ExcuteAlgo(const char* name, const char* parameters, RunRecord* record)
 {
     if (!record)
         return 0;
-    RegisterBuiltinAlgorithms();
     writeError(record, 0, QString());
 
     const QString algoName = QString::fromLocal8Bit(name ? name : "");
