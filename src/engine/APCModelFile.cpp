@@ -14,8 +14,8 @@
 
 #include <QDomNode>
 #include <QFileInfo>
+#include <QHash>
 #include <QSet>
-#include <QThreadStorage>
 #include <QUuid>
 
 #include <memory>
@@ -54,11 +54,67 @@ public:
             activeFiles().removeLast();
     }
     bool IsCycle() const { return m_cycle; }
+    const QString& Path() const { return m_path; }
 
 private:
     QString m_path;
     bool m_cycle = false;
 };
+
+// What a nested model offers the step that runs it: one parameter per free var,
+// in model order, without a value. Empty when the file does not load.
+struct Offer
+{
+    bool loaded = false;
+    QList<APCParameter> params;
+};
+
+Offer ReadOffer(const QString& path)
+{
+    Offer offer;
+    APCModel model;
+    if (!model.LoadFile(path))
+        return offer;
+    offer.loaded = true;
+    const FreeVars free(model);
+    for (APCVar* v : free.List()) {
+        APCParameter p;
+        p.name = v->GetName();
+        p.type = v->GetClass();
+        p.typeParam = v->GetTypeParam();
+        p.description = v->GetDescription();
+        p.direction = 0;
+        for (APCArrow* a : model.ArrowsOfVar(v))
+            if (a->GetHead() == v->GetName())
+                p.direction = 1;
+        offer.params.append(p);
+    }
+    return offer;
+}
+
+// A model whose steps run the same file many times over, or a tree of nested
+// models, reads each file once per load instead of once per step or per path
+// through the tree. Kept only while that load goes on, so every load sees the
+// files as they are then.
+QHash<QString, Offer>& offersOfThisLoad()
+{
+    static thread_local QHash<QString, Offer> offers;
+    return offers;
+}
+
+Offer OfferOf(const QString& canonicalPath)
+{
+    if (!APCModel::Loading())
+        return ReadOffer(canonicalPath);
+    auto it = offersOfThisLoad().constFind(canonicalPath);
+    if (it != offersOfThisLoad().constEnd())
+        return *it;
+    const Offer offer = ReadOffer(canonicalPath);
+    if (offersOfThisLoad().isEmpty())
+        APCModel::WhenLoadEnds([] { offersOfThisLoad().clear(); });
+    offersOfThisLoad().insert(canonicalPath, offer);
+    return offer;
+}
 
 } // namespace
 
@@ -111,29 +167,20 @@ bool APCModelFile::LoadParameters()
     ActiveFile guard(m_modelPath);
     if (guard.IsCycle())
         return false;
-    APCModel model;
-    if (!model.LoadFile(m_modelPath))
+    const Offer offer = OfferOf(guard.Path());
+    if (!offer.loaded)
         return false;
-    const FreeVars free(model);
     QSet<QString> ids;
-    for (APCVar* v : free.List())
-        ids.insert(v->GetName());
+    for (const APCParameter& offered : offer.params)
+        ids.insert(offered.name);
     QList<APCParameter>& params = GetParameters();
     for (int i = params.size() - 1; i >= 0; --i)
         if (!ids.contains(params[i].name))
             params.removeAt(i);
-    for (APCVar* v : free.List()) {
-        if (GetParameter(v->GetName()).name == v->GetName())
+    for (const APCParameter& offered : offer.params) {
+        if (GetParameter(offered.name).name == offered.name)
             continue;
-        APCParameter p;
-        p.name = v->GetName();
-        p.type = v->GetClass();
-        p.typeParam = v->GetTypeParam();
-        p.description = v->GetDescription();
-        p.direction = 0;
-        for (APCArrow* a : model.ArrowsOfVar(v))
-            if (a->GetHead() == v->GetName())
-                p.direction = 1;
+        APCParameter p = offered;
         p.value = VarReferenceTo(QUuid::createUuid().toString());
         params.append(p);
     }

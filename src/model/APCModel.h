@@ -6,6 +6,7 @@
 #include <QString>
 #include <boost/signals2.hpp>
 
+#include <functional>
 #include <mutex>
 
 class QDomNode;
@@ -89,6 +90,10 @@ public:
 
     // Appends the file's objects; false when it cannot be read. No wiring, no signal.
     bool LoadFile(const QString& path);
+    // What a load reads from other files may be kept until the outermost LoadFile
+    // under way on this thread returns: then `forget` runs (at once when none is).
+    static bool Loading();
+    static void WhenLoadEnds(std::function<void()> forget);
     bool SaveFile(const QString& path);
 
     // Called when an object's id changed; the lookup index is rebuilt on demand.

@@ -12,10 +12,45 @@
 #include <QFile>
 #include <QXmlStreamWriter>
 
+#include <vector>
+
 namespace Plugin {
+
+namespace {
+
+thread_local int loadDepth = 0;
+thread_local std::vector<std::function<void()>> atLoadEnd;
+
+class LoadScope
+{
+public:
+    LoadScope() { ++loadDepth; }
+    ~LoadScope()
+    {
+        if (--loadDepth > 0)
+            return;
+        const std::vector<std::function<void()>> forget = std::move(atLoadEnd);
+        atLoadEnd.clear();
+        for (const std::function<void()>& f : forget)
+            f();
+    }
+};
+
+} // namespace
+
+bool APCModel::Loading() { return loadDepth > 0; }
+
+void APCModel::WhenLoadEnds(std::function<void()> forget)
+{
+    if (loadDepth > 0)
+        atLoadEnd.push_back(std::move(forget));
+    else
+        forget();
+}
 
 bool APCModel::LoadFile(const QString& path)
 {
+    const LoadScope scope;
     QDomDocument doc(QStringLiteral("APCFile"));
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))

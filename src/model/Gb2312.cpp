@@ -32,16 +32,27 @@ QByteArray Gb2312::EncodeDocument(const QString& xml)
     QTextCodec* codec = Codec();
     if (!codec)
         return text.toUtf8();
+    // Most files are plain ASCII, which GB2312 keeps byte for byte: runs of it are
+    // copied whole, and only the other characters go through the codec.
     QString safe;
     safe.reserve(text.size());
-    for (int i = 0; i < text.size(); ++i) {
-        const QChar c = text.at(i);
-        if (c.unicode() < 0x80) {
-            safe += c;
+    const QChar* chars = text.constData();
+    const int size = text.size();
+    int i = 0;
+    while (i < size) {
+        int run = i;
+        while (run < size && chars[run].unicode() < 0x80)
+            ++run;
+        if (run > i) {
+            if (run == size && i == 0)
+                return text.toLatin1();
+            safe.append(chars + i, run - i);
+            i = run;
             continue;
         }
-        const bool pair = c.isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate();
-        const QString piece = pair ? text.mid(i, 2) : QString(c);
+        const QChar c = chars[i];
+        const bool pair = c.isHighSurrogate() && i + 1 < size && chars[i + 1].isLowSurrogate();
+        const QString piece(chars + i, pair ? 2 : 1);
         if (codec->canEncode(piece)) {
             safe += piece;
         } else {
@@ -50,8 +61,7 @@ QByteArray Gb2312::EncodeDocument(const QString& xml)
             const uint code = pair ? QChar::surrogateToUcs4(piece.at(0), piece.at(1)) : c.unicode();
             safe += QStringLiteral("&#x%1;").arg(code, 0, 16);
         }
-        if (pair)
-            ++i;
+        i += pair ? 2 : 1;
     }
     return codec->fromUnicode(safe);
 }

@@ -16,6 +16,7 @@
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QSet>
 #include <QTemporaryDir>
 #include <QThreadPool>
 #include <gtest/gtest.h>
@@ -100,6 +101,46 @@ TEST_F(NestedModels, ParametersMirrorTheFreeVarsOfTheFile)
     EXPECT_EQ(step.GetParameters()[0].value, "kept");
     EXPECT_FALSE(step.SetModelPath(File("missing.apc")));
     EXPECT_FALSE(step.Check());
+}
+
+// pair.apc runs copy.apc twice; outer.apc runs pair.apc twice, its steps saved
+// without parameters. Loading it gives each step the parameters pair.apc offers,
+// with values of its own; a file changed between two loads is read anew.
+TEST_F(NestedModels, ATreeOfNestedModelsOffersEachStepItsOwnParameters)
+{
+    WriteCopyModel();
+    auto writePair = [&](int copies) {
+        TestSupport::HeadlessModel pair;
+        for (int i = 0; i < copies; ++i)
+            AddModelStep(pair, "copy.apc", {});
+        ASSERT_TRUE(pair.SaveFile(ModelPath("pair.apc")));
+    };
+    writePair(2);
+    {
+        TestSupport::HeadlessModel outer;
+        AddModelStep(outer, "pair.apc", {})->GetParameters().clear();
+        AddModelStep(outer, "pair.apc", {})->GetParameters().clear();
+        ASSERT_TRUE(outer.SaveFile(ModelPath("outer.apc")));
+    }
+    APCModel loaded;
+    ASSERT_TRUE(loaded.LoadFile(ModelPath("outer.apc")));
+    ASSERT_EQ(loaded.GetProcesses().size(), 2);
+    QSet<QString> values;
+    for (APCProcess* step : loaded.GetProcesses()) {
+        ASSERT_EQ(step->GetParameters().size(), 4);
+        EXPECT_EQ(step->GetParameters()[3].direction, 1);
+        for (const APCParameter& p : step->GetParameters())
+            values.insert(p.value);
+    }
+    EXPECT_EQ(values.size(), 8);
+
+    writePair(3);
+    APCModel again;
+    ASSERT_TRUE(again.LoadFile(ModelPath("outer.apc")));
+    EXPECT_EQ(again.GetProcesses()[0]->GetParameters().size(), 6);
+    auto* step = static_cast<APCModelFile*>(loaded.GetProcesses()[1]);
+    EXPECT_TRUE(step->LoadParameters());
+    EXPECT_EQ(step->GetParameters().size(), 6);
 }
 
 TEST_F(NestedModels, ValuesGoInAndFilesComeOut)
