@@ -36,10 +36,15 @@ bench: build
 # and for at most FUZZ_SECONDS each when that is set; FUZZ_TARGET=apc runs one.
 # Each reads its seeds from tests/fuzz/corpus/NAME and keeps what it finds in
 # build-fuzz/corpus/NAME; a failing input lands in build-fuzz/artifacts.
+# With FUZZ_JOBS above 1 (the core count by default) one run fuzzes in that many
+# processes at once, FUZZ_RUNS inputs in all; a crash, leak, timeout or running
+# out of memory in any of them ends the run.
 FUZZ_TARGETS = expr apc atb clipboard
 FUZZ_TARGET ?= $(FUZZ_TARGETS)
 FUZZ_RUNS ?= 10000000
 FUZZ_SECONDS ?=
+FUZZ_JOBS ?= $(JOBS)
+FUZZ_FORK = $(if $(filter-out 0 1,$(FUZZ_JOBS)),-fork=$(FUZZ_JOBS) -ignore_timeouts=0 -ignore_ooms=0)
 
 fuzz:
 	@WITH_FUZZ=1 bash scripts/deps.sh
@@ -49,7 +54,7 @@ fuzz:
 	  mkdir -p $(CURDIR)/build-fuzz/corpus/$$t $(CURDIR)/build-fuzz/artifacts; \
 	  dict=; [ $$t = expr ] || dict=-dict=$(CURDIR)/tests/fuzz/xml.dict; \
 	  echo "fuzz_$$t:"; \
-	  ./build-fuzz/bin/fuzz_$$t -runs=$(FUZZ_RUNS) $(if $(FUZZ_SECONDS),-max_total_time=$(FUZZ_SECONDS)) $$dict \
+	  ./build-fuzz/bin/fuzz_$$t -runs=$(FUZZ_RUNS) $(FUZZ_FORK) $(if $(FUZZ_SECONDS),-max_total_time=$(FUZZ_SECONDS)) $$dict \
 	    -artifact_prefix=$(CURDIR)/build-fuzz/artifacts/$$t- \
 	    $(CURDIR)/build-fuzz/corpus/$$t $(CURDIR)/tests/fuzz/corpus/$$t; \
 	done
