@@ -33,8 +33,10 @@
 #include <memory>
 
 using namespace Plugin;
+using GuiDriver::Child;
 using GuiDriver::Click;
 using GuiDriver::OnNextModal;
+using GuiDriver::Retype;
 
 namespace {
 
@@ -60,17 +62,10 @@ private:
     std::vector<boost::signals2::scoped_connection> m_connections;
 };
 
-template <class T> T* child(QObject* root, const char* name)
-{
-    auto* w = root->findChild<T*>(QLatin1String(name));
-    EXPECT_NE(w, nullptr) << name;
-    return w;
-}
-
 // The rows of a combo box, the current one marked with "*".
 QString rows(QWidget* dialog, const char* name)
 {
-    auto* combo = child<QComboBox>(dialog, name);
+    auto* combo = Child<QComboBox>(dialog, name);
     QStringList rows;
     for (int i = 0; i < combo->count(); ++i)
         rows << (i == combo->currentIndex() ? "*" : "") + combo->itemText(i);
@@ -80,19 +75,11 @@ QString rows(QWidget* dialog, const char* name)
 // Picks a row of a closed combo box with the keyboard.
 void choose(QWidget* dialog, const char* name, const QString& text)
 {
-    auto* combo = child<QComboBox>(dialog, name);
+    auto* combo = Child<QComboBox>(dialog, name);
     QTest::keyClick(combo, Qt::Key_Home);
     for (int i = 0; i < combo->count() && combo->currentText() != text; ++i)
         QTest::keyClick(combo, Qt::Key_Down);
     EXPECT_EQ(combo->currentText(), text);
-}
-
-// Replaces a line's text as a user does: select all, type.
-void retype(QLineEdit* edit, const QString& text)
-{
-    ASSERT_NE(edit, nullptr);
-    QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClicks(edit, text);
 }
 
 // Types into a table cell, opened with a click and F2 unless its editor is open.
@@ -104,7 +91,7 @@ void typeInCell(QTableWidget* table, int row, int column, const QString& text)
         QTest::keyClick(table, Qt::Key_F2);
     }
     auto* editor = qobject_cast<QLineEdit*>(table->indexWidget(index));
-    retype(editor, text);
+    Retype(editor, text);
     if (editor)
         QTest::keyClick(editor, Qt::Key_Return);
     QCoreApplication::processEvents(); // the table takes the edit in a queued call
@@ -320,15 +307,15 @@ TEST_F(ObjectDialogs, IteratorFoldersAndFilterReachItsParametersAndItsOutputsFol
         const int result = runAndApply(dialog, [&] {
             // The folders name the var the dropped step got: the user gives that up
             // for a folder of the picker.
-            auto* folders = child<QWidget>(&dialog, "directoryWidget");
+            auto* folders = Child<QWidget>(&dialog, "directoryWidget");
             Click(folders, "useRows");
             OnNextModal([&](QWidget* picker) {
                 qobject_cast<QFileDialog*>(picker)->setDirectory(scenes);
                 static_cast<QDialog*>(picker)->accept();
             });
             Click(folders, "add");
-            auto* filter = child<QWidget>(&dialog, "filterWidget");
-            c.editFilter(child<QTableWidget>(filter, "table"), filter);
+            auto* filter = Child<QWidget>(&dialog, "filterWidget");
+            c.editFilter(Child<QTableWidget>(filter, "table"), filter);
             Click(&dialog, "okButton");
         });
         EXPECT_EQ(result, QDialog::Accepted);
@@ -383,7 +370,7 @@ TEST_F(ObjectDialogs, NestedModelStepTakesTheFreeInputsOfItsModelFile)
                 shown << w->GetCaption();
             EXPECT_EQ(shown, c.shown);
             if (!c.typed.isEmpty())
-                retype(dialog.findChild<QLineEdit*>("edit"), c.typed);
+                Retype(dialog.findChild<QLineEdit*>("edit"), c.typed);
             Click(&dialog, "okButton");
         });
         EXPECT_EQ(result, QDialog::Accepted);
@@ -427,9 +414,9 @@ TEST_F(ObjectDialogs, CancelChangesNothing)
         {"Arrow", model.GetArrows()[0], new APCArrowDlg(model.GetArrows()[0], window.get()),
          [](QWidget* d) { choose(d, "headType", "var"); }},
         {"Iterator", steps[1], new APCFileIteratorDlg(steps[1], window.get()),
-         [](QWidget* d) { typeInCell(child<QTableWidget>(child<QWidget>(d, "filterWidget"), "table"), 0, 0, "B"); }},
+         [](QWidget* d) { typeInCell(Child<QTableWidget>(Child<QWidget>(d, "filterWidget"), "table"), 0, 0, "B"); }},
         {"NestedModel", steps[2], new APCModelFileDlg(steps[2], window.get()),
-         [](QWidget* d) { retype(d->findChild<QLineEdit*>("edit"), "/data/in.txt"); }},
+         [](QWidget* d) { Retype(d->findChild<QLineEdit*>("edit"), "/data/in.txt"); }},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);

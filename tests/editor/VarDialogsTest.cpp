@@ -31,6 +31,8 @@
 
 using namespace Plugin;
 using GuiDriver::OnNextModal;
+using GuiDriver::Child;
+using GuiDriver::Retype;
 
 namespace {
 
@@ -44,14 +46,6 @@ const char* kOneVarModel = R"(<?xml version="1.0" encoding="GB2312" standalone="
     <Arrows/>
 </Configuration>
 )";
-
-template <class T>
-T* child(QWidget* root, const char* name)
-{
-    auto* found = root->findChild<T*>(QLatin1String(name));
-    EXPECT_NE(found, nullptr) << name;
-    return found;
-}
 
 void clickButton(QWidget* root, const char* name)
 {
@@ -76,20 +70,6 @@ QStringList rowTexts(QListWidget* list)
     for (int i = 0; i < list->count(); ++i)
         texts << list->item(i)->text();
     return texts;
-}
-
-// Replaces the whole text of an edit by typing, as a user selecting all and typing.
-void retype(QWidget* edit, const QString& text)
-{
-    edit->setFocus();
-    QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClick(edit, Qt::Key_Delete);
-    const QStringList lines = text.split('\n');
-    for (int i = 0; i < lines.size(); ++i) {
-        if (i > 0)
-            QTest::keyClick(edit, Qt::Key_Return);
-        QTest::keyClicks(edit, lines[i]);
-    }
 }
 
 // The next modal window must be a message box: its title and text are kept and it
@@ -157,20 +137,20 @@ TEST(FunctionDialog, OpensOnTheFirstSortedFunctionAndListsTheVarsByDescription)
     APCVar* output = addVar(model, "{o}", "filePath", "Output");
     APCFunctionDlg dialog(APCFun::GetFunctionList(), model.GetVars(), nullptr);
 
-    auto* functions = child<QListWidget>(&dialog, "functionList");
+    auto* functions = Child<QListWidget>(&dialog, "functionList");
     EXPECT_EQ(rowTexts(functions),
               QStringList({"$APCFun_UnionFilePath", "$AppendSuffix", "$ReplaceDirectory", "$ReplaceExtension",
                            "$ReplaceSuffix", "$SelectDirectory", "$SelectDirectory2", "$SubDirectory"}));
     EXPECT_TRUE(functions->item(0)->isSelected());
 
-    auto* vars = child<QListWidget>(&dialog, "varList");
+    auto* vars = Child<QListWidget>(&dialog, "varList");
     EXPECT_EQ(rowTexts(vars), QStringList({"Input", "Output", "Scene"}));
     EXPECT_EQ(vars->item(0)->data(Qt::UserRole).value<void*>(), static_cast<void*>(input));
     EXPECT_EQ(vars->item(1)->data(Qt::UserRole).value<void*>(), static_cast<void*>(output));
     EXPECT_EQ(vars->item(2)->data(Qt::UserRole).value<void*>(), static_cast<void*>(scene));
 
     // The help of the first function, not of the first var: the signals were connected after the filling.
-    const QString help = child<QTextEdit>(&dialog, "helpEdit")->toPlainText();
+    const QString help = Child<QTextEdit>(&dialog, "helpEdit")->toPlainText();
     EXPECT_TRUE(help.startsWith("Name:$UnionFilePath(%filePath1%, %filePath2%, '_')\n")) << qPrintable(help);
     EXPECT_TRUE(help.contains("separator + the file extension.\n\nDescribe:\nUnionFilePath('c:/test/a_b_x.tif'"))
         << qPrintable(help);
@@ -198,8 +178,8 @@ TEST(FunctionDialog, OkTakesWhatParsesOrIsEmptyAndRefusesTheRest)
         dialog.SetExpression("$AppendSuffix('set', '_by the caller')");
         Message message;
         const int result = runModal(dialog, [&](QDialog* d) {
-            auto* edit = child<QTextEdit>(d, "expressionEdit");
-            retype(edit, c.text);
+            auto* edit = Child<QTextEdit>(d, "expressionEdit");
+            Retype(edit, c.text);
             ASSERT_EQ(edit->toPlainText(), c.text);
             if (c.accepted) {
                 clickButton(d, "okButton");
@@ -214,7 +194,7 @@ TEST(FunctionDialog, OkTakesWhatParsesOrIsEmptyAndRefusesTheRest)
             EXPECT_TRUE(d->isVisible()); // stays open, with the bad text in the field
             EXPECT_EQ(dialog.GetExpression(), c.text);
             // The user mends the text and tries again.
-            retype(edit, "$ReplaceExtension('c:/test/x.tif', 'xml')");
+            Retype(edit, "$ReplaceExtension('c:/test/x.tif', 'xml')");
             clickButton(d, "okButton");
         });
         EXPECT_EQ(result, QDialog::Accepted);
@@ -244,7 +224,7 @@ protected:
         changes = model.varChanged.connect([this](APCVar* var) { changed << var; });
     }
 
-    static DataTypeWidget* valueWidget(QWidget* dialog) { return child<DataTypeWidget>(dialog, "valueWidget"); }
+    static DataTypeWidget* valueWidget(QWidget* dialog) { return Child<DataTypeWidget>(dialog, "valueWidget"); }
     static QLineEdit* valueEdit(QWidget* dialog) { return valueWidget(dialog)->findChild<QLineEdit*>(); }
 
     TestSupport::HeadlessModel model;
@@ -259,9 +239,9 @@ TEST_F(VarDialog, ShowsAComputedVarAndRadioButtonsSwitchTheEditorsAndCancelLeave
 {
     APCVarDlg dialog(computed, nullptr);
     const int result = runModal(dialog, [&](QDialog* d) {
-        auto* expression = child<QLineEdit>(d, "expressionEdit");
-        auto* dots = child<QPushButton>(d, "funcButton");
-        EXPECT_TRUE(child<QRadioButton>(d, "varRadio")->isChecked());
+        auto* expression = Child<QLineEdit>(d, "expressionEdit");
+        auto* dots = Child<QPushButton>(d, "funcButton");
+        EXPECT_TRUE(Child<QRadioButton>(d, "varRadio")->isChecked());
         EXPECT_EQ(expression->text(), "$AppendSuffix(%{src}%, '_a')");
         EXPECT_TRUE(expression->isEnabled() && dots->isEnabled());
         EXPECT_FALSE(valueWidget(d)->isEnabled());
@@ -270,16 +250,16 @@ TEST_F(VarDialog, ShowsAComputedVarAndRadioButtonsSwitchTheEditorsAndCancelLeave
         EXPECT_TRUE(valueWidget(d)->isEnabled());
         EXPECT_FALSE(expression->isEnabled());
         EXPECT_FALSE(dots->isEnabled());
-        EXPECT_FALSE(child<QRadioButton>(d, "varRadio")->isChecked());
+        EXPECT_FALSE(Child<QRadioButton>(d, "varRadio")->isChecked());
         clickButton(d, "varRadio");
         EXPECT_FALSE(valueWidget(d)->isEnabled());
         EXPECT_TRUE(expression->isEnabled());
         EXPECT_TRUE(dots->isEnabled());
-        EXPECT_FALSE(child<QRadioButton>(d, "constRadio")->isChecked());
+        EXPECT_FALSE(Child<QRadioButton>(d, "constRadio")->isChecked());
         EXPECT_EQ(expression->text(), "$AppendSuffix(%{src}%, '_a')"); // came back with the mode
         clickButton(d, "constRadio");
-        retype(child<QLineEdit>(d, "descriptionEdit"), "Renamed");
-        retype(valueEdit(d), "c:/typed.tif");
+        Retype(Child<QLineEdit>(d, "descriptionEdit"), "Renamed");
+        Retype(valueEdit(d), "c:/typed.tif");
         clickButton(d, "cancelButton");
     });
     EXPECT_EQ(result, QDialog::Rejected);
@@ -298,7 +278,7 @@ TEST_F(VarDialog, ApplyWritesWhatTheUserChoseAndTellsTheModel)
     APCVar* fresh = addVar(model, "{fresh}", "string", "Fresh");
     TestSupport::SetConstant(fresh, "v");
     const QString appended = "$AppendSuffix(%{src}%, '_a')";
-    const auto typeValue = [](QDialog* d, const QString& text) { retype(valueEdit(d), text); };
+    const auto typeValue = [](QDialog* d, const QString& text) { Retype(valueEdit(d), text); };
     struct Case
     {
         const char* name;
@@ -312,12 +292,12 @@ TEST_F(VarDialog, ApplyWritesWhatTheUserChoseAndTellsTheModel)
         {"a constant made computed keeps its value", fresh,
          [](QDialog* d) {
              clickButton(d, "varRadio");
-             retype(child<QLineEdit>(d, "expressionEdit"), "$ReplaceExtension(%{src}%, 'xml')");
+             Retype(Child<QLineEdit>(d, "expressionEdit"), "$ReplaceExtension(%{src}%, 'xml')");
          },
          false, "v", "$ReplaceExtension(%{src}%, 'xml')", "Fresh", "c:/test/x.xml"},
         {"a constant retyped", source,
          [&](QDialog* d) {
-             retype(child<QLineEdit>(d, "descriptionEdit"), "Scene file");
+             Retype(Child<QLineEdit>(d, "descriptionEdit"), "Scene file");
              typeValue(d, "c:/data/y.tif");
          },
          true, "c:/data/y.tif", "", "Scene file", "c:/data/y.tif"},
@@ -361,7 +341,7 @@ TEST_F(VarDialog, ApplyWritesWhatTheUserChoseAndTellsTheModel)
     }
     // A constant's dialog does not show the expression it keeps.
     APCVarDlg again(computed, nullptr);
-    EXPECT_EQ(child<QLineEdit>(&again, "expressionEdit")->text(), "");
+    EXPECT_EQ(Child<QLineEdit>(&again, "expressionEdit")->text(), "");
 }
 
 TEST_F(VarDialog, DotsOpenTheFunctionDialogAndOnlyItsOkChangesTheExpression)
@@ -385,13 +365,13 @@ TEST_F(VarDialog, DotsOpenTheFunctionDialogAndOnlyItsOkChangesTheExpression)
         changed.clear();
         APCVarDlg dialog(computed, nullptr);
         const int result = runModal(dialog, [&](QDialog* d) {
-            auto* expression = child<QLineEdit>(d, "expressionEdit");
+            auto* expression = Child<QLineEdit>(d, "expressionEdit");
             inFunctionDialog([&](APCFunctionDlg* f) {
                 EXPECT_EQ(f->parentWidget(), d);
-                EXPECT_EQ(child<QTextEdit>(f, "expressionEdit")->toPlainText(), before);
-                EXPECT_EQ(rowTexts(child<QListWidget>(f, "varList")), QStringList({"Kept", "Output", "Scene"}));
-                EXPECT_EQ(child<QListWidget>(f, "functionList")->count(), APCFun::GetFunctionList().size());
-                retype(child<QTextEdit>(f, "expressionEdit"), c.typed);
+                EXPECT_EQ(Child<QTextEdit>(f, "expressionEdit")->toPlainText(), before);
+                EXPECT_EQ(rowTexts(Child<QListWidget>(f, "varList")), QStringList({"Kept", "Output", "Scene"}));
+                EXPECT_EQ(Child<QListWidget>(f, "functionList")->count(), APCFun::GetFunctionList().size());
+                Retype(Child<QTextEdit>(f, "expressionEdit"), c.typed);
                 if (c.refusedFirst) {
                     Message message;
                     answerMessage(&message);
@@ -421,7 +401,7 @@ TEST(VarAddDialog, OkWithoutACurrentRowIsRefusedAndTheDialogStays)
     VarAddDlg dialog(nullptr);
     Message message;
     const int result = runModal(dialog, [&](QDialog* d) {
-        auto* list = child<QListWidget>(d, "typeList");
+        auto* list = Child<QListWidget>(d, "typeList");
         // The state a list without a current row is in (no host type chosen).
         list->setCurrentRow(-1);
         answerMessage(&message);
@@ -486,7 +466,7 @@ TEST_F(VarsInWindow, AddsAVarOfTheChosenTypeAtTheFixedPoint)
         SCOPED_TRACE(c.name);
         addVariable(window, [&](QDialog* d) {
             if (c.row)
-                clickRow(child<QListWidget>(d, "typeList"), c.row);
+                clickRow(Child<QListWidget>(d, "typeList"), c.row);
             clickButton(d, "okButton");
         });
         ASSERT_EQ(vars.size(), ++expectedCount);
@@ -514,7 +494,7 @@ TEST_F(VarsInWindow, VarDialogApplyRaisesTheWindowsModifiedFlag)
     ASSERT_FALSE(window.IsModified());
     APCVarDlg dialog(var, &window);
     const int result = runModal(dialog, [](QDialog* d) {
-        retype(child<QLineEdit>(d, "descriptionEdit"), "Threshold");
+        Retype(Child<QLineEdit>(d, "descriptionEdit"), "Threshold");
         clickButton(d, "okButton");
     });
     ASSERT_EQ(result, QDialog::Accepted);

@@ -5,7 +5,6 @@
 #include "support/ModelFixtures.h"
 #include "support/TestSupport.h"
 
-#include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QDirIterator>
@@ -27,27 +26,6 @@ using namespace Plugin;
 using namespace TestSupport;
 
 namespace {
-
-struct Outcome
-{
-    int code = -1;
-    QString out;
-    QString err;
-};
-
-QString mbrunPath()
-{
-    return QCoreApplication::applicationDirPath() + "/mbrun";
-}
-
-Outcome mbrun(const QStringList& args)
-{
-    QProcess p;
-    p.start(mbrunPath(), args);
-    p.waitForFinished(120000);
-    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -2, QString::fromUtf8(p.readAllStandardOutput()),
-            QString::fromUtf8(p.readAllStandardError())};
-}
 
 // A georeferenced Byte GeoTIFF whose bands differ, so that NDVI has something to compute.
 void makeRaster(const QString& path, int size, int bands)
@@ -145,7 +123,7 @@ TEST(MbrunBatch, FolderInputsInEveryForm)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        const Outcome o = mbrun(batch.Args({"--report", batch.report}, c.folders));
+        const Outcome o = Mbrun(batch.Args({"--report", batch.report}, c.folders));
         EXPECT_EQ(o.code, 0) << qPrintable(o.err);
         EXPECT_TRUE(o.err.contains(c.inErr)) << qPrintable(o.err);
         const QJsonObject report = readReport(batch.report);
@@ -192,7 +170,7 @@ TEST(MbrunBatch, RefusesBeforeTheRunAndSaysWhy)
     const QByteArray modelBytes = ReadAll(batch.model);
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        const Outcome o = mbrun(c.args);
+        const Outcome o = Mbrun(c.args);
         EXPECT_EQ(o.code, c.code) << qPrintable(o.out + o.err);
         for (const QString& part : c.inErr)
             EXPECT_TRUE(o.err.contains(part)) << qPrintable(o.err);
@@ -202,7 +180,7 @@ TEST(MbrunBatch, RefusesBeforeTheRunAndSaysWhy)
 
     // A refused run still leaves its report, in a folder made for it.
     const QString report = batch.dir.filePath("reports/refused.json");
-    EXPECT_EQ(mbrun({badModel, "--report", report}).code, 2);
+    EXPECT_EQ(Mbrun({badModel, "--report", report}).code, 2);
     const QJsonObject r = readReport(report);
     EXPECT_EQ(r["status"].toString(), "refused");
     EXPECT_EQ(r["exitCode"].toInt(), 2);
@@ -214,7 +192,7 @@ TEST(MbrunBatch, DryRunPlansEveryRoundWithoutTouchingAFile)
 {
     SceneBatch batch;
     const QMap<QString, qint64> before = snapshot(batch.dir.path());
-    const Outcome o = mbrun(batch.Args({"--dry-run", "--resume"}));
+    const Outcome o = Mbrun(batch.Args({"--dry-run", "--resume"}));
     EXPECT_EQ(o.code, 0) << qPrintable(o.err);
     EXPECT_EQ(snapshot(batch.dir.path()), before);
     EXPECT_FALSE(o.out.contains("Start the model")); // the engine's log is not the plan
@@ -237,7 +215,7 @@ TEST(MbrunBatch, TheReportNamesEveryStepAndTheFailedRounds)
     SceneBatch batch;
     WriteAll(batch.Scene(2), "not a raster"); // GDAL refuses it in its own words
     const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-1);
-    const Outcome o = mbrun(batch.Args({"--report", batch.report}));
+    const Outcome o = Mbrun(batch.Args({"--report", batch.report}));
     EXPECT_EQ(o.code, 1);
     EXPECT_TRUE(o.err.endsWith("mbrun: 1 of 3 rounds failed: " + batch.Scene(2) + "\n")) << qPrintable(o.err);
 
@@ -309,7 +287,7 @@ TEST(MbrunBatch, ResumeRunsOnlyWhatIsNotUpToDate)
         SCOPED_TRACE(c.name);
         c.change();
         const QMap<QString, qint64> before = snapshot(batch.out);
-        const Outcome o = mbrun(batch.Args({"--resume", "--report", batch.report}));
+        const Outcome o = Mbrun(batch.Args({"--resume", "--report", batch.report}));
         EXPECT_EQ(o.code, 0) << qPrintable(o.err);
         const QJsonObject r = readReport(batch.report);
         EXPECT_EQ(stepsWithStatus(r, "succeeded"), c.ran);
@@ -320,7 +298,7 @@ TEST(MbrunBatch, ResumeRunsOnlyWhatIsNotUpToDate)
         }
     }
     QFile::remove(batch.Ndvi(1));
-    const Outcome plan = mbrun(batch.Args({"--dry-run", "--resume"}));
+    const Outcome plan = Mbrun(batch.Args({"--dry-run", "--resume"}));
     EXPECT_TRUE(plan.out.endsWith("Plan: 3 rounds, 6 steps, 6 output files, 4 steps up to date; nothing was run.\n"))
         << qPrintable(plan.out);
     EXPECT_FALSE(QFile::exists(batch.Ndvi(1)));
@@ -350,7 +328,7 @@ TEST(MbrunBatch, ASignalStopsTheRunAndTheReportSaysWhatFinished)
         SCOPED_TRACE(c.name);
         const QString report = dir.filePath(QStringLiteral("%1.json").arg(c.name));
         QProcess p;
-        p.start(mbrunPath(), {dir.filePath("slow.apc"), "--report", report});
+        p.start(MbrunPath(), {dir.filePath("slow.apc"), "--report", report});
         QString out;
         ASSERT_TRUE(WaitUntil([&] {
             p.waitForReadyRead(50);
@@ -386,10 +364,10 @@ TEST(MbrunBatch, FilesTheIteratorLeavesOutAreNamedInThePlanTheRunAndTheReport)
     const QString shadowed = batch.Scene(2);
     const QString warning =
         "mbrun: warning: files in the folders of the iterator \"Scenes\" that no round used (1):\nmbrun:   " + shadowed + "\n";
-    const Outcome plan = mbrun(batch.Args({"--dry-run"}));
+    const Outcome plan = Mbrun(batch.Args({"--dry-run"}));
     EXPECT_EQ(plan.code, 0) << qPrintable(plan.err);
     EXPECT_TRUE(plan.err.contains(warning)) << qPrintable(plan.err);
-    const Outcome run = mbrun(batch.Args({"--report", batch.report}));
+    const Outcome run = Mbrun(batch.Args({"--report", batch.report}));
     EXPECT_EQ(run.code, 0) << qPrintable(run.err);
     EXPECT_TRUE(run.err.contains(warning)) << qPrintable(run.err);
     EXPECT_EQ(readReport(batch.report)["leftOutFiles"].toObject()["Scenes"].toArray(), QJsonArray{shadowed});
@@ -413,7 +391,7 @@ TEST(MbrunBatch, AfterAFailureTheStepsStillRunningAreWaitedForAndAccountedFor)
     SetLiteral(m, warp, "Resampling", "lanczos");
     ASSERT_TRUE(m.SaveFile(dir.filePath("branches.apc")));
 
-    const Outcome o = mbrun({dir.filePath("branches.apc"), "--report", dir.filePath("report.json")});
+    const Outcome o = Mbrun({dir.filePath("branches.apc"), "--report", dir.filePath("report.json")});
     EXPECT_EQ(o.code, 1) << qPrintable(o.err);
     EXPECT_TRUE(o.err.contains("waiting for the steps still running (1): \"" + warp->GetDescription() + "\"\n"))
         << qPrintable(o.err);

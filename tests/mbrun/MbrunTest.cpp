@@ -5,8 +5,6 @@
 #include "support/ModelFixtures.h"
 #include "support/TestSupport.h"
 
-#include <QCoreApplication>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -14,22 +12,6 @@ using namespace Plugin;
 using namespace TestSupport;
 
 namespace {
-
-struct Outcome
-{
-    int code = -1;
-    QString out;
-    QString err;
-};
-
-Outcome mbrun(const QStringList& args)
-{
-    QProcess p;
-    p.start(QCoreApplication::applicationDirPath() + "/mbrun", args);
-    p.waitForFinished(60000);
-    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -2, QString::fromUtf8(p.readAllStandardOutput()),
-            QString::fromUtf8(p.readAllStandardError())};
-}
 
 // copy.apc: one copy step with a free input "Source" and a constant output.
 QString writeCopyModel(const QTemporaryDir& dir, const QString& name, const QString& target)
@@ -87,7 +69,7 @@ TEST(Mbrun, ExitCodesAndMessages)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        const Outcome o = mbrun(c.args);
+        const Outcome o = Mbrun(c.args);
         EXPECT_EQ(o.code, c.code) << qPrintable(o.out + o.err);
         EXPECT_TRUE(o.out.contains(c.inOut)) << qPrintable(o.out);
         EXPECT_TRUE(o.err.contains(c.inErr)) << qPrintable(o.err);
@@ -106,7 +88,7 @@ TEST(Mbrun, RunsARealAlgorithmAndStreamsTheLog)
     ASSERT_TRUE(m.SaveFile(model));
 
     const QString src = QStringLiteral(MB_SOURCE_DIR "/examples/data/dem.tif");
-    const Outcome o = mbrun({model, "--set", "Image=" + src});
+    const Outcome o = Mbrun({model, "--set", "Image=" + src});
     EXPECT_EQ(o.code, 0) << qPrintable(o.out + o.err);
     EXPECT_TRUE(o.out.startsWith("Start the model: translate\nParameter: Parameter: Image = " + src));
     EXPECT_TRUE(o.out.contains("Result of execution: Succeed"));
@@ -118,7 +100,7 @@ TEST(Mbrun, TheReadmeListsTheAlgorithmsAsTheRegistryHasThem)
     // The README's catalogue is pasted from `mbrun --algorithms`: it must not drift.
     const QString readme = QString::fromUtf8(ReadAll(QStringLiteral(MB_SOURCE_DIR "/README.md")));
     ASSERT_FALSE(readme.isEmpty());
-    const Outcome o = mbrun({"--algorithms"});
+    const Outcome o = Mbrun({"--algorithms"});
     EXPECT_EQ(o.code, 0);
     EXPECT_TRUE(o.out.contains("`raster.ndvi`"));
     EXPECT_TRUE(readme.contains(o.out)) << "regenerate the README section with build/bin/mbrun --algorithms";

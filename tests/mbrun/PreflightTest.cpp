@@ -4,7 +4,6 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -63,15 +62,6 @@ QByteArray nestingModel(const QString& file)
 )";
 }
 
-QString mbrunErrors(const QString& model, int* code)
-{
-    QProcess p;
-    p.start(QCoreApplication::applicationDirPath() + "/mbrun", {model});
-    p.waitForFinished(60000);
-    *code = p.exitCode();
-    return QString::fromUtf8(p.readAllStandardError());
-}
-
 } // namespace
 
 TEST(Preflight, EachStructuralFaultIsNamedBeforeTheRun)
@@ -112,9 +102,9 @@ TEST(Preflight, EachStructuralFaultIsNamedBeforeTheRun)
             file = dir.filePath(QString(c.name).contains("itself") ? "self.apc" : "b.apc");
         else
             TestSupport::WriteAll(file, c.model);
-        int code = -1;
-        const QString errors = mbrunErrors(file, &code);
-        EXPECT_EQ(code, 2) << qPrintable(errors);
+        const TestSupport::Outcome o = TestSupport::Mbrun({file});
+        const QString& errors = o.err;
+        EXPECT_EQ(o.code, 2) << qPrintable(errors);
         for (const QString& line : c.said)
             EXPECT_TRUE(errors.contains(line)) << qPrintable(errors);
     }

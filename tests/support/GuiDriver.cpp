@@ -66,4 +66,18 @@ void Click(QWidget* root, const QString& name)
     QTest::mouseClick(button, Qt::LeftButton);
 }
 
+void Retype(QWidget* edit, const QString& text)
+{
+    ASSERT_NE(edit, nullptr);
+    edit->setFocus();
+    QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(edit, Qt::Key_Delete);
+    const QStringList lines = text.split('\n');
+    for (int i = 0; i < lines.size(); ++i) {
+        if (i > 0)
+            QTest::keyClick(edit, Qt::Key_Return);
+        QTest::keyClicks(edit, lines[i]);
+    }
+}
+
 } // namespace GuiDriver

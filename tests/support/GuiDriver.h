@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QObject>
 #include <QString>
+#include <gtest/gtest.h>
 
 #include <functional>
 #include <ostream>
@@ -22,6 +24,19 @@ QAction* Action(QWidget* window, const QString& caption);
 
 // Clicks the button named name below root (the test fails when there is none).
 void Click(QWidget* root, const QString& name);
+
+// Replaces the whole text of edit by typing, as a user selecting all and typing;
+// a line break in text is typed as Return.
+void Retype(QWidget* edit, const QString& text);
+
+// The child of root named name (the test fails when there is none).
+template <class T>
+T* Child(QObject* root, const char* name)
+{
+    auto* found = root->findChild<T*>(QLatin1String(name));
+    EXPECT_NE(found, nullptr) << name;
+    return found;
+}
 
 } // namespace GuiDriver
 

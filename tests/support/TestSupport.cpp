@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QProcess>
 #include <QThread>
 
 namespace TestSupport {
@@ -30,6 +31,20 @@ bool WriteAll(const QString& path, const QByteArray& bytes)
 {
     QFile f(path);
     return f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size();
+}
+
+QString MbrunPath()
+{
+    return QCoreApplication::applicationDirPath() + "/mbrun";
+}
+
+Outcome Mbrun(const QStringList& args)
+{
+    QProcess p;
+    p.start(MbrunPath(), args);
+    p.waitForFinished(120000);
+    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -2, QString::fromUtf8(p.readAllStandardOutput()),
+            QString::fromUtf8(p.readAllStandardError())};
 }
 
 } // namespace TestSupport
