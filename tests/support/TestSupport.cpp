@@ -42,8 +42,13 @@ Outcome Mbrun(const QStringList& args)
 {
     QProcess p;
     p.start(MbrunPath(), args);
-    p.waitForFinished(120000);
-    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -2, QString::fromUtf8(p.readAllStandardOutput()),
+    const bool ended = p.waitForFinished(120000);
+    if (!ended) {
+        p.kill(); // a hung run must not pass for whatever code it has not given yet
+        p.waitForFinished();
+    }
+    const bool normal = ended && p.exitStatus() == QProcess::NormalExit;
+    return {normal ? p.exitCode() : -2, QString::fromUtf8(p.readAllStandardOutput()),
             QString::fromUtf8(p.readAllStandardError())};
 }
 
