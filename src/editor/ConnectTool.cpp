@@ -40,7 +40,9 @@ void ConnectTool::OnMousePress(QGraphicsSceneMouseEvent* event)
 {
     if (event->button() != Qt::LeftButton)
         return;
-    Reset(); // a line whose release never came
+    // A line whose release never came stays in the scene as it is: the new
+    // press starts another, and the scene keeps (and at last deletes) the old.
+    m_line = nullptr;
     const QPointF at = event->scenePos();
     m_line = new QGraphicsLineItem(QLineF(at, at));
     m_line->setPen(QPen(QBrush(Qt::black, Qt::SolidPattern), 2.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));

@@ -74,15 +74,12 @@ QString GraphicsItemBase::StepText() const
 
 void GraphicsItemBase::OnItemChange(QGraphicsItem* self, QGraphicsItem::GraphicsItemChange change)
 {
-    if (change == QGraphicsItem::ItemPositionChange || change == QGraphicsItem::ItemScaleChange) {
-        auto* canvas = qobject_cast<ModelScene*>(self->scene());
-        if (canvas && canvas->IsInGesture()) {
-            canvas->WriteBackAfterGesture(this); // a drag is one edit, made at the release
-            UpdateArrows();
-        } else {
-            CommitGeometry();
-        }
-    } else if (change == QGraphicsItem::ItemPositionHasChanged) {
+    // Qt asks before it moves the item, so the object records the place the
+    // item had before this step: after a drag it lags by the last mouse step,
+    // and saved files keep that place.
+    if (change == QGraphicsItem::ItemPositionChange || change == QGraphicsItem::ItemScaleChange)
+        CommitGeometry();
+    else if (change == QGraphicsItem::ItemPositionHasChanged) {
         GrowScene(self);
     }
     if (self->scene())

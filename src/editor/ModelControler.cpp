@@ -41,6 +41,7 @@
 #include "model/APCVar.h"
 #include "model/SoftAssert.h"
 
+#include <QCoreApplication>
 #include <QAction>
 #include <QCloseEvent>
 #include <QDockWidget>
@@ -116,7 +117,7 @@ ModelControler::ModelControler(const QString& path, bool readOnly, QWidget* pare
     }));
     m_connections.emplace_back(m_control->NodeFinished.connect([](SequenceNode*) {}));
 
-    setWindowTitle(tr("Model Builder"));
+    setWindowTitle(QCoreApplication::translate("ModelControler", "Model Builder"));
     setUnifiedTitleAndToolBarOnMac(true);
     if (readOnly)
         m_scene->SetEditable(false);
@@ -159,11 +160,9 @@ void ModelControler::LoadModel()
 
 void ModelControler::SetCurrentTool(ModelTool* tool)
 {
-    // A switch in the middle of a drag: the old tool drops what it had under
-    // way, and what the drag moved is kept.
+    // A switch in the middle of a drag: the old tool drops what it had under way.
     if (m_currentTool && m_currentTool != tool)
         m_currentTool->Deactivate();
-    m_scene->CommitWriteBacks();
     m_currentTool = tool;
     if (tool)
         tool->OnClick();
@@ -222,20 +221,20 @@ void ModelControler::BuildInterface()
     errors->setReadOnly(true);
     m_logTabs = new QTabWidget;
     m_logTabs->setTabPosition(QTabWidget::South);
-    m_logTabs->insertTab(0, output, tr("Output"));
-    m_logTabs->insertTab(1, errors, tr("Error"));
-    m_logDock = new QDockWidget(tr("Log"), this);
+    m_logTabs->insertTab(0, output, QCoreApplication::translate("ModelControler", "Output"));
+    m_logTabs->insertTab(1, errors, QCoreApplication::translate("ModelControler", "Error"));
+    m_logDock = new QDockWidget(QCoreApplication::translate("ModelControler", "Log"), this);
     m_logDock->setWidget(m_logTabs);
     m_logDock->setAllowedAreas(Qt::AllDockWidgetAreas);
     addDockWidget(Qt::BottomDockWidgetArea, m_logDock);
     m_logDock->hide(); // until a run shows it
 
     ModelCommandManager* manager = ModelCommandManager::Instance();
-    QToolBar* toolBar = addToolBar(tr("ToolBar"));
-    QMenu* modelMenu = menuBar()->addMenu(tr("Model"));
-    QMenu* editMenu = menuBar()->addMenu(tr("Edit"));
-    QMenu* insertMenu = menuBar()->addMenu(tr("Insert"));
-    QMenu* viewMenu = menuBar()->addMenu(tr("View"));
+    QToolBar* toolBar = addToolBar(QCoreApplication::translate("ModelControler", "ToolBar"));
+    QMenu* modelMenu = menuBar()->addMenu(QCoreApplication::translate("ModelControler", "Model"));
+    QMenu* editMenu = menuBar()->addMenu(QCoreApplication::translate("ModelControler", "Edit"));
+    QMenu* insertMenu = menuBar()->addMenu(QCoreApplication::translate("ModelControler", "Insert"));
+    QMenu* viewMenu = menuBar()->addMenu(QCoreApplication::translate("ModelControler", "View"));
 
     struct Row
     {
@@ -249,40 +248,40 @@ void ModelControler::BuildInterface()
     };
     SelectTool* select = new SelectTool;
     const Row rows[] = {
-        {new SaveCommand, QT_TR_NOOP("Save"), QT_TR_NOOP("Save"), ":/res/Model_Save.png", modelMenu, true, false},
-        {new SaveAsCommand, QT_TR_NOOP("Save As"), QT_TR_NOOP("Save As"), ":/res/Model_SaveAs.png", modelMenu, false, false},
-        {new ExportPyCommand, QT_TR_NOOP("Export Python Script"), QT_TR_NOOP("Export Python Script"), ":/res/Model_ExportPy.png", nullptr, false, false},
-        {new PrintCommand, QT_TR_NOOP("Print"), QT_TR_NOOP("Print entire model"), ":/res/Model_Print.png", nullptr, false, true},
-        {new CutCommand, QT_TR_NOOP("Cut"), QT_TR_NOOP("Cut entire model"), ":/res/Model_Cut.png", nullptr, false, false},
-        {new CopyCommand, QT_TR_NOOP("Copy"), QT_TR_NOOP("Copy entire model"), ":/res/Model_Copy.png", editMenu, true, false},
-        {new PasteCommand, QT_TR_NOOP("Paste"), QT_TR_NOOP("Paste entire model"), ":/res/Model_Paste.png", editMenu, true, false},
-        {new DeleteCommand, QT_TR_NOOP("Delete"), QT_TR_NOOP("Delete entire model"), ":/res/Model_Delete.png", editMenu, true, true},
-        {new UndoCommand, QT_TR_NOOP("Undo"), QT_TR_NOOP("Undo"), ":/res/Model_Undo.png", nullptr, false, false},
-        {new RedoCommand, QT_TR_NOOP("Redo"), QT_TR_NOOP("Redo"), ":/res/Model_Redo.png", nullptr, false, true},
-        {new VarAddCommand, QT_TR_NOOP("Add Variable"), QT_TR_NOOP("Add Variable"), ":/res/Model_DataAdd.png", insertMenu, true, true},
-        {new AutoLayoutCommand, QT_TR_NOOP("Auto Layout"), QT_TR_NOOP("AutoLayout entire model"), ":/res/Model_AutoLayout.png", nullptr, false, false},
-        {new FullCommand, QT_TR_NOOP("Full Extent"), QT_TR_NOOP("Full entire model"), ":/res/Model_FullExtent.png", viewMenu, true, false},
+        {new SaveCommand, QT_TRANSLATE_NOOP("ModelControler", "Save"), QT_TRANSLATE_NOOP("ModelControler", "Save"), ":/res/Model_Save.png", modelMenu, true, false},
+        {new SaveAsCommand, QT_TRANSLATE_NOOP("ModelControler", "Save As"), QT_TRANSLATE_NOOP("ModelControler", "Save As"), ":/res/Model_SaveAs.png", modelMenu, false, false},
+        {new ExportPyCommand, QT_TRANSLATE_NOOP("ModelControler", "Export Python Script"), QT_TRANSLATE_NOOP("ModelControler", "Export Python Script"), ":/res/Model_ExportPy.png", nullptr, false, false},
+        {new PrintCommand, QT_TRANSLATE_NOOP("ModelControler", "Print"), QT_TRANSLATE_NOOP("ModelControler", "Print entire model"), ":/res/Model_Print.png", nullptr, false, true},
+        {new CutCommand, QT_TRANSLATE_NOOP("ModelControler", "Cut"), QT_TRANSLATE_NOOP("ModelControler", "Cut entire model"), ":/res/Model_Cut.png", nullptr, false, false},
+        {new CopyCommand, QT_TRANSLATE_NOOP("ModelControler", "Copy"), QT_TRANSLATE_NOOP("ModelControler", "Copy entire model"), ":/res/Model_Copy.png", editMenu, true, false},
+        {new PasteCommand, QT_TRANSLATE_NOOP("ModelControler", "Paste"), QT_TRANSLATE_NOOP("ModelControler", "Paste entire model"), ":/res/Model_Paste.png", editMenu, true, false},
+        {new DeleteCommand, QT_TRANSLATE_NOOP("ModelControler", "Delete"), QT_TRANSLATE_NOOP("ModelControler", "Delete entire model"), ":/res/Model_Delete.png", editMenu, true, true},
+        {new UndoCommand, QT_TRANSLATE_NOOP("ModelControler", "Undo"), QT_TRANSLATE_NOOP("ModelControler", "Undo"), ":/res/Model_Undo.png", nullptr, false, false},
+        {new RedoCommand, QT_TRANSLATE_NOOP("ModelControler", "Redo"), QT_TRANSLATE_NOOP("ModelControler", "Redo"), ":/res/Model_Redo.png", nullptr, false, true},
+        {new VarAddCommand, QT_TRANSLATE_NOOP("ModelControler", "Add Variable"), QT_TRANSLATE_NOOP("ModelControler", "Add Variable"), ":/res/Model_DataAdd.png", insertMenu, true, true},
+        {new AutoLayoutCommand, QT_TRANSLATE_NOOP("ModelControler", "Auto Layout"), QT_TRANSLATE_NOOP("ModelControler", "AutoLayout entire model"), ":/res/Model_AutoLayout.png", nullptr, false, false},
+        {new FullCommand, QT_TRANSLATE_NOOP("ModelControler", "Full Extent"), QT_TRANSLATE_NOOP("ModelControler", "Full entire model"), ":/res/Model_FullExtent.png", viewMenu, true, false},
         {new ZoomToNativeResolutionCommand, nullptr, nullptr, ":/res/Model_ZoomToNativeResolution.png", viewMenu, true, false},
-        {new ZoomFixedZoomInCommand, QT_TR_NOOP("Fixed Zoom In"), QT_TR_NOOP("ZoomFixedZoomIn entire model"), ":/res/Model_ZoomFixedZoomIn.png", viewMenu, true, false},
-        {new ZoomFixedZoomOutCommand, QT_TR_NOOP("Fixed Zoom Out"), QT_TR_NOOP("ZoomFixedZoomOut entire model"), ":/res/Model_ZoomFixedZoomOut.png", viewMenu, true, true},
-        {new ZoomInTool, QT_TR_NOOP("Zoom In"), QT_TR_NOOP("ZoomInTool entire model"), ":/res/Model_ZoomInTool.png", nullptr, true, false},
-        {new ZoomOutTool, QT_TR_NOOP("Zoom Out"), QT_TR_NOOP("ZoomOutTool entire model"), ":/res/Model_ZoomOutTool.png", nullptr, true, false},
-        {new PanTool, QT_TR_NOOP("Pan"), QT_TR_NOOP("PanTool entire model"), ":/res/Model_PanTool.png", nullptr, true, true},
-        {select, QT_TR_NOOP("Select"), QT_TR_NOOP("SelectTool entire model"), ":/res/Model_SelectTool.png", nullptr, true, false},
-        {new ConnectTool, QT_TR_NOOP("Connect"), QT_TR_NOOP("ConnectTool entire model"), ":/res/Model_ConnectTool.png", nullptr, true, true},
-        {new ValidateCommand, QT_TR_NOOP("Validate Entire Model"), QT_TR_NOOP("ValidateModel entire model"), ":/res/Model_ValidateModel.png", modelMenu, true, false},
-        {new RunCommand, QT_TR_NOOP("Run"), QT_TR_NOOP("Run entire model"), ":/res/Model_RunModel.png", modelMenu, true, false},
-        {new PauseCommand, QT_TR_NOOP("Pause"), QT_TR_NOOP("Pause entire model"), ":/res/Model_PauseModel.png", modelMenu, true, false},
-        {new StopCommand, QT_TR_NOOP("Stop"), QT_TR_NOOP("Stop entire model"), ":/res/Model_StopModel.png", modelMenu, true, false},
+        {new ZoomFixedZoomInCommand, QT_TRANSLATE_NOOP("ModelControler", "Fixed Zoom In"), QT_TRANSLATE_NOOP("ModelControler", "ZoomFixedZoomIn entire model"), ":/res/Model_ZoomFixedZoomIn.png", viewMenu, true, false},
+        {new ZoomFixedZoomOutCommand, QT_TRANSLATE_NOOP("ModelControler", "Fixed Zoom Out"), QT_TRANSLATE_NOOP("ModelControler", "ZoomFixedZoomOut entire model"), ":/res/Model_ZoomFixedZoomOut.png", viewMenu, true, true},
+        {new ZoomInTool, QT_TRANSLATE_NOOP("ModelControler", "Zoom In"), QT_TRANSLATE_NOOP("ModelControler", "ZoomInTool entire model"), ":/res/Model_ZoomInTool.png", nullptr, true, false},
+        {new ZoomOutTool, QT_TRANSLATE_NOOP("ModelControler", "Zoom Out"), QT_TRANSLATE_NOOP("ModelControler", "ZoomOutTool entire model"), ":/res/Model_ZoomOutTool.png", nullptr, true, false},
+        {new PanTool, QT_TRANSLATE_NOOP("ModelControler", "Pan"), QT_TRANSLATE_NOOP("ModelControler", "PanTool entire model"), ":/res/Model_PanTool.png", nullptr, true, true},
+        {select, QT_TRANSLATE_NOOP("ModelControler", "Select"), QT_TRANSLATE_NOOP("ModelControler", "SelectTool entire model"), ":/res/Model_SelectTool.png", nullptr, true, false},
+        {new ConnectTool, QT_TRANSLATE_NOOP("ModelControler", "Connect"), QT_TRANSLATE_NOOP("ModelControler", "ConnectTool entire model"), ":/res/Model_ConnectTool.png", nullptr, true, true},
+        {new ValidateCommand, QT_TRANSLATE_NOOP("ModelControler", "Validate Entire Model"), QT_TRANSLATE_NOOP("ModelControler", "ValidateModel entire model"), ":/res/Model_ValidateModel.png", modelMenu, true, false},
+        {new RunCommand, QT_TRANSLATE_NOOP("ModelControler", "Run"), QT_TRANSLATE_NOOP("ModelControler", "Run entire model"), ":/res/Model_RunModel.png", modelMenu, true, false},
+        {new PauseCommand, QT_TRANSLATE_NOOP("ModelControler", "Pause"), QT_TRANSLATE_NOOP("ModelControler", "Pause entire model"), ":/res/Model_PauseModel.png", modelMenu, true, false},
+        {new StopCommand, QT_TRANSLATE_NOOP("ModelControler", "Stop"), QT_TRANSLATE_NOOP("ModelControler", "Stop entire model"), ":/res/Model_StopModel.png", modelMenu, true, false},
     };
     for (const Row& row : rows) {
         // "1:1" is the same in every language.
-        const QString caption = row.caption ? tr(row.caption) : QStringLiteral("1:1");
-        const QString tip = row.statusTip ? tr(row.statusTip) : QStringLiteral("1:1");
+        const QString caption = row.caption ? QCoreApplication::translate("ModelControler", row.caption) : QStringLiteral("1:1");
+        const QString tip = row.statusTip ? QCoreApplication::translate("ModelControler", row.statusTip) : QStringLiteral("1:1");
         auto* action = new QAction(QIcon(QLatin1String(row.icon)), caption, this);
         action->setStatusTip(tip);
         if (dynamic_cast<DeleteCommand*>(row.command))
-            action->setShortcut(QKeySequence(tr("Delete")));
+            action->setShortcut(QKeySequence(QCoreApplication::translate("ModelControler", "Delete")));
         if (row.menu)
             row.menu->addAction(action);
         if (row.onToolBar)
@@ -300,9 +299,8 @@ void ModelControler::BuildInterface()
 
 void ModelControler::closeEvent(QCloseEvent* event)
 {
-    m_scene->CommitWriteBacks(); // a drag whose release never came is an edit too
     if (m_control->GetState() == 1) {
-        const auto answer = QMessageBox::question(this, tr("quit?"), tr("Whether or not to stop?"),
+        const auto answer = QMessageBox::question(this, QCoreApplication::translate("ModelControler", "quit?"), QCoreApplication::translate("ModelControler", "Whether or not to stop?"),
                                                   QMessageBox::Yes | QMessageBox::No);
         if (answer != QMessageBox::Yes) {
             event->ignore();
@@ -315,7 +313,7 @@ void ModelControler::closeEvent(QCloseEvent* event)
     if (m_readOnly)
         m_modified = false;
     if (m_modified) {
-        const auto answer = QMessageBox::question(this, tr("quit"), tr("Save Edited Contents?"),
+        const auto answer = QMessageBox::question(this, QCoreApplication::translate("ModelControler", "quit"), QCoreApplication::translate("ModelControler", "Save Edited Contents?"),
                                                   QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
         if (answer == QMessageBox::Yes) {
             m_document->SaveFile(m_filePath);

@@ -11,6 +11,7 @@
 #include "toolbox/ATBAlgoDepend.h"
 #include "toolbox/ATBIterator.h"
 
+#include <QCoreApplication>
 #include <QGraphicsItem>
 #include <QGraphicsSceneDragDropEvent>
 #include <QGraphicsSceneMouseEvent>
@@ -91,8 +92,6 @@ void ModelScene::RemoveItem(QGraphicsItem* item)
     m_items.removeOne(item);
     // Only pointers are compared here: the object may be on its way out.
     if (auto* base = dynamic_cast<GraphicsItemBase*>(item)) {
-        if (m_held.remove(base))
-            m_heldWriteBacks.removeAll(base);
         auto byObject = m_itemsByObject.find(base->GetObject());
         if (byObject != m_itemsByObject.end() && byObject.value() == base)
             m_itemsByObject.erase(byObject);
@@ -163,34 +162,8 @@ void ModelScene::SetItemsInteractive(bool value)
     }
 }
 
-void ModelScene::WriteBackAfterGesture(GraphicsItemBase* item)
-{
-    if (!item)
-        return;
-    if (!m_inGesture)
-        item->CommitGeometry();
-    else if (!m_held.contains(item)) {
-        m_held.insert(item);
-        m_heldWriteBacks.append(item);
-    }
-}
-
-void ModelScene::CommitWriteBacks()
-{
-    // One at a time off the list: should a write-back take items off the
-    // canvas, RemoveItem drops them from the list before their turn.
-    while (!m_heldWriteBacks.isEmpty()) {
-        GraphicsItemBase* item = m_heldWriteBacks.takeFirst();
-        m_held.remove(item);
-        item->CommitGeometry();
-    }
-}
-
 void ModelScene::mousePressEvent(QGraphicsSceneMouseEvent* event)
 {
-    // What a gesture whose release never came held back is written first.
-    CommitWriteBacks();
-    m_inGesture = true;
     if (ModelTool* tool = ActiveTool())
         tool->OnMousePress(event);
     QGraphicsScene::mousePressEvent(event);
@@ -213,10 +186,6 @@ void ModelScene::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
     if (ModelTool* tool = ActiveTool())
         tool->OnMouseRelease(event);
     QGraphicsScene::mouseReleaseEvent(event);
-    if (event->buttons() == Qt::NoButton) {
-        m_inGesture = false;
-        CommitWriteBacks();
-    }
 }
 
 void ModelScene::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event)
@@ -276,7 +245,7 @@ void ModelScene::dropEvent(QGraphicsSceneDragDropEvent* event)
         value = model->GetFile();
         // Compared as text, one level deep: a model nested in itself would run forever.
         if (ATBItem::AppRoot() + value == window->GetFilePath()) {
-            QMessageBox::warning(qobject_cast<QWidget*>(parent()), tr("Warning"), tr("Can not drag self!"),
+            QMessageBox::warning(qobject_cast<QWidget*>(parent()), QCoreApplication::translate("ModelScene", "Warning"), QCoreApplication::translate("ModelScene", "Can not drag self!"),
                                  QMessageBox::Ok);
             return;
         }

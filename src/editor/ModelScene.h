@@ -3,7 +3,6 @@
 #include <QGraphicsScene>
 #include <QHash>
 #include <QList>
-#include <QSet>
 
 namespace Plugin {
 
@@ -47,14 +46,6 @@ public:
     // does; kept here so that a move does not make Qt measure every item.
     void GrowSceneRect(const QRectF& rect);
 
-    // True from a mouse press until the release of the last button.
-    bool IsInGesture() const { return m_inGesture; }
-    // Writes item's shape into the model when the current gesture ends, so that
-    // a drag is one edit however many steps it takes; at once outside a gesture.
-    void WriteBackAfterGesture(GraphicsItemBase* item);
-    // Writes what was held back into the model, once per item.
-    void CommitWriteBacks();
-
 signals:
     // Emitted on the GUI thread for every mouse move over the canvas.
     void SceneMouseMove(QGraphicsSceneMouseEvent* mouseEvent);
@@ -83,13 +74,10 @@ private:
     QHash<APCObject*, GraphicsItemBase*> m_itemsByObject;
     QHash<QString, GraphicsItemBase*> m_itemsById; // the first listed item of each id
     QHash<GraphicsItemBase*, QString> m_indexedIds; // the id each item is listed under
-    QList<GraphicsItemBase*> m_heldWriteBacks;     // listed items, in order of first change
-    QSet<GraphicsItemBase*> m_held;                // the same, to ask quickly
     QRectF m_grownRect; // every listed item's extent so far
     double m_scale = 1.0;
     bool m_editable = true;
     bool m_interactive = true; // as the current tool set the items
-    bool m_inGesture = false;
 };
 
 } // namespace Plugin

@@ -133,9 +133,9 @@ void ScaleTool::Release(QGraphicsSceneMouseEvent* event)
             sx = (m.x() - m_anchor.x()) / (m_grab.x() - m_anchor.x());
         if (m_grab.y() != m_anchor.y() && m.y() != m_anchor.y())
             sy = (m.y() - m_anchor.y()) / (m_grab.y() - m_anchor.y());
+        // The new size reaches the model through the move ScaleBy makes, which
+        // records the centre the item had before it.
         base->ScaleBy(m_anchor, sx, sy);
-        // The size may change with the place unchanged: written back explicitly.
-        m_controler->GetScene()->WriteBackAfterGesture(base);
     }
     Reset();
     FindHandle(event->scenePos());

@@ -40,10 +40,12 @@ void ZoomInTool::Reset() { RubberBand::Drop(m_band); }
 
 void ZoomInTool::OnMousePress(QGraphicsSceneMouseEvent* event)
 {
-    Reset(); // a band whose release never came
     ModelScene* scene = m_controler->GetScene();
     m_start = event->scenePos();
-    m_band = RubberBand::Raise(scene, QRectF(m_start, QSizeF(0, 0)), std::min(1.0 / scene->GetScale(), 1.0));
+    // A band left up by a plain click, or by a press whose release never came,
+    // serves again.
+    if (!m_band)
+        m_band = RubberBand::Raise(scene, QRectF(m_start, QSizeF(0, 0)), std::min(1.0 / scene->GetScale(), 1.0));
 }
 
 void ZoomInTool::OnMouseDrag(QGraphicsSceneMouseEvent* event)
@@ -55,10 +57,9 @@ void ZoomInTool::OnMouseDrag(QGraphicsSceneMouseEvent* event)
 void ZoomInTool::OnMouseRelease(QGraphicsSceneMouseEvent* event)
 {
     const QPointF end = event->scenePos();
-    if (!m_band || isClick(m_start, end)) {
-        Reset();
+    // A plain click zooms nothing and leaves the empty band for the next press.
+    if (isClick(m_start, end) || !m_band)
         return;
-    }
     ModelView* view = m_controler->GetView();
     ModelScene* scene = m_controler->GetScene();
     const QRectF box = RubberBand::Span(m_start, end);
@@ -80,10 +81,12 @@ void ZoomOutTool::Reset() { RubberBand::Drop(m_band); }
 
 void ZoomOutTool::OnMousePress(QGraphicsSceneMouseEvent* event)
 {
-    Reset(); // a band whose release never came
     ModelScene* scene = m_controler->GetScene();
     m_start = event->scenePos();
-    m_band = RubberBand::Raise(scene, QRectF(m_start, QSizeF(0, 0)), 1.0 / scene->GetScale());
+    // A band left up by a plain click, or by a press whose release never came,
+    // serves again.
+    if (!m_band)
+        m_band = RubberBand::Raise(scene, QRectF(m_start, QSizeF(0, 0)), 1.0 / scene->GetScale());
 }
 
 void ZoomOutTool::OnMouseDrag(QGraphicsSceneMouseEvent* event)
@@ -95,10 +98,9 @@ void ZoomOutTool::OnMouseDrag(QGraphicsSceneMouseEvent* event)
 void ZoomOutTool::OnMouseRelease(QGraphicsSceneMouseEvent* event)
 {
     const QPointF end = event->scenePos();
-    if (!m_band || isClick(m_start, end)) {
-        Reset();
+    // A plain click zooms nothing and leaves the empty band for the next press.
+    if (isClick(m_start, end) || !m_band)
         return;
-    }
     ModelView* view = m_controler->GetView();
     const QRectF box = RubberBand::Span(m_start, end);
     const double scale = m_controler->GetScene()->GetScale();
