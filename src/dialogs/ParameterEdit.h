@@ -6,11 +6,10 @@ namespace Plugin {
 
 class APCProcess;
 
-// Gives the parameter at index of process the value a dialog gathered, before the
-// dialog lets APCModel::UpdateProcess reconcile the step. When the new value names
-// no var and replaces another, the parameter's arrows are taken out first through
-// the model: left in place, the reconciliation would unwire them and so empty the
-// parameter, losing what the user typed. Without a model the value is just stored.
+// Gives the parameter at index of process the value a dialog gathered. The
+// dialog then lets APCModel::UpdateProcess reconcile the step, as the algorithm
+// dialog does: a literal typed over a parameter an arrow still ties to a var is
+// emptied there when the arrow is unwired. Every dialog takes this one road.
 void SetParameterValue(APCProcess* process, int index, const QString& value);
 
 } // namespace Plugin

@@ -286,17 +286,22 @@ TEST_F(ObjectDialogs, IteratorFoldersAndFilterReachItsParametersAndItsOutputsFol
              typeInCell(t, 1, 1, "*_mask.tif");
          },
          R"({"Out File":"*_B4.tif","Out File 2":"*_mask.tif"})", {"Out File=%Out File%", "Out File 2=%Out File 2%"},
-         {"arrow+", "arrow-", "process~", "var+"}, 2},
+         {"arrow+", "process~", "var+"}, 2},
         {"TheOutputRenamed",
          [](QTableWidget* t, QWidget*) {
              typeInCell(t, 0, 0, "Band");
              typeInCell(t, 0, 1, "*_B4.tif");
          },
-         R"({"Band":"*_B4.tif"})", {"Band=%Band%"}, {"arrow+", "arrow-", "arrow-", "process~", "var+"}, 3},
+         R"({"Band":"*_B4.tif"})", {"Band=%Band%"}, {"arrow+", "arrow-", "process~", "var+"}, 3},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        auto window = open([](APCModel& m) { m.AddProcess(new APCRasterFileIterator); });
+        // The user took away the var the dropped step got for its folders.
+        auto window = open([](APCModel& m) {
+            auto* iterator = new APCRasterFileIterator;
+            m.AddProcess(iterator);
+            m.RemoveVar(m.FindVar(m.ArrowsOfProcess(iterator, "strDir").value(0)->GetTail()));
+        });
         APCModel& model = *window->GetDocument();
         auto* iterator = dynamic_cast<APCFileIterator*>(model.GetProcesses().value(0));
         ASSERT_TRUE(iterator);
@@ -305,8 +310,6 @@ TEST_F(ObjectDialogs, IteratorFoldersAndFilterReachItsParametersAndItsOutputsFol
         APCFileIteratorDlg dialog(iterator, window.get());
         EXPECT_EQ(dialog.windowTitle(), "File Iterator");
         const int result = runAndApply(dialog, [&] {
-            // The folders name the var the dropped step got: the user gives that up
-            // for a folder of the picker.
             auto* folders = Child<QWidget>(&dialog, "directoryWidget");
             Click(folders, "useRows");
             OnNextModal([&](QWidget* picker) {
@@ -332,6 +335,33 @@ TEST_F(ObjectDialogs, IteratorFoldersAndFilterReachItsParametersAndItsOutputsFol
     }
 }
 
+// A literal typed over a parameter an arrow ties to a var is stored, and then the
+// document's update unwires the arrow and so empties it, in the algorithm
+// dialog and here alike.
+TEST_F(ObjectDialogs, FoldersPickedOverALinkedParameterAreEmptiedByTheUpdate)
+{
+    auto window = open([](APCModel& m) { m.AddProcess(new APCRasterFileIterator); });
+    APCModel& model = *window->GetDocument();
+    auto* iterator = dynamic_cast<APCFileIterator*>(model.GetProcesses().value(0));
+    ASSERT_TRUE(iterator);
+    ASSERT_EQ(model.ArrowsOfProcess(iterator, "strDir").size(), 1);
+    APCFileIteratorDlg dialog(iterator, window.get());
+    const int result = runAndApply(dialog, [&] {
+        auto* folders = Child<QWidget>(&dialog, "directoryWidget");
+        Click(folders, "useRows");
+        OnNextModal([&](QWidget* picker) {
+            qobject_cast<QFileDialog*>(picker)->setDirectory(dir.filePath("scenes"));
+            static_cast<QDialog*>(picker)->accept();
+        });
+        Click(folders, "add");
+        Click(&dialog, "okButton");
+    });
+    EXPECT_EQ(result, QDialog::Accepted);
+    EXPECT_EQ(iterator->GetParameter("strDir").value, "");
+    EXPECT_TRUE(model.ArrowsOfProcess(iterator, "strDir").isEmpty());
+    EXPECT_TRUE(window->IsModified());
+}
+
 TEST_F(ObjectDialogs, NestedModelStepTakesTheFreeInputsOfItsModelFile)
 {
     struct Case
@@ -346,7 +376,8 @@ TEST_F(ObjectDialogs, NestedModelStepTakesTheFreeInputsOfItsModelFile)
     const std::vector<Case> cases = {
         {"AFileThatAppears", 0, 1, {}, "", {"Source=%Source%", "Copy=%Copy%"},
          {"arrow+", "arrow+", "process~", "var+", "var+"}},
-        {"AFileThatChanged", 1, 2, {"Source", "Copy"}, "/data/in.txt", {"Source=/data/in.txt", "Extra=%Extra%"},
+        // What is typed over the linked "Source" goes with its arrow.
+        {"AFileThatChanged", 1, 2, {"Source", "Copy"}, "/data/in.txt", {"Source=", "Extra=%Extra%"},
          {"arrow+", "arrow-", "arrow-", "process~", "var+"}},
     };
     for (const Case& c : cases) {
