@@ -2,8 +2,6 @@
 
 #include "editor/ModelCommandManager.h"
 #include "editor/ModelControler.h"
-#include "editor/ModelScene.h"
-#include "editor/ModelView.h"
 #include "toolbox/ATBCreateCircuitDlg.h"
 
 #include <QCoreApplication>
@@ -14,30 +12,6 @@
 #include <QMessageBox>
 
 namespace Plugin {
-
-namespace {
-
-// Fits the whole model into the view, but never magnified beyond 1:1, where a
-// model of one or two steps would fill the window with a few huge boxes.
-void showWholeModel(ModelControler* window)
-{
-    ModelView* view = window->GetView();
-    const QRectF items = window->GetScene()->itemsBoundingRect();
-    if (items.isEmpty())
-        return; // a new model starts at 1:1
-    const QRectF all = items.adjusted(-20, -20, 20, 20);
-    // The room with no scroll bars: a model that fits needs none.
-    const QSize room = view->maximumViewportSize();
-    const double scale = qMin(1.0, qMin(room.width() / all.width(), room.height() / all.height()));
-    if (scale <= 0)
-        return;
-    view->resetTransform();
-    view->scale(scale, scale);
-    window->GetScene()->SetScale(scale);
-    view->centerOn(all.center());
-}
-
-} // namespace
 
 ATBAlgoDepend::ATBAlgoDepend(bool readOnly) : ATBFile(ATB_AlgoDepend), m_readOnly(readOnly), m_menu(new QMenu)
 {
@@ -70,14 +44,12 @@ ModelControler* ATBAlgoDepend::OpenWindow()
     window->setGeometry(100, 100, 800, 500);
     window->show();
     manager->AddWindow(window);
-    showWholeModel(window); // once shown, the view has its size
     return window;
 }
 
 bool ATBAlgoDepend::OnContextMenu(QContextMenuEvent*)
 {
-    // The lock also holds for a window opened since the last tick.
-    OnInspectTimer();
+    // The entries show the lock the last timer tick left.
     m_menu->exec(QCursor::pos());
     return true;
 }

@@ -90,8 +90,7 @@ bool ATBFolder::OnContextMenu(QContextMenuEvent*)
 {
     if (!m_menu)
         return true; // not set up yet: nothing to show
-    // The lock also holds for a window opened since the last tick.
-    OnInspectTimer();
+    // The entries show the lock the last timer tick left.
     m_menu->exec(QCursor::pos());
     return true;
 }
@@ -130,10 +129,6 @@ void ATBFolder::OnNewModel()
     makeModelFolder();
     APCModel().SaveFile(AppRoot() + model->GetFile());
     NotifyChanged();
-    // Straight into its window, ready to be drawn.
-    if (!model->GetParentWidget())
-        model->SetParentWidget(m_parentWidget);
-    model->OpenWindow();
 }
 
 void ATBFolder::OnDeleteFolder()
