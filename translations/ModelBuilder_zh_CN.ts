@@ -2,6 +2,21 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="zh_CN">
 <context>
+    <name>APCAlgoDlg</name>
+    <message>
+        <source>Error</source>
+        <translation>错误</translation>
+    </message>
+    <message>
+        <source>The algorithm %1 is not installed.</source>
+        <translation>算法 %1 未安装.</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>确定</translation>
+    </message>
+</context>
+<context>
     <name>APCArrowDlg</name>
     <message>
         <source>Type:</source>
@@ -34,6 +49,14 @@
     <message>
         <source>Cancel</source>
         <translation>取消</translation>
+    </message>
+    <message>
+        <source>process</source>
+        <translation>过程</translation>
+    </message>
+    <message>
+        <source>var</source>
+        <translation>变量</translation>
     </message>
 </context>
 <context>
@@ -285,6 +308,69 @@
     </message>
 </context>
 <context>
+    <name>APCLog</name>
+    <message>
+        <source>Start the model:</source>
+        <translation>开始运行模型:</translation>
+    </message>
+    <message>
+        <source>Parameter: </source>
+        <translation>参数: </translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>开始</translation>
+    </message>
+    <message>
+        <source>Algorithm:</source>
+        <translation>算法:</translation>
+    </message>
+    <message>
+        <source>Description:</source>
+        <translation>描述:</translation>
+    </message>
+    <message>
+        <source>Parameter:</source>
+        <translation>参数:</translation>
+    </message>
+    <message>
+        <source>Result of execution:</source>
+        <translation>执行结果:</translation>
+    </message>
+    <message>
+        <source>Succeed</source>
+        <translation>成功</translation>
+    </message>
+    <message>
+        <source>Fail</source>
+        <translation>失败</translation>
+    </message>
+    <message>
+        <source>Error number:</source>
+        <translation>错误号:</translation>
+    </message>
+    <message>
+        <source>Error message:</source>
+        <translation>错误信息:</translation>
+    </message>
+    <message>
+        <source>End</source>
+        <translation>结束</translation>
+    </message>
+    <message>
+        <source>Generate:</source>
+        <translation>生成:</translation>
+    </message>
+    <message>
+        <source>Succeed:</source>
+        <translation>成功:</translation>
+    </message>
+    <message>
+        <source>Fail:</source>
+        <translation>失败:</translation>
+    </message>
+</context>
+<context>
     <name>APCModelFileDlg</name>
     <message>
         <source>Model file</source>
@@ -507,191 +593,7 @@ Open a model from the Tool Box to build and run it.</source>
     </message>
 </context>
 <context>
-    <name>PathDialog</name>
-    <message>
-        <source>Open file</source>
-        <translation>打开文件</translation>
-    </message>
-    <message>
-        <source>Open files</source>
-        <translation>打开多个文件</translation>
-    </message>
-    <message>
-        <source>Save file as</source>
-        <translation>文件另存为</translation>
-    </message>
-    <message>
-        <source>Select folder</source>
-        <translation>选择文件夹</translation>
-    </message>
-</context>
-<context>
-    <name>Plugin::APCAlgoDlg</name>
-    <message>
-        <source>Error</source>
-        <translation>错误</translation>
-    </message>
-    <message>
-        <source>The algorithm %1 is not installed.</source>
-        <translation>算法 %1 未安装.</translation>
-    </message>
-    <message>
-        <source>OK</source>
-        <translation>确定</translation>
-    </message>
-</context>
-<context>
-    <name>Plugin::APCArrowDlg</name>
-    <message>
-        <source>process</source>
-        <translation>过程</translation>
-    </message>
-    <message>
-        <source>var</source>
-        <translation>变量</translation>
-    </message>
-</context>
-<context>
-    <name>Plugin::APCLog</name>
-    <message>
-        <source>Start the model:</source>
-        <translation>开始运行模型:</translation>
-    </message>
-    <message>
-        <source>Parameter: </source>
-        <translation>参数: </translation>
-    </message>
-    <message>
-        <source>Start</source>
-        <translation>开始</translation>
-    </message>
-    <message>
-        <source>Algorithm:</source>
-        <translation>算法:</translation>
-    </message>
-    <message>
-        <source>Description:</source>
-        <translation>描述:</translation>
-    </message>
-    <message>
-        <source>Parameter:</source>
-        <translation>参数:</translation>
-    </message>
-    <message>
-        <source>Result of execution:</source>
-        <translation>执行结果:</translation>
-    </message>
-    <message>
-        <source>Succeed</source>
-        <translation>成功</translation>
-    </message>
-    <message>
-        <source>Fail</source>
-        <translation>失败</translation>
-    </message>
-    <message>
-        <source>Error number:</source>
-        <translation>错误号:</translation>
-    </message>
-    <message>
-        <source>Error message:</source>
-        <translation>错误信息:</translation>
-    </message>
-    <message>
-        <source>End</source>
-        <translation>结束</translation>
-    </message>
-    <message>
-        <source>Generate:</source>
-        <translation>生成:</translation>
-    </message>
-    <message>
-        <source>Succeed:</source>
-        <translation>成功:</translation>
-    </message>
-    <message>
-        <source>Fail:</source>
-        <translation>失败:</translation>
-    </message>
-</context>
-<context>
-    <name>Plugin::AlgoForm</name>
-    <message>
-        <source>Linked to a variable of the model</source>
-        <translation>已链接到模型的变量</translation>
-    </message>
-    <message>
-        <source>Unlink</source>
-        <translation>取消链接</translation>
-    </message>
-    <message>
-        <source>Enter a value here instead of taking the variable&apos;s</source>
-        <translation>在此输入值，不使用变量的值</translation>
-    </message>
-    <message>
-        <source>OK</source>
-        <translation>确定</translation>
-    </message>
-    <message>
-        <source>Cancel</source>
-        <translation>取消</translation>
-    </message>
-    <message>
-        <source>Error</source>
-        <translation>错误</translation>
-    </message>
-    <message>
-        <source>Please set value: %1</source>
-        <translation>请设置值: %1</translation>
-    </message>
-</context>
-<context>
-    <name>Plugin::FilterDataWidget</name>
-    <message>
-        <source>Output</source>
-        <translation>输出</translation>
-    </message>
-    <message>
-        <source>Patterns</source>
-        <translation>匹配模式</translation>
-    </message>
-    <message>
-        <source>Add</source>
-        <translation>添加</translation>
-    </message>
-    <message>
-        <source>Name of the output parameter that receives each file</source>
-        <translation>接收每个文件的输出参数的名称</translation>
-    </message>
-    <message>
-        <source>Patterns separated by &apos;;&apos;, e.g. *.tif;*.tiff</source>
-        <translation>以 &apos;;&apos; 分隔的匹配模式，例如 *.tif;*.tiff</translation>
-    </message>
-</context>
-<context>
-    <name>Plugin::JsonRowsDataWidget</name>
-    <message>
-        <source>Remove</source>
-        <translation>移除</translation>
-    </message>
-    <message>
-        <source>Replace with rows</source>
-        <translation>替换为表格行</translation>
-    </message>
-    <message>
-        <source>Kept as it stands: this value is no list the table can show.</source>
-        <translation>按原样保留：此值不是表格能显示的列表.</translation>
-    </message>
-</context>
-<context>
-    <name>Plugin::LineEditDataWidget</name>
-    <message>
-        <source>Browse</source>
-        <translation>浏览</translation>
-    </message>
-</context>
-<context>
-    <name>Plugin::ModelControler</name>
+    <name>ModelControler</name>
     <message>
         <source>Model Builder</source>
         <translation>模型构建器</translation>
@@ -915,7 +817,7 @@ Open a model from the Tool Box to build and run it.</source>
     </message>
 </context>
 <context>
-    <name>Plugin::ModelScene</name>
+    <name>ModelScene</name>
     <message>
         <source>Warning</source>
         <translation>警告</translation>
@@ -923,6 +825,101 @@ Open a model from the Tool Box to build and run it.</source>
     <message>
         <source>Can not drag self!</source>
         <translation>不能将模型拖入自身!</translation>
+    </message>
+</context>
+<context>
+    <name>PathDialog</name>
+    <message>
+        <source>Open file</source>
+        <translation>打开文件</translation>
+    </message>
+    <message>
+        <source>Open files</source>
+        <translation>打开多个文件</translation>
+    </message>
+    <message>
+        <source>Save file as</source>
+        <translation>文件另存为</translation>
+    </message>
+    <message>
+        <source>Select folder</source>
+        <translation>选择文件夹</translation>
+    </message>
+</context>
+<context>
+    <name>Plugin::AlgoForm</name>
+    <message>
+        <source>Linked to a variable of the model</source>
+        <translation>已链接到模型的变量</translation>
+    </message>
+    <message>
+        <source>Unlink</source>
+        <translation>取消链接</translation>
+    </message>
+    <message>
+        <source>Enter a value here instead of taking the variable&apos;s</source>
+        <translation>在此输入值，不使用变量的值</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>错误</translation>
+    </message>
+    <message>
+        <source>Please set value: %1</source>
+        <translation>请设置值: %1</translation>
+    </message>
+</context>
+<context>
+    <name>Plugin::FilterDataWidget</name>
+    <message>
+        <source>Output</source>
+        <translation>输出</translation>
+    </message>
+    <message>
+        <source>Patterns</source>
+        <translation>匹配模式</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>添加</translation>
+    </message>
+    <message>
+        <source>Name of the output parameter that receives each file</source>
+        <translation>接收每个文件的输出参数的名称</translation>
+    </message>
+    <message>
+        <source>Patterns separated by &apos;;&apos;, e.g. *.tif;*.tiff</source>
+        <translation>以 &apos;;&apos; 分隔的匹配模式，例如 *.tif;*.tiff</translation>
+    </message>
+</context>
+<context>
+    <name>Plugin::JsonRowsDataWidget</name>
+    <message>
+        <source>Remove</source>
+        <translation>移除</translation>
+    </message>
+    <message>
+        <source>Replace with rows</source>
+        <translation>替换为表格行</translation>
+    </message>
+    <message>
+        <source>Kept as it stands: this value is no list the table can show.</source>
+        <translation>按原样保留：此值不是表格能显示的列表.</translation>
+    </message>
+</context>
+<context>
+    <name>Plugin::LineEditDataWidget</name>
+    <message>
+        <source>Browse</source>
+        <translation>浏览</translation>
     </message>
 </context>
 <context>
@@ -957,13 +954,6 @@ Open a model from the Tool Box to build and run it.</source>
     <message>
         <source>Unknown spatial reference: enter an EPSG code such as EPSG:4326, or WKT.</source>
         <translation>未知的空间参考：请输入 EPSG 代码(例如 EPSG:4326)或 WKT.</translation>
-    </message>
-</context>
-<context>
-    <name>Plugin::ToolBoxWidget</name>
-    <message>
-        <source>Tool Box</source>
-        <translation>工具箱</translation>
     </message>
 </context>
 <context>
@@ -1105,6 +1095,13 @@ Open a model from the Tool Box to build and run it.</source>
 </context>
 <context>
     <name>ToolBoxCommand</name>
+    <message>
+        <source>Tool Box</source>
+        <translation>工具箱</translation>
+    </message>
+</context>
+<context>
+    <name>ToolBoxWidget</name>
     <message>
         <source>Tool Box</source>
         <translation>工具箱</translation>

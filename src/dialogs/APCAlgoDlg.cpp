@@ -4,6 +4,7 @@
 #include "HostCatalogGui/AlgoInfo.h"
 #include "engine/APCAlgo.h"
 
+#include <QCoreApplication>
 #include <QMessageBox>
 
 namespace Plugin {
@@ -22,10 +23,10 @@ APCAlgoDlg::~APCAlgoDlg() = default;
 int APCAlgoDlg::exec()
 {
     if (!m_info) {
-        QMessageBox::information(parentWidget(), tr("Error"),
-                                 tr("The algorithm %1 is not installed.")
+        QMessageBox::information(parentWidget(), QCoreApplication::translate("APCAlgoDlg", "Error"),
+                                 QCoreApplication::translate("APCAlgoDlg", "The algorithm %1 is not installed.")
                                      .arg(static_cast<APCProcess*>(m_object)->GetProcessName()),
-                                 tr("OK"));
+                                 QCoreApplication::translate("APCAlgoDlg", "OK"));
         return Rejected;
     }
     QDialog* form = m_info->GetAlgoDialog();

@@ -73,8 +73,8 @@ APCArrowDlg::APCArrowDlg(APCObject* object, QWidget* parent) : APCObjectDialog(o
 
     if (APCArrow* arrow = Arrow()) {
         for (QComboBox* type : {m_headType, m_tailType}) {
-            type->addItem(tr("process"), kProcess);
-            type->addItem(tr("var"), kVar);
+            type->addItem(QCoreApplication::translate("APCArrowDlg", "process"), kProcess);
+            type->addItem(QCoreApplication::translate("APCArrowDlg", "var"), kVar);
         }
         m_headType->setCurrentIndex(m_headType->findData(arrow->GetHeadType()));
         m_tailType->setCurrentIndex(m_tailType->findData(arrow->GetTailType()));

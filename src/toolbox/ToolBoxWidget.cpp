@@ -3,6 +3,7 @@
 #include "toolbox/ATBContainer.h"
 #include "toolbox/ATBTreeWidget.h"
 
+#include <QCoreApplication>
 #include <QContextMenuEvent>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -22,7 +23,7 @@ bool hasChildren(int type) { return type == ATB_Group || type == ATB_Folder; }
 ToolBoxWidget::ToolBoxWidget(QWidget* parent) : QWidget(parent), m_tree(new ATBTreeWidget(this))
 {
     setObjectName(QStringLiteral("ToolBoxWidget"));
-    setWindowTitle(tr("Tool Box"));
+    setWindowTitle(QCoreApplication::translate("ToolBoxWidget", "Tool Box"));
     resize(311, 584);
     auto* layout = new QHBoxLayout(this);
     layout->addWidget(m_tree);

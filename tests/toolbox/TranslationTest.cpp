@@ -5,10 +5,20 @@
 #include "HostCatalogGui/AlgoInfo.h"
 #include "HostCatalogGui/DataTypeFactory.h"
 #include "HostCatalogGui/DataTypeWidget.h"
+#include "dialogs/APCArrowDlg.h"
+#include "editor/ModelControler.h"
+#include "engine/APCLog.h"
+#include "model/APCArrow.h"
+#include "model/APCModel.h"
+#include "support/ModelFixtures.h"
 #include "toolbox/ATBCreateCircuitDlg.h"
+#include "toolbox/ToolBoxWidget.h"
 
 #include <QAbstractButton>
+#include <QComboBox>
 #include <QCoreApplication>
+#include <QDockWidget>
+#include <QMenuBar>
 #include <QDomDocument>
 #include <QFile>
 #include <QFileInfo>
@@ -115,6 +125,76 @@ TEST(TranslationFile, EveryTextIsTranslatedAndKeepsPlaceholdersAndEndings)
     }
 }
 
+namespace {
+
+// A translation that holds every context texts are looked up in, by class name
+// and never by the namespace the class lives in, as a host's own translation
+// file names them. It marks what it translates.
+class EveryContextTranslator : public QTranslator
+{
+public:
+    bool isEmpty() const override { return false; }
+    QString translate(const char* context, const char* source, const char* = nullptr, int = -1) const override
+    {
+        static const QStringList contexts{
+            "APCAlgoDlg",    "APCArrowDlg",     "APCFileIterator", "APCFileIteratorDlg", "APCFunFactory",
+            "APCFunctionDlg", "APCLog",         "APCModelFileDlg", "APCRasterFileIterator", "APCVarDlg",
+            "APCVectorFileIterator", "ATBAlgo", "ATBCreateCircuitDlg", "ATBFolder", "LogWidget",
+            "ModelControler", "ModelScene",     "PythonCommand",   "RunCmdDlg",          "RunCommand",
+            "SaveAsCommand", "SequenceControl", "StopCommand",     "ToolBox",            "ToolBoxCommand",
+            "ToolBoxWidget", "ValidateCommand", "VarAddDlg"};
+        return contexts.contains(QLatin1String(context)) ? "<" + QString::fromUtf8(source) + ">" : QString();
+    }
+};
+
+} // namespace
+
+TEST(TranslationRuntime, TextsOfNamespacedClassesAreFoundUnderTheirClassNames)
+{
+    EveryContextTranslator translator;
+    QCoreApplication::installTranslator(&translator);
+    QStringList shown;
+
+    Plugin::ToolBoxWidget toolBox;
+    shown << toolBox.windowTitle();
+
+    QTemporaryDir dir;
+    {
+        TestSupport::HeadlessModel model;
+        TestSupport::AddAlgo(model, "test.copyText");
+        ASSERT_TRUE(model.SaveFile(dir.filePath("m.apc")));
+    }
+    {
+        Plugin::ModelControler window(dir.filePath("m.apc"), false);
+        shown << window.windowTitle();
+        for (QAction* menu : window.menuBar()->actions())
+            shown << menu->text();
+        for (QAction* action : window.findChildren<QAction*>())
+            if (!action->text().isEmpty() && action->text() != "1:1" && !action->menu())
+                shown << action->text() << action->statusTip();
+        for (QDockWidget* dock : window.findChildren<QDockWidget*>())
+            shown << dock->windowTitle();
+
+        Plugin::APCArrow* arrow = window.GetDocument()->GetArrows().value(0);
+        ASSERT_TRUE(arrow);
+        Plugin::APCArrowDlg dialog(arrow, &window);
+        auto* type = dialog.findChild<QComboBox*>("headType");
+        ASSERT_TRUE(type);
+        for (int i = 0; i < type->count(); ++i)
+            shown << type->itemText(i);
+    }
+    Plugin::APCLog log;
+    log.LogStart("m", QString());
+    shown << log.GetLogText().section(' ', 0, 2);
+    QCoreApplication::removeTranslator(&translator);
+
+    shown.removeDuplicates();
+    shown.removeAll(QString()); // a dock of the host's with no title
+    EXPECT_GT(shown.size(), 20);
+    for (const QString& text : shown)
+        EXPECT_TRUE(text.startsWith('<') && text.contains('>')) << "not translated: \"" << text.toStdString() << "\"";
+}
+
 TEST(TranslationFile, TextsTheCodeReadsAsDataStayUsable)
 {
     const std::vector<Message> messages = ReadTs(TsPath());
@@ -127,7 +207,7 @@ TEST(TranslationFile, TextsTheCodeReadsAsDataStayUsable)
             EXPECT_EQ(m.translation, m.source);
         }
         // The editor reads this text as the shortcut of its Delete action.
-        if (m.context == "Plugin::ModelControler" && m.source == "Delete") {
+        if (m.context == "ModelControler" && m.source == "Delete") {
             EXPECT_EQ(QKeySequence(m.translation), QKeySequence(Qt::Key_Delete));
         }
     }
