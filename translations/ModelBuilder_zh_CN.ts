@@ -847,7 +847,7 @@ Open a model from the Tool Box to build and run it.</source>
     </message>
 </context>
 <context>
-    <name>Plugin::AlgoForm</name>
+    <name>AlgoForm</name>
     <message>
         <source>Linked to a variable of the model</source>
         <translation>已链接到模型的变量</translation>
@@ -878,7 +878,7 @@ Open a model from the Tool Box to build and run it.</source>
     </message>
 </context>
 <context>
-    <name>Plugin::FilterDataWidget</name>
+    <name>FilterDataWidget</name>
     <message>
         <source>Output</source>
         <translation>输出</translation>
@@ -901,7 +901,7 @@ Open a model from the Tool Box to build and run it.</source>
     </message>
 </context>
 <context>
-    <name>Plugin::JsonRowsDataWidget</name>
+    <name>JsonRowsDataWidget</name>
     <message>
         <source>Remove</source>
         <translation>移除</translation>
@@ -916,14 +916,14 @@ Open a model from the Tool Box to build and run it.</source>
     </message>
 </context>
 <context>
-    <name>Plugin::LineEditDataWidget</name>
+    <name>LineEditDataWidget</name>
     <message>
         <source>Browse</source>
         <translation>浏览</translation>
     </message>
 </context>
 <context>
-    <name>Plugin::MultiDirectoryDataWidget</name>
+    <name>MultiDirectoryDataWidget</name>
     <message>
         <source>Folder</source>
         <translation>文件夹</translation>
@@ -950,7 +950,7 @@ Open a model from the Tool Box to build and run it.</source>
     </message>
 </context>
 <context>
-    <name>Plugin::SpatialReferenceDataWidget</name>
+    <name>SpatialReferenceDataWidget</name>
     <message>
         <source>Unknown spatial reference: enter an EPSG code such as EPSG:4326, or WKT.</source>
         <translation>未知的空间参考：请输入 EPSG 代码(例如 EPSG:4326)或 WKT.</translation>

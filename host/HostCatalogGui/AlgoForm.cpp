@@ -4,6 +4,7 @@
 #include "HostCatalogGui/DataTypeFactory.h"
 #include "HostCatalogGui/DefaultDataWidget.h"
 
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -121,11 +122,11 @@ AlgoForm::AlgoForm(const AlgoConfig& config, QWidget* parent) : QDialog(parent)
         row.link->SetCaption(caption);
         row.link->SetCaptionBold(row.required);
         row.link->SetReadOnly(true);
-        row.link->setToolTip(tr("Linked to a variable of the model"));
+        row.link->setToolTip(QCoreApplication::translate("AlgoForm", "Linked to a variable of the model"));
         linkLayout->addWidget(row.link, 1);
-        auto* unlink = new QPushButton(tr("Unlink"), linkPage);
+        auto* unlink = new QPushButton(QCoreApplication::translate("AlgoForm", "Unlink"), linkPage);
         unlink->setObjectName(QStringLiteral("unlink"));
-        unlink->setToolTip(tr("Enter a value here instead of taking the variable's"));
+        unlink->setToolTip(QCoreApplication::translate("AlgoForm", "Enter a value here instead of taking the variable's"));
         unlink->setAutoDefault(false);
         linkLayout->addWidget(unlink, 0, Qt::AlignBottom);
         row.pages->addWidget(linkPage);
@@ -142,10 +143,10 @@ AlgoForm::AlgoForm(const AlgoConfig& config, QWidget* parent) : QDialog(parent)
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch(1);
-    auto* ok = new QPushButton(tr("OK"), this);
+    auto* ok = new QPushButton(QCoreApplication::translate("AlgoForm", "OK"), this);
     ok->setObjectName(QStringLiteral("ok"));
     ok->setDefault(true);
-    auto* cancel = new QPushButton(tr("Cancel"), this);
+    auto* cancel = new QPushButton(QCoreApplication::translate("AlgoForm", "Cancel"), this);
     cancel->setObjectName(QStringLiteral("cancel"));
     cancel->setAutoDefault(false);
     buttons->addWidget(ok);
@@ -177,7 +178,7 @@ void AlgoForm::OnOKClicked(bool)
 {
     for (const Row& row : m_rows) {
         if (row.required && row.GetValue().isEmpty()) {
-            QMessageBox::information(this, tr("Error"), tr("Please set value: %1").arg(row.label), QMessageBox::Ok);
+            QMessageBox::information(this, QCoreApplication::translate("AlgoForm", "Error"), QCoreApplication::translate("AlgoForm", "Please set value: %1").arg(row.label), QMessageBox::Ok);
             m_scroll->ensureWidgetVisible(row.pages);
             row.pages->currentWidget()->setFocus();
             return;

@@ -2,6 +2,7 @@
 
 #include "HostCatalog/GetParamValue.h"
 
+#include <QCoreApplication>
 #include <QTableWidget>
 
 namespace Plugin {
@@ -15,7 +16,7 @@ const QString kFirstOutput = QStringLiteral("Out File");
 } // namespace
 
 FilterDataWidget::FilterDataWidget(QWidget* parent)
-    : JsonRowsDataWidget({tr("Output"), tr("Patterns")}, tr("Add"), parent)
+    : JsonRowsDataWidget({QCoreApplication::translate("FilterDataWidget", "Output"), QCoreApplication::translate("FilterDataWidget", "Patterns")}, QCoreApplication::translate("FilterDataWidget", "Add"), parent)
 {
 }
 
@@ -59,10 +60,10 @@ void FilterDataWidget::AppendOutput(const QString& name, const QString& patterns
     const int row = table->rowCount();
     table->insertRow(row);
     QTableWidgetItem* nameItem = TextItem(name);
-    nameItem->setToolTip(tr("Name of the output parameter that receives each file"));
+    nameItem->setToolTip(QCoreApplication::translate("FilterDataWidget", "Name of the output parameter that receives each file"));
     table->setItem(row, NameColumn, nameItem);
     QTableWidgetItem* patternItem = TextItem(patterns);
-    patternItem->setToolTip(tr("Patterns separated by ';', e.g. *.tif;*.tiff"));
+    patternItem->setToolTip(QCoreApplication::translate("FilterDataWidget", "Patterns separated by ';', e.g. *.tif;*.tiff"));
     table->setItem(row, PatternsColumn, patternItem);
     table->blockSignals(blocked);
 }

@@ -1,5 +1,6 @@
 #include "HostCatalogGui/JsonRowsDataWidget.h"
 
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QJsonDocument>
@@ -65,7 +66,7 @@ JsonRowsDataWidget::JsonRowsDataWidget(const QStringList& headers, const QString
     auto* buttons = new QVBoxLayout;
     buttons->setSpacing(2);
     QToolButton* add = button(QStringLiteral("add"), addText, rowsPage);
-    QToolButton* remove = button(QStringLiteral("remove"), tr("Remove"), rowsPage);
+    QToolButton* remove = button(QStringLiteral("remove"), QCoreApplication::translate("JsonRowsDataWidget", "Remove"), rowsPage);
     buttons->addWidget(add);
     buttons->addWidget(remove);
     buttons->addStretch(1);
@@ -81,11 +82,11 @@ JsonRowsDataWidget::JsonRowsDataWidget(const QStringList& headers, const QString
     m_text->setObjectName(QStringLiteral("text"));
     m_text->setMaxLength(std::numeric_limits<int>::max());
     textLine->addWidget(m_text, 1);
-    auto* useRows = new QPushButton(tr("Replace with rows"), textPage);
+    auto* useRows = new QPushButton(QCoreApplication::translate("JsonRowsDataWidget", "Replace with rows"), textPage);
     useRows->setObjectName(QStringLiteral("useRows"));
     textLine->addWidget(useRows);
     textLayout->addLayout(textLine);
-    auto* note = new QLabel(tr("Kept as it stands: this value is no list the table can show."), textPage);
+    auto* note = new QLabel(QCoreApplication::translate("JsonRowsDataWidget", "Kept as it stands: this value is no list the table can show."), textPage);
     note->setWordWrap(true);
     textLayout->addWidget(note);
     textLayout->addStretch(1);

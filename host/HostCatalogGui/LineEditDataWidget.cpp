@@ -1,5 +1,6 @@
 #include "HostCatalogGui/LineEditDataWidget.h"
 
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QToolButton>
@@ -30,7 +31,7 @@ LineEditDataWidget::LineEditDataWidget(Button button, QWidget* parent) : DataTyp
         m_browse = new QToolButton(body);
         m_browse->setObjectName(QStringLiteral("browse"));
         m_browse->setText(QStringLiteral("..."));
-        m_browse->setToolTip(tr("Browse"));
+        m_browse->setToolTip(QCoreApplication::translate("LineEditDataWidget", "Browse"));
         line->addWidget(m_browse);
         connect(m_browse, &QToolButton::clicked, this, [this] { Browse(); });
     }

@@ -3,6 +3,7 @@
 #include "HostCatalog/GetParamValue.h"
 #include "HostCatalogGui/PathDialog.h"
 
+#include <QCoreApplication>
 #include <QCheckBox>
 #include <QHBoxLayout>
 #include <QTableWidget>
@@ -26,7 +27,7 @@ QString flag(bool on)
 } // namespace
 
 MultiDirectoryDataWidget::MultiDirectoryDataWidget(QWidget* parent)
-    : JsonRowsDataWidget({tr("Folder"), tr("Subfolders"), tr("Enabled")}, tr("Add..."), parent)
+    : JsonRowsDataWidget({QCoreApplication::translate("MultiDirectoryDataWidget", "Folder"), QCoreApplication::translate("MultiDirectoryDataWidget", "Subfolders"), QCoreApplication::translate("MultiDirectoryDataWidget", "Enabled")}, QCoreApplication::translate("MultiDirectoryDataWidget", "Add..."), parent)
 {
 }
 
@@ -93,8 +94,8 @@ void MultiDirectoryDataWidget::AppendFolder(const QString& path, const QJsonObje
         table->setCellWidget(row, column, cell);
         connect(box, &QCheckBox::toggled, this, [this] { MarkEdited(); });
     };
-    addCheck(SubdirColumn, subdir, tr("Also scan the folders inside this folder"));
-    addCheck(EnabledColumn, enabled, tr("Scan this folder; unchecked keeps it listed but skips it"));
+    addCheck(SubdirColumn, subdir, QCoreApplication::translate("MultiDirectoryDataWidget", "Also scan the folders inside this folder"));
+    addCheck(EnabledColumn, enabled, QCoreApplication::translate("MultiDirectoryDataWidget", "Scan this folder; unchecked keeps it listed but skips it"));
     table->blockSignals(blocked);
 }
 

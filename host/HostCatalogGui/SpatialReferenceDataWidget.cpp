@@ -1,6 +1,7 @@
 #include "HostCatalogGui/SpatialReferenceDataWidget.h"
 #include "HostRunner/SpatialReference.h"
 
+#include <QCoreApplication>
 #include <QLabel>
 #include <QLineEdit>
 
@@ -64,7 +65,7 @@ void SpatialReferenceDataWidget::Check(const QString& text)
         m_message->setToolTip(QString());
     } else {
         palette.setColor(QPalette::WindowText, QColor(0xc0, 0x00, 0x00));
-        m_message->setText(tr("Unknown spatial reference: enter an EPSG code such as EPSG:4326, or WKT."));
+        m_message->setText(QCoreApplication::translate("SpatialReferenceDataWidget", "Unknown spatial reference: enter an EPSG code such as EPSG:4326, or WKT."));
         m_message->setToolTip(verdict.detail);
     }
     m_message->setPalette(palette);

@@ -142,7 +142,10 @@ public:
             "APCVectorFileIterator", "ATBAlgo", "ATBCreateCircuitDlg", "ATBFolder", "LogWidget",
             "ModelControler", "ModelScene",     "PythonCommand",   "RunCmdDlg",          "RunCommand",
             "SaveAsCommand", "SequenceControl", "StopCommand",     "ToolBox",            "ToolBoxCommand",
-            "ToolBoxWidget", "ValidateCommand", "VarAddDlg"};
+            "ToolBoxWidget", "ValidateCommand", "VarAddDlg",
+            // the reference host's forms, named the same way
+            "AlgoForm", "DataTypeFactory", "FilterDataWidget", "JsonRowsDataWidget", "LineEditDataWidget",
+            "MultiDirectoryDataWidget", "PathDialog", "SpatialReferenceDataWidget"};
         return contexts.contains(QLatin1String(context)) ? "<" + QString::fromUtf8(source) + ">" : QString();
     }
 };
