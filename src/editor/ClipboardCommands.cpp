@@ -20,6 +20,7 @@
 #include "model/VarReference.h"
 
 #include <QApplication>
+#include <QCoreApplication>
 #include <QClipboard>
 #include <QDomDocument>
 #include <QGraphicsItem>
@@ -190,6 +191,7 @@ void PasteCommand::OnClick()
     // from then on: no var is made for an open parameter, and no signal is
     // emitted, so the paste alone is not an edit to save.
     APCModel* model = m_controler->GetDocument();
+    m_controler->BeginEdit(QCoreApplication::translate("ModelControler", "Paste"));
     const QPointF offset(20, 20);
     QMap<QString, QString> newIds; // copied id -> pasted id
     QList<APCObject*> pasted;      // shapes first, then arrows: an arrow's item looks for its ends
@@ -267,6 +269,7 @@ void PasteCommand::OnClick()
     for (APCObject* object : pasted + arrows)
         if (QGraphicsItem* item = GraphicsItemFactory::Instance()->CreateItem(object, m_controler))
             scene->AddItem(item);
+    m_controler->EndEdit();
 }
 
 } // namespace Plugin

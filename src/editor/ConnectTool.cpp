@@ -12,6 +12,7 @@
 #include "model/APCVar.h"
 #include "model/SoftAssert.h"
 
+#include <QCoreApplication>
 #include <QGraphicsLineItem>
 #include <QGraphicsSceneMouseEvent>
 #include <QPen>
@@ -91,6 +92,7 @@ void ConnectTool::Connect(const QPointF& from, const QPointF& to)
     // Steps of a run read the model from pool threads: it is edited only when idle.
     if (m_controler->GetSequenceControl()->GetState() != SequenceControl::Idle)
         return;
+    m_controler->NameEdit(QCoreApplication::translate("ModelControler", "Connect"));
     APCArrow* added = arrow.release();
     MB_ASSERT(m_controler->AddObject(added), delete added; return);
     dialog->Apply();

@@ -4,12 +4,13 @@
 
 namespace Plugin {
 
-// Kept as a named action, ready to be wired; does nothing.
+// Copies the selection to the clipboard and deletes it, as one edit.
 class CutCommand : public ModelCommand
 {
 public:
     void OnClick() override;
-    bool IsEnable() override { return true; }
+    // Something selected in a writable model.
+    bool IsEnable() override;
     bool ReservedQuery() override { return true; }
 };
 

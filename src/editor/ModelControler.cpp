@@ -50,10 +50,46 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QTabWidget>
+#include <QShortcut>
 #include <QTimer>
 #include <QToolBar>
+#include <QUndoCommand>
+#include <QUndoStack>
 
 namespace Plugin {
+
+namespace {
+
+// One step of a window's history: the whole model before and after one user
+// action. Whole texts make any edit undoable alike, and the model after an
+// undo saves byte for byte as it did before the edit.
+class ModelEdit : public QUndoCommand
+{
+public:
+    ModelEdit(ModelControler* window, const QString& before, const QString& after, const QString& text)
+        : QUndoCommand(text), m_window(window), m_before(before), m_after(after)
+    {
+    }
+    void undo() override { m_window->RestoreModel(m_before); }
+    // The first redo is the push: the model already stands as after says.
+    void redo() override
+    {
+        if (m_done)
+            m_window->RestoreModel(m_after);
+        m_done = true;
+    }
+
+private:
+    ModelControler* m_window;
+    QString m_before;
+    QString m_after;
+    bool m_done = false;
+};
+
+// Steps kept per window: enough for a working session, bounded for a large model.
+constexpr int kHistoryLimit = 200;
+
+} // namespace
 
 ModelControler::ModelControler(const QString& path, bool readOnly, QWidget* parent)
     : QMainWindow(parent),
@@ -70,8 +106,11 @@ ModelControler::ModelControler(const QString& path, bool readOnly, QWidget* pare
     m_view = new ModelView(m_scene, this);
     m_view->setAcceptDrops(true);
     setCentralWidget(m_view);
+    m_history = new QUndoStack(this);
+    m_history->setUndoLimit(kHistoryLimit);
     BuildInterface();
     LoadModel();
+    m_current = m_document->ToText();
 
     // Connected after the load, which emits nothing: a fresh window is clean.
     auto changed = [this](enAPCOperator opt) {
@@ -126,6 +165,9 @@ ModelControler::ModelControler(const QString& path, bool readOnly, QWidget* pare
 
 ModelControler::~ModelControler()
 {
+    // The history clears itself as it goes and would tell the actions about it.
+    m_history->disconnect();
+    delete m_history;
     ModelCommandManager::Instance()->ForgetWindow(this);
     // A run still under way must not report into a window that is going.
     if (m_control->GetState() != 0)
@@ -143,6 +185,11 @@ void ModelControler::LoadModel()
     // A failed load leaves an empty canvas; the window opens all the same.
     if (!m_filePath.isEmpty())
         m_document->LoadFile(m_filePath);
+    ShowDocument();
+}
+
+void ModelControler::ShowDocument()
+{
     // Processes and vars first: an arrow's item looks for the items of its ends.
     QList<APCObject*> objects;
     for (APCProcess* p : m_document->GetProcesses())
@@ -156,6 +203,63 @@ void ModelControler::LoadModel()
         if (QGraphicsItem* item = GraphicsItemFactory::Instance()->CreateItem(object, this))
             m_scene->AddItem(item);
     }
+}
+
+void ModelControler::SetModified(bool modified)
+{
+    m_modified = modified;
+    if (!modified)
+        m_history->setClean();
+}
+
+void ModelControler::BeginEdit(const QString& text)
+{
+    if (m_editDepth++ > 0 || m_readOnly)
+        return;
+    m_editText = text;
+    const QString now = m_document->ToText();
+    // Unchanged since the last step: share its text rather than hold a copy.
+    m_beforeEdit = now == m_current ? m_current : now;
+}
+
+void ModelControler::NameEdit(const QString& text)
+{
+    if (m_editDepth > 0)
+        m_editText = text;
+}
+
+void ModelControler::EndEdit()
+{
+    if (m_editDepth == 0 || --m_editDepth > 0 || m_readOnly)
+        return;
+    const QString after = m_document->ToText();
+    const QString before = m_beforeEdit;
+    m_beforeEdit.clear();
+    if (after == before)
+        return;
+    m_current = after;
+    m_history->push(new ModelEdit(this, before, after, m_editText));
+}
+
+bool ModelControler::CanWalkHistory() const
+{
+    return !m_readOnly && m_editDepth == 0 && m_control->GetState() == SequenceControl::Idle;
+}
+
+void ModelControler::RestoreModel(const QString& text)
+{
+    if (m_currentTool)
+        m_currentTool->Deactivate();
+    // The items go the way of removed objects' items: tools may still hold them.
+    for (QGraphicsItem* item : m_scene->GetItems()) {
+        m_scene->RemoveItem(item);
+        m_removedItems.append(item);
+    }
+    m_document->RestoreText(text);
+    m_current = text;
+    ShowDocument();
+    if (m_currentTool)
+        m_currentTool->OnClick(); // the new items take the tool's flags
 }
 
 void ModelControler::SetCurrentTool(ModelTool* tool)
@@ -294,7 +398,72 @@ void ModelControler::BuildInterface()
     }
     m_currentTool = select;
     select->OnClick();
+
+    // The history's commands and Cut come after the Edit menu's own entries.
+    QAction* undo = nullptr;
+    QAction* redo = nullptr;
+    ModelCommand* cutCommand = nullptr;
+    for (const Row& row : rows) {
+        if (dynamic_cast<UndoCommand*>(row.command))
+            undo = row.command->GetAction();
+        else if (dynamic_cast<RedoCommand*>(row.command))
+            redo = row.command->GetAction();
+        else if (dynamic_cast<CutCommand*>(row.command))
+            cutCommand = row.command;
+    }
+    QAction* cut = cutCommand->GetAction();
+    connect(m_scene, &QGraphicsScene::selectionChanged, cut, [=] { cut->setEnabled(cutCommand->IsEnable()); });
+    undo->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Z));
+    // Set here: the platform's own redo key differs between systems.
+    redo->setShortcuts({QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), QKeySequence(Qt::CTRL | Qt::Key_Y)});
+    cut->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_X));
+    editMenu->addAction(undo);
+    editMenu->addAction(redo);
+    editMenu->addAction(cut);
+    const auto name = [](QAction* action, const char* word, const QString& edit) {
+        const QString plain = QCoreApplication::translate("ModelControler", word);
+        action->setText(edit.isEmpty() ? plain : plain + QLatin1Char(' ') + edit);
+    };
+    connect(m_history, &QUndoStack::undoTextChanged, undo, [=](const QString& edit) { name(undo, "Undo", edit); });
+    connect(m_history, &QUndoStack::redoTextChanged, redo, [=](const QString& edit) { name(redo, "Redo", edit); });
+    // At once rather than at the next tick, so that a key right after an edit works.
+    const auto refresh = [=] {
+        undo->setEnabled(CanWalkHistory() && m_history->canUndo());
+        redo->setEnabled(CanWalkHistory() && m_history->canRedo());
+        cut->setEnabled(cutCommand->IsEnable());
+    };
+    connect(m_history, &QUndoStack::indexChanged, this, refresh);
+    refresh();
+    AddShortcuts(editMenu);
     manager->StartTimer(500);
+}
+
+void ModelControler::AddShortcuts(QMenu* editMenu)
+{
+    ModelCommandManager* manager = ModelCommandManager::Instance();
+    QAction* selectAll = new QAction(QCoreApplication::translate("ModelControler", "Select All"), this);
+    selectAll->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_A));
+    connect(selectAll, &QAction::triggered, this, [this] {
+        for (QGraphicsItem* item : m_scene->GetItems())
+            if (item->flags() & QGraphicsItem::ItemIsSelectable)
+                item->setSelected(true);
+    });
+    editMenu->addAction(selectAll);
+
+    // Save and Escape act through their commands, whose own actions keep no key.
+    auto* save = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_S), this);
+    connect(save, &QShortcut::activated, this, [this, manager] {
+        for (QAction* action : findChildren<QAction*>())
+            if (auto* command = dynamic_cast<SaveCommand*>(manager->FindCommand(action)))
+                if (command->IsEnable())
+                    action->trigger();
+    });
+    auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
+    connect(escape, &QShortcut::activated, this, [this, manager] {
+        for (QAction* action : findChildren<QAction*>())
+            if (dynamic_cast<SelectTool*>(manager->FindCommand(action)))
+                action->trigger();
+    });
 }
 
 void ModelControler::closeEvent(QCloseEvent* event)

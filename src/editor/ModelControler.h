@@ -12,7 +12,9 @@
 #include <QString>
 
 class QDockWidget;
+class QMenu;
 class QTimer;
+class QUndoStack;
 class QTabWidget;
 class QGraphicsItem;
 class QGraphicsSceneMouseEvent;
@@ -46,8 +48,24 @@ public:
     void SetModelName(const QString& name) { m_modelName = name; }
     QString GetModelName() const { return m_modelName; }
     bool IsModified() const { return m_modified; }
-    void SetModified(bool modified) { m_modified = modified; }
+    // Clearing the flag marks the history's present step as the saved one.
+    void SetModified(bool modified);
     bool IsReadOnly() const { return m_readOnly; }
+
+    // The window's history of edits. Everything a user action changes between
+    // BeginEdit and the matching EndEdit is one step, named by text (or by the
+    // last NameEdit); calls nest, and only the outermost pair counts. A pair
+    // that changed nothing leaves no step.
+    QUndoStack* GetHistory() const { return m_history; }
+    void BeginEdit(const QString& text);
+    void NameEdit(const QString& text);
+    void EndEdit();
+    // True when the history may be walked: an idle, writable model with no
+    // edit under way.
+    bool CanWalkHistory() const;
+    // Puts the model back as text has it (see APCModel::ToText) and redraws
+    // the canvas; for the history only.
+    void RestoreModel(const QString& text);
 
     // Makes tool current and lets it set the canvas up (its OnClick).
     void SetCurrentTool(ModelTool* tool);
@@ -77,6 +95,11 @@ protected:
     void BuildInterface();
     // Reads the file and puts an item on the canvas for each object.
     void LoadModel();
+    // An item on the canvas for each object of the document.
+    void ShowDocument();
+    // Select All at the end of editMenu, and the keys that act through commands
+    // whose actions keep no key of their own.
+    void AddShortcuts(QMenu* editMenu);
 
     bool m_modified = false;
     bool m_readOnly;
@@ -97,6 +120,11 @@ protected:
     std::mutex m_progressMutex;
     QHash<QString, double> m_pendingProgress;
     QTimer* m_progressTimer = nullptr; // child
+    QUndoStack* m_history = nullptr;   // child
+    int m_editDepth = 0;
+    QString m_editText;
+    QString m_beforeEdit; // the model as the outermost BeginEdit found it
+    QString m_current;    // the model as the last step left it
 };
 
 } // namespace Plugin

@@ -164,6 +164,13 @@ void ModelScene::SetItemsInteractive(bool value)
 
 void ModelScene::mousePressEvent(QGraphicsSceneMouseEvent* event)
 {
+    // A gesture, from the first press to the release of the last button, is
+    // one step of the history, whatever the tool makes of it.
+    if (!m_inGesture) {
+        m_inGesture = true;
+        if (ModelControler* window = Window())
+            window->BeginEdit(QCoreApplication::translate("ModelControler", "Move"));
+    }
     if (ModelTool* tool = ActiveTool())
         tool->OnMousePress(event);
     QGraphicsScene::mousePressEvent(event);
@@ -186,6 +193,11 @@ void ModelScene::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
     if (ModelTool* tool = ActiveTool())
         tool->OnMouseRelease(event);
     QGraphicsScene::mouseReleaseEvent(event);
+    if (m_inGesture && event->buttons() == Qt::NoButton) {
+        m_inGesture = false;
+        if (ModelControler* window = Window())
+            window->EndEdit();
+    }
 }
 
 void ModelScene::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event)
@@ -263,7 +275,9 @@ void ModelScene::dropEvent(QGraphicsSceneDragDropEvent* event)
     process->SetClass(classWord);
     process->SetPos(event->scenePos());
     process->SetDescription(item->GetName());
+    window->BeginEdit(QCoreApplication::translate("ModelControler", "Add %1").arg(item->GetName()));
     MB_ASSERT(window->AddObject(process), delete process);
+    window->EndEdit();
 }
 
 } // namespace Plugin

@@ -68,6 +68,7 @@ private:
     ModelControler* Window() const;
     void ApplyInteractivity(QGraphicsItem* item) const;
 
+    bool m_inGesture = false; // a press came and the last button is not up yet
     QList<QGraphicsItem*> m_items;                 // in order of adding; no rubber bands
     // Indexes of the listed items, so that a model of thousands of objects opens
     // and drags without searching the list.

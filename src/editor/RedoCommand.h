@@ -4,12 +4,12 @@
 
 namespace Plugin {
 
-// Kept as a named action, ready to be wired; the editor has no redo.
+// Makes again the edit the last undo took back; its action names that edit.
 class RedoCommand : public ModelCommand
 {
 public:
     void OnClick() override;
-    bool IsEnable() override { return true; }
+    bool IsEnable() override;
     bool ReservedQuery() override { return true; }
 };
 

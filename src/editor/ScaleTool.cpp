@@ -6,6 +6,7 @@
 #include "editor/ModelView.h"
 #include "editor/RubberBand.h"
 
+#include <QCoreApplication>
 #include <QGraphicsRectItem>
 #include <QGraphicsSceneMouseEvent>
 
@@ -136,6 +137,7 @@ void ScaleTool::Release(QGraphicsSceneMouseEvent* event)
         // The new size reaches the model through the move ScaleBy makes, which
         // records the centre the item had before it.
         base->ScaleBy(m_anchor, sx, sy);
+        m_controler->NameEdit(QCoreApplication::translate("ModelControler", "Resize"));
     }
     Reset();
     FindHandle(event->scenePos());

@@ -12,6 +12,7 @@
 #include "engine/SequenceControl.h"
 #include "model/APCObject.h"
 
+#include <QCoreApplication>
 #include <QGraphicsSceneMouseEvent>
 #include <QPixmap>
 
@@ -45,8 +46,11 @@ void SelectTool::OnDoubleClick(QGraphicsSceneMouseEvent* event, APCObject* objec
     if (!dialog)
         return;
     const bool accepted = dialog->exec() == QDialog::Accepted;
-    if (accepted && !m_controler->IsReadOnly() && state == SequenceControl::Idle)
+    if (accepted && !m_controler->IsReadOnly() && state == SequenceControl::Idle) {
+        m_controler->BeginEdit(QCoreApplication::translate("ModelControler", "Change %1").arg(object->GetDescription()));
         dialog->Apply();
+        m_controler->EndEdit();
+    }
 }
 
 void SelectTool::OnClick() { m_cursor = activate(m_controler, true, ":/res/Model_SelectTool.png", 3, 0); }

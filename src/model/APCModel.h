@@ -11,6 +11,9 @@
 
 class QDomNode;
 
+class QDomDocument;
+class QXmlStreamWriter;
+
 namespace Plugin {
 
 class APCArrow;
@@ -95,6 +98,12 @@ public:
     static bool Loading();
     static void WhenLoadEnds(std::function<void()> forget);
     bool SaveFile(const QString& path);
+    // The whole model as the XML text a save encodes; the same model gives the
+    // same text, so two texts tell whether an edit changed anything.
+    QString ToText() const;
+    // Replaces every object with those of text (from ToText), deleting the old
+    // ones without a signal; false, with the model left empty, when it cannot be read.
+    bool RestoreText(const QString& text);
 
     // Called when an object's id changed; the lookup index is rebuilt on demand.
     void InvalidateIndex();
@@ -110,6 +119,9 @@ private:
     void ReadProcesses(const QDomNode& node);
     void ReadVars(const QDomNode& node);
     void ReadArrows(const QDomNode& node);
+    // Appends the objects of a document's root element and gives them this model.
+    bool ReadDocument(const QDomDocument& doc);
+    void WriteConfiguration(QXmlStreamWriter& writer) const;
 
     // Ids of the vars an iterator writes, from one pass over the arrows.
     QSet<QString> IteratorOutputIds() const;

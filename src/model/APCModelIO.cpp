@@ -59,6 +59,11 @@ bool APCModel::LoadFile(const QString& path)
     file.close();
     if (!doc.setContent(bytes, true))
         return false;
+    return ReadDocument(doc);
+}
+
+bool APCModel::ReadDocument(const QDomDocument& doc)
+{
     const QDomElement root = doc.documentElement();
     if (root.tagName() != QLatin1String("Configuration"))
         return false;
@@ -121,28 +126,51 @@ void APCModel::ReadArrows(const QDomNode& node)
 
 bool APCModel::SaveFile(const QString& path)
 {
-    const QList<APCProcess*> processes = m_processes;
-    const QList<APCVar*> vars = m_vars;
-    const QList<APCArrow*> arrows = m_arrows;
-    return Gb2312::SaveDocument(path, [&](QXmlStreamWriter& writer) {
-        writer.writeStartElement(QStringLiteral("Configuration"));
-        writer.writeComment(QStringLiteral("算法"));
-        writer.writeStartElement(QStringLiteral("Processes"));
-        for (APCProcess* p : processes)
-            p->WriteXml(writer, true);
-        writer.writeEndElement();
-        writer.writeComment(QStringLiteral("数据"));
-        writer.writeStartElement(QStringLiteral("Vars"));
-        for (APCVar* v : vars)
-            v->WriteXml(writer, true);
-        writer.writeEndElement();
-        writer.writeComment(QStringLiteral("依赖关系"));
-        writer.writeStartElement(QStringLiteral("Arrows"));
-        for (APCArrow* a : arrows)
-            a->WriteXml(writer, true);
-        writer.writeEndElement();
-        writer.writeEndElement();
-    });
+    return Gb2312::SaveDocument(path, [this](QXmlStreamWriter& writer) { WriteConfiguration(writer); });
+}
+
+QString APCModel::ToText() const
+{
+    QString text;
+    QXmlStreamWriter writer(&text);
+    writer.setAutoFormatting(true);
+    WriteConfiguration(writer);
+    return text;
+}
+
+bool APCModel::RestoreText(const QString& text)
+{
+    const LoadScope scope;
+    qDeleteAll(m_processes);
+    qDeleteAll(m_vars);
+    qDeleteAll(m_arrows);
+    m_processes.clear();
+    m_vars.clear();
+    m_arrows.clear();
+    InvalidateIndex();
+    QDomDocument doc(QStringLiteral("APCFile"));
+    return doc.setContent(text, true) && ReadDocument(doc);
+}
+
+void APCModel::WriteConfiguration(QXmlStreamWriter& writer) const
+{
+    writer.writeStartElement(QStringLiteral("Configuration"));
+    writer.writeComment(QStringLiteral("算法"));
+    writer.writeStartElement(QStringLiteral("Processes"));
+    for (APCProcess* p : m_processes)
+        p->WriteXml(writer, true);
+    writer.writeEndElement();
+    writer.writeComment(QStringLiteral("数据"));
+    writer.writeStartElement(QStringLiteral("Vars"));
+    for (APCVar* v : m_vars)
+        v->WriteXml(writer, true);
+    writer.writeEndElement();
+    writer.writeComment(QStringLiteral("依赖关系"));
+    writer.writeStartElement(QStringLiteral("Arrows"));
+    for (APCArrow* a : m_arrows)
+        a->WriteXml(writer, true);
+    writer.writeEndElement();
+    writer.writeEndElement();
 }
 
 } // namespace Plugin
