@@ -60,13 +60,14 @@ namespace Plugin {
 
 namespace {
 
-// One step of a window's history: the whole model before and after one user
-// action. Whole texts make any edit undoable alike, and the model after an
-// undo saves byte for byte as it did before the edit.
+// One step of a window's history: the model before and after one user action,
+// as the saved forms of its objects. That makes every edit undoable alike, and
+// the model after an undo saves byte for byte as it did before the edit; the
+// texts an edit left alone are shared with the neighbouring steps.
 class ModelEdit : public QUndoCommand
 {
 public:
-    ModelEdit(ModelControler* window, const QString& before, const QString& after, const QString& text)
+    ModelEdit(ModelControler* window, const ModelSnapshot& before, const ModelSnapshot& after, const QString& text)
         : QUndoCommand(text), m_window(window), m_before(before), m_after(after)
     {
     }
@@ -81,8 +82,8 @@ public:
 
 private:
     ModelControler* m_window;
-    QString m_before;
-    QString m_after;
+    ModelSnapshot m_before;
+    ModelSnapshot m_after;
     bool m_done = false;
 };
 
@@ -110,7 +111,7 @@ ModelControler::ModelControler(const QString& path, bool readOnly, QWidget* pare
     m_history->setUndoLimit(kHistoryLimit);
     BuildInterface();
     LoadModel();
-    m_current = m_document->ToText();
+    m_current = m_document->Snapshot();
 
     // Connected after the load, which emits nothing: a fresh window is clean.
     auto changed = [this](enAPCOperator opt) {
@@ -217,9 +218,8 @@ void ModelControler::BeginEdit(const QString& text)
     if (m_editDepth++ > 0 || m_readOnly)
         return;
     m_editText = text;
-    const QString now = m_document->ToText();
-    // Unchanged since the last step: share its text rather than hold a copy.
-    m_beforeEdit = now == m_current ? m_current : now;
+    m_beforeEdit = m_document->Snapshot();
+    m_beforeEdit.ShareWith(m_current);
 }
 
 void ModelControler::NameEdit(const QString& text)
@@ -232,11 +232,12 @@ void ModelControler::EndEdit()
 {
     if (m_editDepth == 0 || --m_editDepth > 0 || m_readOnly)
         return;
-    const QString after = m_document->ToText();
-    const QString before = m_beforeEdit;
-    m_beforeEdit.clear();
+    ModelSnapshot after = m_document->Snapshot();
+    const ModelSnapshot before = m_beforeEdit;
+    m_beforeEdit = ModelSnapshot();
     if (after == before)
         return;
+    after.ShareWith(before);
     m_current = after;
     m_history->push(new ModelEdit(this, before, after, m_editText));
 }
@@ -246,18 +247,28 @@ bool ModelControler::CanWalkHistory() const
     return !m_readOnly && m_editDepth == 0 && m_control->GetState() == SequenceControl::Idle;
 }
 
-void ModelControler::RestoreModel(const QString& text)
+void ModelControler::RestoreModel(const ModelSnapshot& snapshot)
 {
     if (m_currentTool)
         m_currentTool->Deactivate();
-    // The items go the way of removed objects' items: tools may still hold them.
-    for (QGraphicsItem* item : m_scene->GetItems()) {
-        m_scene->RemoveItem(item);
-        m_removedItems.append(item);
+    QList<APCObject*> removed, added;
+    m_document->Restore(snapshot, m_current, &removed, &added);
+    m_current = snapshot;
+    for (APCObject* object : removed) {
+        // The items go the way of removed objects' items: tools may still hold them.
+        if (QGraphicsItem* item = dynamic_cast<QGraphicsItem*>(m_scene->FindItemOf(object))) {
+            m_scene->RemoveItem(item);
+            m_removedItems.append(item);
+        }
+        delete object;
     }
-    m_document->RestoreText(text);
-    m_current = text;
-    ShowDocument();
+    for (APCObject* object : added)
+        if (QGraphicsItem* item = GraphicsItemFactory::Instance()->CreateItem(object, this))
+            m_scene->AddItem(item);
+    // An arrow whose end was remade finds the end's new item.
+    for (APCArrow* arrow : m_document->GetArrows())
+        if (GraphicsItemBase* item = m_scene->FindItemOf(arrow))
+            item->RefreshEnds();
     if (m_currentTool)
         m_currentTool->OnClick(); // the new items take the tool's flags
 }

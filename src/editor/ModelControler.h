@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/ModelSnapshot.h"
 #include "model/enAPCOperator.h"
 
 #include <QMainWindow>
@@ -63,9 +64,9 @@ public:
     // True when the history may be walked: an idle, writable model with no
     // edit under way.
     bool CanWalkHistory() const;
-    // Puts the model back as text has it (see APCModel::ToText) and redraws
-    // the canvas; for the history only.
-    void RestoreModel(const QString& text);
+    // Puts the model back as snapshot has it, remaking only the objects (and
+    // canvas items) that differ; for the history only.
+    void RestoreModel(const ModelSnapshot& snapshot);
 
     // Makes tool current and lets it set the canvas up (its OnClick).
     void SetCurrentTool(ModelTool* tool);
@@ -123,8 +124,8 @@ protected:
     QUndoStack* m_history = nullptr;   // child
     int m_editDepth = 0;
     QString m_editText;
-    QString m_beforeEdit; // the model as the outermost BeginEdit found it
-    QString m_current;    // the model as the last step left it
+    ModelSnapshot m_beforeEdit; // the model as the outermost BeginEdit found it
+    ModelSnapshot m_current;    // the model as the last step left it
 };
 
 } // namespace Plugin

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/ModelSnapshot.h"
+
 #include <QHash>
 #include <QSet>
 #include <QList>
@@ -12,6 +14,7 @@
 class QDomNode;
 
 class QDomDocument;
+class QDomElement;
 class QXmlStreamWriter;
 
 namespace Plugin {
@@ -98,12 +101,15 @@ public:
     static bool Loading();
     static void WhenLoadEnds(std::function<void()> forget);
     bool SaveFile(const QString& path);
-    // The whole model as the XML text a save encodes; the same model gives the
-    // same text, so two texts tell whether an edit changed anything.
-    QString ToText() const;
-    // Replaces every object with those of text (from ToText), deleting the old
-    // ones without a signal; false, with the model left empty, when it cannot be read.
-    bool RestoreText(const QString& text);
+    // The model as its objects' saved forms (see ModelSnapshot).
+    ModelSnapshot Snapshot() const;
+    // Brings the model to target without a signal, given current, the snapshot
+    // the model stands at now. Objects whose saved form is in both stay as they
+    // are, at their addresses; the rest are taken out into removed (the caller
+    // deletes them) or made anew and listed in added, processes and vars before
+    // arrows. A current that does not match the model replaces every object.
+    void Restore(const ModelSnapshot& target, const ModelSnapshot& current, QList<APCObject*>* removed,
+                 QList<APCObject*>* added);
 
     // Called when an object's id changed; the lookup index is rebuilt on demand.
     void InvalidateIndex();
@@ -122,6 +128,10 @@ private:
     // Appends the objects of a document's root element and gives them this model.
     bool ReadDocument(const QDomDocument& doc);
     void WriteConfiguration(QXmlStreamWriter& writer) const;
+    template <class T>
+    void RestoreList(QList<T*>& list, const QVector<QString>& target, const QVector<QString>& current,
+                     const std::function<T*(const QDomElement&)>& make, QList<APCObject*>* removed,
+                     QList<APCObject*>* added);
 
     // Ids of the vars an iterator writes, from one pass over the arrows.
     QSet<QString> IteratorOutputIds() const;

@@ -129,27 +129,84 @@ bool APCModel::SaveFile(const QString& path)
     return Gb2312::SaveDocument(path, [this](QXmlStreamWriter& writer) { WriteConfiguration(writer); });
 }
 
-QString APCModel::ToText() const
+namespace {
+
+// The saved form of one object, as WriteConfiguration writes it.
+QString savedForm(APCObject* object)
 {
     QString text;
     QXmlStreamWriter writer(&text);
-    writer.setAutoFormatting(true);
-    WriteConfiguration(writer);
+    object->WriteXml(writer, true);
     return text;
 }
 
-bool APCModel::RestoreText(const QString& text)
+template <class T>
+QVector<QString> savedForms(const QList<T*>& objects)
+{
+    QVector<QString> texts;
+    texts.reserve(objects.size());
+    for (T* object : objects)
+        texts << savedForm(object);
+    return texts;
+}
+
+} // namespace
+
+ModelSnapshot APCModel::Snapshot() const
+{
+    return {savedForms(m_processes), savedForms(m_vars), savedForms(m_arrows)};
+}
+
+template <class T>
+void APCModel::RestoreList(QList<T*>& list, const QVector<QString>& target, const QVector<QString>& current,
+                           const std::function<T*(const QDomElement&)>& make, QList<APCObject*>* removed,
+                           QList<APCObject*>* added)
+{
+    QMultiHash<QString, int> unchanged;
+    if (current.size() == list.size())
+        for (int i = 0; i < current.size(); ++i)
+            unchanged.insert(current[i], i);
+    QVector<bool> kept(list.size(), false);
+    QList<T*> result;
+    for (const QString& text : target) {
+        const auto found = unchanged.find(text);
+        if (found != unchanged.end()) {
+            kept[found.value()] = true;
+            result << list[found.value()];
+            unchanged.erase(found);
+            continue;
+        }
+        QDomDocument doc;
+        if (!doc.setContent(text))
+            continue;
+        if (T* object = make(doc.documentElement())) {
+            object->ReadXml(doc.documentElement());
+            object->SetModel(this);
+            result << object;
+            added->append(object);
+        }
+    }
+    for (int i = 0; i < list.size(); ++i)
+        if (!kept[i])
+            removed->append(list[i]);
+    list = result;
+}
+
+void APCModel::Restore(const ModelSnapshot& target, const ModelSnapshot& current, QList<APCObject*>* removed,
+                       QList<APCObject*>* added)
 {
     const LoadScope scope;
-    qDeleteAll(m_processes);
-    qDeleteAll(m_vars);
-    qDeleteAll(m_arrows);
-    m_processes.clear();
-    m_vars.clear();
-    m_arrows.clear();
+    RestoreList<APCProcess>(
+        m_processes, target.processes, current.processes,
+        [](const QDomElement& e) { return APCProcessFactory::Instance()->Create(e.attribute(QStringLiteral("class"))); },
+        removed, added);
+    RestoreList<APCVar>(
+        m_vars, target.vars, current.vars,
+        [](const QDomElement& e) { return APCVarFactory::Instance()->Create(e.attribute(QStringLiteral("class"))); },
+        removed, added);
+    RestoreList<APCArrow>(
+        m_arrows, target.arrows, current.arrows, [](const QDomElement&) { return new APCArrow; }, removed, added);
     InvalidateIndex();
-    QDomDocument doc(QStringLiteral("APCFile"));
-    return doc.setContent(text, true) && ReadDocument(doc);
 }
 
 void APCModel::WriteConfiguration(QXmlStreamWriter& writer) const
