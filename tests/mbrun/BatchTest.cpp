@@ -1,10 +1,12 @@
 // mbrun for batch work, through the real binary on real rasters: folder inputs,
 // refusals that say why, the plan of a dry run, the report, resuming and stopping.
 #include "engine/APCAlgo.h"
+#include "engine/APCModelFile.h"
 #include "model/APCVar.h"
 #include "support/ModelFixtures.h"
 #include "support/TestSupport.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QDirIterator>
@@ -483,4 +485,49 @@ TEST(MbrunBatch, ASecondResumeOnTheSameFolderSaysWhoHoldsItsState)
     const Outcome third = Mbrun({dir.filePath("quick.apc"), "--resume"});
     EXPECT_EQ(third.code, 0) << qPrintable(third.err);
     EXPECT_EQ(QDir(out).entryList(QDir::Files | QDir::Hidden).filter(".mbrun"), QStringList{".mbrun-state.json"});
+}
+
+TEST(MbrunBatch, AnInterruptedStepReportsTheOutputsItLeftOnTheDisk)
+{
+    QTemporaryDir dir;
+    makeRaster(dir.filePath("small.tif"), 400, 1);
+    // A nested model: a quick copy to its output "Copy", then a slow reprojection of
+    // that to its output "Fine". The step running it publishes one output long
+    // before it ends.
+    HeadlessModel inner;
+    APCAlgo* copy = AddAlgo(inner, "raster.translate");
+    SetConstant(VarOf(inner, copy, "In File"), dir.filePath("small.tif"));
+    APCVar* copied = VarOf(inner, copy, "Out File");
+    copied->SetDescription("Copy");
+    APCAlgo* warp = AddAlgo(inner, "raster.warp");
+    Connect(inner, copied, warp, "In File");
+    SetConstant(VarOf(inner, warp, "Target SRS"), "EPSG:32632");
+    VarOf(inner, warp, "Out File")->SetDescription("Fine");
+    SetLiteral(inner, warp, "Resolution", "1");
+    SetLiteral(inner, warp, "Resampling", "lanczos");
+    ASSERT_TRUE(inner.SaveFile(dir.filePath("inner.apc")));
+    const QMap<QString, QString> outputs = {{"Copy", dir.filePath("copy.tif")}, {"Fine", dir.filePath("fine.tif")}};
+    HeadlessModel outer;
+    auto* step = new APCModelFile;
+    step->SetClass("model");
+    // Nested models are named from the application root, mbrun's as this program's.
+    step->SetProcessName(QDir(QCoreApplication::applicationDirPath() + "/..").relativeFilePath(dir.filePath("inner.apc")));
+    outer.AddProcess(step);
+    for (APCParameter& p : step->GetParameters())
+        if (APCVar* v = outer.FindVar(QString(p.value).remove('%')))
+            SetConstant(v, outputs.value(p.description));
+    ASSERT_TRUE(outer.SaveFile(dir.filePath("outer.apc")));
+
+    QProcess p;
+    p.start(MbrunPath(), {dir.filePath("outer.apc"), "--report", dir.filePath("report.json")});
+    ASSERT_TRUE(WaitUntil([&] { return QFile::exists(outputs["Copy"]) || p.state() == QProcess::NotRunning; }, 60000));
+    ASSERT_EQ(p.state(), QProcess::Running) << p.readAllStandardError().constData();
+    ASSERT_EQ(::kill(pid_t(p.processId()), SIGTERM), 0);
+    ASSERT_TRUE(p.waitForFinished(30000));
+    EXPECT_EQ(p.exitCode(), 143);
+    const QJsonObject r = readReport(dir.filePath("report.json"));
+    ASSERT_EQ(r["steps"].toArray().size(), 1);
+    EXPECT_EQ(r["steps"][0]["status"].toString(), "interrupted");
+    EXPECT_EQ(r["steps"][0]["outputs"].toArray(), QJsonArray({outputs["Copy"], outputs["Fine"]}));
+    EXPECT_EQ(r["steps"][0]["written"].toArray(), QJsonArray{outputs["Copy"]});
 }
