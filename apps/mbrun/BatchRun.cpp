@@ -42,13 +42,15 @@ BatchRun::BatchRun(const CommandLine& options) : m_options(options)
 
 BatchRun::~BatchRun() = default;
 
-void BatchRun::WriteReport(const RunRecorder* recorder, ReportWriter::Outcome outcome, int code)
+bool BatchRun::WriteReport(const RunRecorder* recorder, ReportWriter::Outcome outcome, int code)
 {
     if (!m_report)
-        return;
+        return true;
     QString error;
-    if (!m_report->Write(recorder, outcome, code, m_signal ? StopSignals::Name(m_signal) : QString(), &error))
-        Console::Err(QStringLiteral("mbrun: cannot write the report %1: %2\n").arg(m_options.ReportPath(), error));
+    if (m_report->Write(recorder, outcome, code, m_signal ? StopSignals::Name(m_signal) : QString(), &error))
+        return true;
+    Console::Err(QStringLiteral("mbrun: cannot write the report %1: %2\n").arg(m_options.ReportPath(), error));
+    return false;
 }
 
 void BatchRun::Say(const QStringList& lines)
@@ -109,7 +111,7 @@ int BatchRun::Plan(Plugin::APCModel& model, const FreeInputs& inputs)
     Plugin::SequenceControl control; // for its graph: it never starts
     std::unique_ptr<ResumeState> state;
     if (m_options.Resume())
-        state = std::make_unique<ResumeState>(m_options.ModelPath());
+        state = std::make_unique<ResumeState>(m_options.ModelPath(), ResumeState::Mode::Plan);
     const QString buildError = PrepareUnstarted(control, model, inputs);
     if (!buildError.isEmpty())
         return Refuse({QStringLiteral("mbrun: the model cannot run: %1\n").arg(buildError)});
@@ -166,27 +168,32 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
     control.SetLog(log);
     RunRecorder recorder(control);
 
+    // Each record goes to the report and the state as its step or round ends:
+    // nothing of a long run piles up here.
     std::unique_ptr<ResumeState> state;
-    if (m_options.Resume()) {
-        state = std::make_unique<ResumeState>(m_options.ModelPath());
-        control.SetStepFilter([&](Plugin::APCProcess* clone) {
-            if (!state->IsUpToDate(clone))
-                return false;
-            recorder.MarkSkipped(clone);
-            return true;
-        });
-        recorder.onStepEnded = [&](const RunRecorder::Step& step) {
-            if (step.status == Status::Succeeded && !step.executionText.isEmpty())
-                state->Record(step.algorithm, step.executionText, step.written);
-        };
-    }
+    if (m_options.Resume())
+        state = std::make_unique<ResumeState>(m_options.ModelPath(), ResumeState::Mode::Run);
+    recorder.onStepEnded = [&](const RunRecorder::Step& step) {
+        if (state && step.status == Status::Succeeded && !step.executionText.isEmpty())
+            state->Record(step.algorithm, step.executionText, step.written);
+        if (m_report)
+            m_report->AddStep(step);
+    };
+    recorder.onRoundEnded = [&](const RunRecorder::Round& round) {
+        if (m_report)
+            m_report->AddRound(round);
+    };
     // Notes are written now and then, not after every step: a crash costs at most
     // the notes of the last seconds, whose steps then simply run again.
     QTimer flushTimer;
+    bool stateFailed = false;
     auto flushState = [&] {
-        if (state)
-            for (const QString& failure : state->Flush())
-                Say({QStringLiteral("mbrun: warning: cannot write the resume state %1\n").arg(failure)});
+        if (!state)
+            return;
+        for (const QString& failure : state->Flush()) {
+            Say({QStringLiteral("mbrun: cannot write the resume state %1\n").arg(failure)});
+            stateFailed = true;
+        }
     };
     QObject::connect(&flushTimer, &QTimer::timeout, flushState);
     if (state)
@@ -206,6 +213,23 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
         Say({QStringLiteral("\nmbrun: %1: stopping the run\n").arg(StopSignals::Name(signal))});
         run.RequestStop();
     });
+    bool stateHeld = false; // another run holds the state of a folder this one writes into
+    if (state)
+        control.SetStepFilter([&](Plugin::APCProcess* clone) {
+            const bool upToDate = state->IsUpToDate(clone);
+            if (!state->Conflict().isEmpty()) {
+                if (!stateHeld) {
+                    stateHeld = true;
+                    Say({state->Conflict()});
+                    run.RequestStop();
+                }
+                return true; // not run: its outputs are the other run's business
+            }
+            if (!upToDate)
+                return false;
+            recorder.MarkSkipped(clone);
+            return true;
+        });
     StallWatch stall(control, [&] {
         Say({QStringLiteral("mbrun: the run cannot go on: no step is running or ready to run\n")});
         control.Stop();
@@ -218,7 +242,7 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
         WaitForLateSteps(recorder);
     if (terminal)
         Console::Err(QStringLiteral("\n"));
-    recorder.CloseOpenSteps(m_signal ? Status::Interrupted : Status::Unfinished);
+    recorder.CloseOpenSteps(m_signal || stateHeld ? Status::Interrupted : Status::Unfinished);
     flushTimer.stop();
     flushState();
 
@@ -233,14 +257,19 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
     if (m_signal) {
         outcome = ReportWriter::Outcome::Interrupted;
         code = StopSignals::ExitCode(m_signal);
+    } else if (stateHeld) {
+        outcome = ReportWriter::Outcome::Refused;
+        code = Refused;
     } else if (stall.Stalled()) {
         outcome = ReportWriter::Outcome::Stalled;
         code = Refused;
-    } else if (recorder.Count(Status::Failed) > 0 || log->Failed()) {
+    } else if (recorder.Count(Status::Failed) > 0 || log->Failed() || stateFailed) {
         outcome = ReportWriter::Outcome::Failed;
         code = StepFailed;
     }
-    WriteReport(&recorder, outcome, code);
+    // A report that cannot be written whole fails the run as a step would.
+    if (!WriteReport(&recorder, outcome, code) && code == Success)
+        code = StepFailed;
     return code;
 }
 

@@ -50,7 +50,9 @@ private:
     void WaitForLateSteps(const RunRecorder& recorder);
     // The name the log gives the run.
     QString ModelName() const;
-    void WriteReport(const RunRecorder* recorder, ReportWriter::Outcome outcome, int code);
+    // Writes the report, if asked for; false, said on standard error, when it
+    // cannot be written whole.
+    bool WriteReport(const RunRecorder* recorder, ReportWriter::Outcome outcome, int code);
 
     const CommandLine& m_options;
     std::unique_ptr<ReportWriter> m_report; // null without --report

@@ -38,19 +38,13 @@ QString ClosingLines::EmptyIterator(Plugin::APCFileIterator* iterator)
 QStringList ClosingLines::Failures(const RunRecorder& recorder)
 {
     QStringList lines;
-    QStringList files;
-    for (const RunRecorder::Round& r : recorder.Rounds())
-        if (r.failed)
-            files << r.file;
+    const QStringList files = recorder.FailedRoundFiles();
     if (!files.isEmpty())
         lines << QStringLiteral("mbrun: %1 of %2 rounds failed: %3\n")
                      .arg(files.size())
-                     .arg(recorder.Rounds().size())
+                     .arg(recorder.RoundCount())
                      .arg(files.join(QStringLiteral(", ")));
-    QStringList outside;
-    for (const RunRecorder::Step& s : recorder.Steps())
-        if (s.round == 0 && s.status == Status::Failed)
-            outside << QLatin1Char('"') + s.description + QLatin1Char('"');
+    const QStringList& outside = recorder.FailedOutsideRounds();
     if (!outside.isEmpty())
         lines << QStringLiteral("mbrun: failed outside any round: %1\n").arg(outside.join(QStringLiteral(", ")));
     return lines;
@@ -58,10 +52,7 @@ QStringList ClosingLines::Failures(const RunRecorder& recorder)
 
 QStringList ClosingLines::Interrupted(const RunRecorder& recorder, const QString& signalName)
 {
-    QStringList running;
-    for (const RunRecorder::Round& r : recorder.Rounds())
-        if (r.interrupted)
-            running << r.file;
+    const QStringList running = recorder.InterruptedRoundFiles();
     QString line = QStringLiteral("mbrun: %1 stopped the run; steps finished: %2")
                        .arg(signalName)
                        .arg(recorder.Count(Status::Succeeded) + recorder.Count(Status::Failed) + recorder.Count(Status::Skipped));

@@ -1,12 +1,15 @@
 #include "ReportWriter.h"
 
+#include "model/WholeFile.h"
+
 #include <QDir>
 #include <QHash>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
+
+#include <algorithm>
 
 namespace Mbrun {
 
@@ -55,7 +58,7 @@ QJsonObject stepObject(const RunRecorder::Step& s)
     return o;
 }
 
-QJsonObject roundObject(const RunRecorder::Round& r, const QHash<int, QJsonArray>& failedSteps)
+QJsonObject roundObject(const RunRecorder::Round& r)
 {
     QJsonObject o;
     o.insert(QStringLiteral("round"), r.index);
@@ -65,17 +68,46 @@ QJsonObject roundObject(const RunRecorder::Round& r, const QHash<int, QJsonArray
     o.insert(QStringLiteral("status"), r.failed        ? QStringLiteral("failed")
                                        : r.interrupted ? QStringLiteral("interrupted")
                                                        : QStringLiteral("succeeded"));
-    if (r.failed)
-        o.insert(QStringLiteral("failedSteps"), failedSteps.value(r.index));
+    if (r.failed) {
+        QJsonArray failedSteps;
+        for (const auto& step : r.failedSteps)
+            failedSteps.append(step.second);
+        o.insert(QStringLiteral("failedSteps"), failedSteps);
+    }
     return o;
+}
+
+// o as an element of one of the report's arrays, laid out as the whole report
+// is: indented by four spaces a level, at the depth of the array's elements.
+QByteArray elementText(const QJsonObject& o)
+{
+    QByteArray text = QJsonDocument(o).toJson(QJsonDocument::Indented);
+    text.chop(1); // its last line end
+    return "        " + text.replace('\n', "\n        ");
 }
 
 } // namespace
 
-ReportWriter::ReportWriter(const QString& path, const QString& modelPath) : m_path(path), m_modelPath(modelPath) {}
+ReportWriter::ReportWriter(const QString& path, const QString& modelPath)
+    : m_path(path), m_modelPath(modelPath), m_steps(QFileInfo(path).absolutePath()),
+      m_rounds(QFileInfo(path).absolutePath())
+{
+}
+
+void ReportWriter::AddStep(const RunRecorder::Step& step)
+{
+    m_steps.Put(step.order, elementText(stepObject(step)));
+}
+
+void ReportWriter::AddRound(const RunRecorder::Round& round)
+{
+    m_rounds.Put(round.index - 1, elementText(roundObject(round)));
+    if (round.failed)
+        m_failedRounds.push_back(round.index - 1);
+}
 
 bool ReportWriter::Write(const RunRecorder* recorder, Outcome outcome, int exitCode, const QString& signalName,
-                         QString* error) const
+                         QString* error)
 {
     QJsonObject root;
     root.insert(QStringLiteral("format"), QStringLiteral("mbrun-report/1"));
@@ -89,44 +121,58 @@ bool ReportWriter::Write(const RunRecorder* recorder, Outcome outcome, int exitC
     root.insert(QStringLiteral("signal"), signalName.isEmpty() ? QJsonValue() : QJsonValue(signalName));
     root.insert(QStringLiteral("messages"), QJsonArray::fromStringList(m_messages));
 
-    QJsonArray steps, rounds, failedRounds;
     QJsonObject summary;
     using S = RunRecorder::Status;
-    summary.insert(QStringLiteral("steps"), recorder ? int(recorder->Steps().size()) : 0);
+    summary.insert(QStringLiteral("steps"), recorder ? recorder->StepCount() : 0);
     for (S s : {S::Succeeded, S::Failed, S::Skipped, S::Interrupted, S::Unfinished})
         summary.insert(RunRecorder::StatusText(s), recorder ? recorder->Count(s) : 0);
-    if (recorder) {
-        QHash<int, QJsonArray> failedSteps; // round -> descriptions of its failed steps
-        for (const RunRecorder::Step& s : recorder->Steps()) {
-            steps.append(stepObject(s));
-            if (s.round > 0 && s.status == S::Failed)
-                failedSteps[s.round].append(s.description);
-        }
-        for (const RunRecorder::Round& r : recorder->Rounds()) {
-            const QJsonObject o = roundObject(r, failedSteps);
-            rounds.append(o);
-            if (r.failed)
-                failedRounds.append(o);
-        }
-    }
-    summary.insert(QStringLiteral("rounds"), rounds.size());
-    summary.insert(QStringLiteral("failedRounds"), failedRounds.size());
+    summary.insert(QStringLiteral("rounds"), recorder ? recorder->RoundCount() : 0);
+    summary.insert(QStringLiteral("failedRounds"), int(m_failedRounds.size()));
     root.insert(QStringLiteral("summary"), summary);
-    root.insert(QStringLiteral("rounds"), rounds);
-    root.insert(QStringLiteral("failedRounds"), failedRounds);
-    root.insert(QStringLiteral("steps"), steps);
     QJsonObject leftOut;
     if (recorder)
         for (const auto& group : recorder->LeftOut().Groups())
             leftOut.insert(group.first, QJsonArray::fromStringList(group.second));
     root.insert(QStringLiteral("leftOutFiles"), leftOut);
 
+    // The long arrays come from the spools: the document is laid out with them
+    // empty, and each is written in its place.
+    std::vector<int> failedRounds = m_failedRounds;
+    std::sort(failedRounds.begin(), failedRounds.end());
+    struct Array
+    {
+        QByteArray name;
+        RecordSpool* spool;
+        const std::vector<int>* indexes;
+        int at = -1;
+    };
+    std::vector<Array> arrays = {{"failedRounds", &m_rounds, &failedRounds},
+                                 {"rounds", &m_rounds, nullptr},
+                                 {"steps", &m_steps, nullptr}};
+    for (const Array& a : arrays)
+        root.insert(QString::fromLatin1(a.name), QJsonArray());
+    const QByteArray text = QJsonDocument(root).toJson(QJsonDocument::Indented);
+    for (Array& a : arrays)
+        a.at = text.indexOf("\n    \"" + a.name + "\": [\n    ]");
+    std::sort(arrays.begin(), arrays.end(), [](const Array& a, const Array& b) { return a.at < b.at; });
+
     // Like the host's outputs, the report gets the folder it names.
     QDir().mkpath(QFileInfo(m_path).absolutePath());
-    QSaveFile file(m_path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(root).toJson(QJsonDocument::Indented)) < 0 ||
-        !file.commit()) {
-        *error = file.errorString();
+    Plugin::WholeFile file(m_path);
+    file.Open();
+    int done = 0;
+    for (const Array& a : arrays) {
+        const QByteArray head = "\n    \"" + a.name + "\": ";
+        file.Write(text.mid(done, a.at - done) + head);
+        if (!a.spool->WriteArray(file, a.indexes)) {
+            *error = a.spool->ErrorString();
+            return false;
+        }
+        done = a.at + head.size() + 7; // past the empty array's text
+    }
+    file.Write(text.mid(done));
+    if (!file.Commit()) {
+        *error = file.ErrorString();
         return false;
     }
     return true;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "RecordSpool.h"
 #include "RunRecorder.h"
 
 #include <QDateTime>
@@ -8,11 +9,14 @@
 #include <QString>
 #include <QStringList>
 
+#include <vector>
+
 namespace Mbrun {
 
 // The JSON report of one mbrun invocation (format "mbrun-report/1", described in
 // the README): what was asked, how it ended, every step of every round, the
-// failed rounds. Written whole or not at all.
+// failed rounds. The records of steps and rounds go to the disk as they end; the
+// report is put together from them at the end, whole or not at all.
 class ReportWriter
 {
 public:
@@ -26,10 +30,13 @@ public:
     void SetStarted(const QDateTime& started) { m_started = started; }
     // Adds one of mbrun's own messages (why a run was refused, warnings).
     void AddMessage(const QString& message) { m_messages << message; }
+    // Keeps the record of a step that ended, or of a round.
+    void AddStep(const RunRecorder::Step& step);
+    void AddRound(const RunRecorder::Round& round);
     // Writes the report; the recorder may be null when nothing ran. signalName is
     // empty unless a signal stopped the run. False with error set when the file
     // cannot be written.
-    bool Write(const RunRecorder* recorder, Outcome outcome, int exitCode, const QString& signalName, QString* error) const;
+    bool Write(const RunRecorder* recorder, Outcome outcome, int exitCode, const QString& signalName, QString* error);
 
 private:
     QString m_path;
@@ -38,6 +45,9 @@ private:
     QStringList m_messages;
     QDateTime m_started;
     bool m_resume = false;
+    RecordSpool m_steps;               // by Step::order
+    RecordSpool m_rounds;              // by Round::index - 1
+    std::vector<int> m_failedRounds;   // their places in m_rounds
 };
 
 } // namespace Mbrun

@@ -3,20 +3,26 @@
 #include "StepFiles.h"
 
 #include "engine/APCAlgo.h"
+#include "model/WholeFile.h"
 
+#include <QCryptographicHash>
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
+#include <QLockFile>
 
 namespace Mbrun {
 
 namespace {
 
 const QString kFormat = QStringLiteral("mbrun-state/1");
+// The layout Flush writes: this head, one entry a line, the tail.
+const QByteArray kHead = "{\n    \"format\": \"mbrun-state/1\",\n    \"outputs\": {\n";
+const QByteArray kTail = "\n    }\n}\n";
+const QByteArray kEntryIndent = "        ";
 
 qint64 modifiedMs(const QFileInfo& info)
 {
@@ -25,40 +31,98 @@ qint64 modifiedMs(const QFileInfo& info)
 
 } // namespace
 
-ResumeState::ResumeState(const QString& modelPath) : m_modelPath(QFileInfo(modelPath).absoluteFilePath()) {}
-
-QHash<QString, ResumeState::Entry> ResumeState::Read(const QString& stateFile)
+ResumeState::ResumeState(const QString& modelPath, Mode mode)
+    : m_modelPath(QFileInfo(modelPath).absoluteFilePath()), m_mode(mode)
 {
-    QHash<QString, Entry> entries;
+}
+
+ResumeState::~ResumeState() = default;
+
+QByteArray ResumeState::Digest(const QString& algorithm, const QString& parameters)
+{
+    return QCryptographicHash::hash(algorithm.toUtf8() + '\0' + parameters.toUtf8(), QCryptographicHash::Sha1);
+}
+
+bool ResumeState::ReadNotes(const QString& stateFile, const std::function<void(const QString&, const Note&)>& take)
+{
     QFile file(stateFile);
     if (!file.open(QIODevice::ReadOnly))
-        return entries;
-    // A damaged or foreign file is as good as none: everything then runs again.
+        return false;
+    auto noteOf = [](const QJsonObject& o) {
+        Note n;
+        n.algorithm = o.value(QStringLiteral("algorithm")).toString();
+        n.parameters = o.value(QStringLiteral("parameters")).toString();
+        n.size = qint64(o.value(QStringLiteral("size")).toDouble(-1));
+        n.modified = qint64(o.value(QStringLiteral("modified")).toDouble(-1));
+        return n;
+    };
+    if (file.read(kHead.size()) == kHead) {
+        // Entry by entry, so that a large state never sits in memory whole.
+        while (!file.atEnd()) {
+            QByteArray line = file.readLine().trimmed();
+            if (line == "}")
+                return file.readLine().trimmed() == "}";
+            if (line.endsWith(','))
+                line.chop(1);
+            QJsonParseError error{};
+            const QJsonObject entry = QJsonDocument::fromJson('{' + line + '}', &error).object();
+            if (error.error != QJsonParseError::NoError || entry.size() != 1)
+                return false;
+            take(entry.begin().key(), noteOf(entry.begin().value().toObject()));
+        }
+        return false;
+    }
+    // Any other layout of the format, as an editor or an older run left it.
+    file.seek(0);
     const QJsonObject root = QJsonDocument::fromJson(file.readAll()).object();
     if (root.value(QStringLiteral("format")).toString() != kFormat)
-        return entries;
+        return false; // a damaged or foreign file is as good as none: everything then runs again
     const QJsonObject outputs = root.value(QStringLiteral("outputs")).toObject();
-    for (auto it = outputs.begin(); it != outputs.end(); ++it) {
-        const QJsonObject o = it.value().toObject();
-        Entry e;
-        e.algorithm = o.value(QStringLiteral("algorithm")).toString();
-        e.parameters = o.value(QStringLiteral("parameters")).toString();
-        e.size = qint64(o.value(QStringLiteral("size")).toDouble(-1));
-        e.modified = qint64(o.value(QStringLiteral("modified")).toDouble(-1));
-        entries.insert(it.key(), e);
+    for (auto it = outputs.begin(); it != outputs.end(); ++it)
+        take(it.key(), noteOf(it.value().toObject()));
+    return true;
+}
+
+void ResumeState::Hold(const QString& directory, Folder& folder)
+{
+    // The folder is made as the step about to write there would make it.
+    QDir().mkpath(directory);
+    const QString stateFile = QDir(directory).filePath(FileName());
+    folder.lock = std::make_unique<QLockFile>(stateFile + QStringLiteral(".lock"));
+    folder.lock->setStaleLockTime(0); // a live holder is never taken over; a dead one on this host is
+    if (folder.lock->tryLock(0))
+        return;
+    if (folder.lock->error() != QLockFile::LockFailedError) {
+        // No lock file can be made there: nor can the state, which Flush then says.
+        folder.lock.reset();
+        return;
     }
-    return entries;
+    folder.held = false;
+    qint64 pid = 0;
+    QString host, application;
+    folder.lock->getLockInfo(&pid, &host, &application);
+    folder.lock.reset();
+    if (m_conflict.isEmpty())
+        m_conflict = QStringLiteral("mbrun: the resume state %1 is in use by another run: process %2 on %3\n")
+                         .arg(stateFile)
+                         .arg(pid)
+                         .arg(host);
 }
 
 ResumeState::Folder& ResumeState::FolderOf(const QString& directory)
 {
     auto it = m_folders.find(directory);
-    if (it == m_folders.end()) {
-        Folder folder;
-        folder.entries = Read(QDir(directory).filePath(FileName()));
-        it = m_folders.insert(directory, folder);
-    }
-    return it.value();
+    if (it != m_folders.end())
+        return it->second;
+    Folder& folder = m_folders[directory];
+    if (m_mode == Mode::Run)
+        Hold(directory, folder);
+    const bool read = ReadNotes(QDir(directory).filePath(FileName()), [&folder](const QString& name, const Note& n) {
+        folder.entries.insert(name, Entry{Digest(n.algorithm, n.parameters), n.size, n.modified});
+    });
+    if (!read)
+        folder.entries.clear();
+    return folder;
 }
 
 bool ResumeState::IsUpToDate(Plugin::APCProcess* clone)
@@ -69,7 +133,11 @@ bool ResumeState::IsUpToDate(Plugin::APCProcess* clone)
     const StepFiles files(clone);
     if (files.Outputs().isEmpty())
         return false;
-    const QString parameters = algo->ExecutionText();
+    // Every folder the step writes into is taken before it can run.
+    for (const QString& path : files.Outputs())
+        if (!FolderOf(QFileInfo(path).absolutePath()).held)
+            return false;
+    const QByteArray digest = Digest(algo->GetProcessName(), algo->ExecutionText());
     qint64 oldestOutput = -1;
     for (const QString& path : files.Outputs()) {
         const QFileInfo out(path);
@@ -77,8 +145,8 @@ bool ResumeState::IsUpToDate(Plugin::APCProcess* clone)
             return false;
         const Folder& folder = FolderOf(out.absolutePath());
         auto e = folder.entries.constFind(out.fileName());
-        if (e == folder.entries.constEnd() || e->algorithm != algo->GetProcessName() || e->parameters != parameters ||
-            e->size != out.size() || e->modified != modifiedMs(out))
+        if (e == folder.entries.constEnd() || e->digest != digest || e->size != out.size() ||
+            e->modified != modifiedMs(out))
             return false;
         oldestOutput = oldestOutput < 0 ? e->modified : qMin(oldestOutput, e->modified);
     }
@@ -95,54 +163,74 @@ void ResumeState::Record(const QString& algorithm, const QString& executionText,
         if (!out.isFile())
             continue;
         Folder& folder = FolderOf(out.absolutePath());
-        Entry e;
-        e.algorithm = algorithm;
-        e.parameters = executionText;
-        e.size = out.size();
-        e.modified = modifiedMs(out);
-        folder.entries.insert(out.fileName(), e);
-        folder.changed.insert(out.fileName());
+        if (!folder.held)
+            continue; // another run's folder: its state is that run's
+        folder.changed.insert(out.fileName(), Note{algorithm, executionText, out.size(), modifiedMs(out)});
     }
+}
+
+bool ResumeState::WriteFolder(const QString& path, Folder& folder, QString* error)
+{
+    auto entryText = [](const QString& name, const Note& n) {
+        QJsonObject o;
+        o.insert(QStringLiteral("algorithm"), n.algorithm);
+        o.insert(QStringLiteral("parameters"), n.parameters);
+        o.insert(QStringLiteral("size"), double(n.size));
+        o.insert(QStringLiteral("modified"), double(n.modified));
+        QJsonObject wrapped;
+        wrapped.insert(name, o);
+        const QByteArray text = QJsonDocument(wrapped).toJson(QJsonDocument::Compact);
+        return kEntryIndent + text.mid(1, text.size() - 2); // "name":{...}
+    };
+    // Returns 1 when written, 0 when the file could not be, -1 when the old one
+    // turned out damaged on the way: then it is written again without it.
+    auto write = [&](bool keepOld) {
+        Plugin::WholeFile out(path);
+        bool first = true;
+        auto put = [&](const QString& name, const Note& n) {
+            out.Write((first ? QByteArray() : QByteArrayLiteral(",\n")) + entryText(name, n));
+            first = false;
+        };
+        out.Open();
+        out.Write(kHead);
+        if (keepOld && QFileInfo::exists(path)) {
+            const bool read = ReadNotes(path, [&](const QString& name, const Note& n) {
+                if (!folder.changed.contains(name))
+                    put(name, n);
+            });
+            if (!read)
+                return -1;
+        }
+        for (auto it = folder.changed.constBegin(); it != folder.changed.constEnd(); ++it)
+            put(it.key(), it.value());
+        out.Write(kTail);
+        if (out.Commit())
+            return 1;
+        *error = out.ErrorString();
+        return 0;
+    };
+    int written = write(true);
+    if (written < 0)
+        written = write(false);
+    return written > 0;
 }
 
 QStringList ResumeState::Flush()
 {
     QStringList failures;
-    for (auto it = m_folders.begin(); it != m_folders.end(); ++it) {
-        Folder& folder = it.value();
-        if (folder.changed.isEmpty())
+    for (auto& [directory, folder] : m_folders) {
+        if (folder.changed.isEmpty() || !folder.held)
             continue;
-        const QString path = QDir(it.key()).filePath(FileName());
-        if (QFileInfo(path).absoluteFilePath() == m_modelPath) {
+        const QString path = QDir(directory).filePath(FileName());
+        QString error;
+        if (QFileInfo(path).absoluteFilePath() == m_modelPath)
             failures << QStringLiteral("%1: it is the model file being run").arg(path);
-            folder.changed.clear();
-            continue;
-        }
-        // Another run may have written here since we read the file: keep its notes.
-        QHash<QString, Entry> merged = Read(path);
-        for (const QString& name : folder.changed)
-            merged.insert(name, folder.entries.value(name));
-        QJsonObject outputs;
-        for (auto e = merged.constBegin(); e != merged.constEnd(); ++e) {
-            QJsonObject o;
-            o.insert(QStringLiteral("algorithm"), e->algorithm);
-            o.insert(QStringLiteral("parameters"), e->parameters);
-            o.insert(QStringLiteral("size"), double(e->size));
-            o.insert(QStringLiteral("modified"), double(e->modified));
-            outputs.insert(e.key(), o);
-        }
-        QJsonObject root;
-        root.insert(QStringLiteral("format"), kFormat);
-        root.insert(QStringLiteral("outputs"), outputs);
-        QSaveFile file(path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(root).toJson(QJsonDocument::Indented)) < 0 ||
-            !file.commit()) {
-            // Said once: those steps simply run again next time.
-            failures << QStringLiteral("%1: %2").arg(path, file.errorString());
-            folder.changed.clear();
-            continue;
-        }
-        folder.entries = merged;
+        else if (!WriteFolder(path, folder, &error))
+            failures << QStringLiteral("%1: %2").arg(path, error);
+        else
+            for (auto it = folder.changed.constBegin(); it != folder.changed.constEnd(); ++it)
+                folder.entries.insert(it.key(), Entry{Digest(it->algorithm, it->parameters), it->size, it->modified});
+        // Said once on failure: those steps simply run again next time.
         folder.changed.clear();
     }
     return failures;

@@ -9,6 +9,7 @@
 #include "engine/APCLogRecord.h"
 #include "engine/SequenceControl.h"
 #include "engine/SequenceNode.h"
+#include "model/SoftAssert.h"
 
 #include <QFileInfo>
 
@@ -50,9 +51,26 @@ QString RunRecorder::StatusText(Status status)
     return QString();
 }
 
-int RunRecorder::Count(Status status) const
+namespace {
+
+QStringList filesOf(const std::map<int, QString>& rounds)
 {
-    return int(std::count_if(m_steps.begin(), m_steps.end(), [status](const Step& s) { return s.status == status; }));
+    QStringList files;
+    for (const auto& round : rounds)
+        files << round.second;
+    return files;
+}
+
+} // namespace
+
+QStringList RunRecorder::FailedRoundFiles() const
+{
+    return filesOf(m_failedRoundFiles);
+}
+
+QStringList RunRecorder::InterruptedRoundFiles() const
+{
+    return filesOf(m_interruptedRoundFiles);
 }
 
 QStringList RunRecorder::RunningSteps() const
@@ -60,8 +78,8 @@ QStringList RunRecorder::RunningSteps() const
     QList<int> open = m_open.values();
     std::sort(open.begin(), open.end());
     QStringList names;
-    for (int index : open)
-        names << QLatin1Char('"') + m_steps[size_t(index)].description + QLatin1Char('"');
+    for (int order : open)
+        names << QLatin1Char('"') + m_running.at(order).description + QLatin1Char('"');
     return names;
 }
 
@@ -91,6 +109,7 @@ int RunRecorder::Open(SequenceNode* node)
 {
     APCProcess* process = node->GetProcess();
     Step step;
+    step.order = m_stepCount++;
     step.id = process->GetName();
     step.description = process->GetDescription();
     step.algorithm = StepFiles::Algorithm(process);
@@ -101,10 +120,13 @@ int RunRecorder::Open(SequenceNode* node)
     if (auto* algo = dynamic_cast<Plugin::APCAlgo*>(process))
         step.executionText = algo->ExecutionText();
     step.start = QDateTime::currentDateTimeUtc();
-    m_steps.push_back(step);
-    const int index = int(m_steps.size()) - 1;
-    m_open.insert(process, index);
-    return index;
+    auto round = m_rounds.find(step.round);
+    if (round != m_rounds.end())
+        ++round->second.running;
+    const int order = step.order;
+    m_running.emplace(order, std::move(step));
+    m_open.insert(process, order);
+    return order;
 }
 
 void RunRecorder::OnStatus(SequenceNode* node, int status)
@@ -120,7 +142,7 @@ void RunRecorder::OnStatus(SequenceNode* node, int status)
 void RunRecorder::StartRound(SequenceNode* iterator)
 {
     Round round;
-    round.index = int(m_rounds.size()) + 1;
+    round.index = ++m_roundCount;
     round.iterator = iterator->GetProcess()->GetDescription();
     round.files = StepFiles(iterator->GetProcess()).OutputParameters();
     // The first output in name order drives the pairing of the others.
@@ -128,9 +150,15 @@ void RunRecorder::StartRound(SequenceNode* iterator)
                                   [](const QPair<QString, QString>& a, const QPair<QString, QString>& b) { return a.first < b.first; });
     if (first != round.files.end())
         round.file = first->second;
-    m_rounds.push_back(round);
-    m_iteratorRound.insert(iterator, round.index);
+    const int previous = m_iteratorRound.value(iterator);
+    m_rounds.emplace(round.index, std::move(round));
+    m_iteratorRound.insert(iterator, m_roundCount);
     ++m_iteratorRounds[iterator];
+    auto last = m_rounds.find(previous);
+    if (last != m_rounds.end()) {
+        last->second.superseded = true;
+        EndRoundIfDone(previous);
+    }
 }
 
 void RunRecorder::OnStepEnded(SequenceNode* node, const Plugin::APCLogRecord& record)
@@ -145,17 +173,17 @@ void RunRecorder::OnStepEnded(SequenceNode* node, const Plugin::APCLogRecord& re
         }
         Open(node); // an iterator that cannot hand out its files fails like a step
     }
-    const int index = m_open.contains(process) ? m_open.take(process) : -1;
-    if (index < 0)
+    const int order = m_open.contains(process) ? m_open.take(process) : -1;
+    if (order < 0)
         return; // started before the recorder was attached
-    Step& step = m_steps[size_t(index)];
+    Step& step = m_running.at(order);
     step.errorCode = record.errorCode;
     step.errorMessage = record.errorMessage;
     if (record.errorCode == 0)
         for (const QString& out : step.outputs)
             if (QFileInfo::exists(out))
                 step.written.append(out);
-    End(index, record.errorCode == 0 ? Status::Succeeded : Status::Failed);
+    End(order, record.errorCode == 0 ? Status::Succeeded : Status::Failed);
 }
 
 void RunRecorder::MarkSkipped(APCProcess* clone)
@@ -169,22 +197,67 @@ void RunRecorder::CloseOpenSteps(Status status)
     QList<int> open = m_open.values();
     std::sort(open.begin(), open.end());
     m_open.clear();
-    for (int index : open)
-        End(index, status);
+    for (int order : open)
+        End(order, status);
+    QList<int> rounds;
+    for (auto& [index, round] : m_rounds) {
+        round.superseded = true;
+        rounds << index;
+    }
+    for (int index : rounds)
+        EndRoundIfDone(index);
 }
 
-void RunRecorder::End(int index, Status status)
+void RunRecorder::End(int order, Status status)
 {
-    Step& step = m_steps[size_t(index)];
+    auto it = m_running.find(order);
+    MB_ASSERT(it != m_running.end(), return);
+    Step& step = it->second;
     step.status = status;
     step.end = QDateTime::currentDateTimeUtc();
-    if (step.round > 0) {
-        Round& round = m_rounds[size_t(step.round - 1)];
-        round.failed = round.failed || status == Status::Failed;
-        round.interrupted = round.interrupted || status == Status::Interrupted;
+    if (status == Status::Interrupted || status == Status::Unfinished) {
+        // An output may have been published just before the stop, its step never
+        // heard of again: what is on the disk, written since the step started,
+        // counts. The margin covers file systems that keep coarse times.
+        const QDateTime since = step.start.addSecs(-2);
+        for (const QString& out : step.outputs) {
+            const QFileInfo info(out);
+            if (info.isFile() && info.lastModified() >= since)
+                step.written.append(out);
+        }
+    }
+    ++m_counts[size_t(status)];
+    if (step.round == 0 && status == Status::Failed)
+        m_failedOutside << QLatin1Char('"') + step.description + QLatin1Char('"');
+    const int roundIndex = step.round;
+    auto round = m_rounds.find(roundIndex);
+    if (round != m_rounds.end()) {
+        Round& r = round->second;
+        r.failed = r.failed || status == Status::Failed;
+        r.interrupted = r.interrupted || status == Status::Interrupted;
+        if (status == Status::Failed)
+            r.failedSteps.emplace(step.order, step.description);
+        --r.running;
     }
     if (onStepEnded)
         onStepEnded(step);
+    m_running.erase(it);
+    EndRoundIfDone(roundIndex);
+}
+
+void RunRecorder::EndRoundIfDone(int index)
+{
+    auto it = m_rounds.find(index);
+    if (it == m_rounds.end() || !it->second.superseded || it->second.running > 0)
+        return;
+    const Round& round = it->second;
+    if (round.failed)
+        m_failedRoundFiles.emplace(round.index, round.file);
+    if (round.interrupted)
+        m_interruptedRoundFiles.emplace(round.index, round.file);
+    if (onRoundEnded)
+        onRoundEnded(round);
+    m_rounds.erase(it);
 }
 
 QList<SequenceNode*> RunRecorder::EmptyIterators() const

@@ -4,15 +4,15 @@
 
 namespace Mbrun {
 
+// Not kept: the log is on standard output already, and a long run's text
+// would only pile up in memory.
 void StreamingLog::Write(const QString& text)
 {
-    APCLog::Write(text);
     Console::Out(text);
 }
 
-void StreamingLog::WriteError(const QString& text)
+void StreamingLog::WriteError(const QString&)
 {
-    APCLog::WriteError(text);
     m_failed = true;
 }
 

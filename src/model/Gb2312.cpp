@@ -1,8 +1,9 @@
 #include "model/Gb2312.h"
 
+#include "model/WholeFile.h"
+
 #include <QDomElement>
 #include <QDomNamedNodeMap>
-#include <QSaveFile>
 #include <QTextCodec>
 #include <QXmlStreamWriter>
 
@@ -127,12 +128,6 @@ void Gb2312::DropUnwritableCharacters(const QDomElement& element)
 
 bool Gb2312::SaveDocument(const QString& path, const std::function<void(QXmlStreamWriter&)>& body)
 {
-    QSaveFile file(path);
-    // Where no temporary file can be made beside it (a writable file in a
-    // read-only folder), write in place as a plain file would.
-    file.setDirectWriteFallback(true);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        return false;
     // Written as text, then encoded: the declaration must name GB2312 whatever
     // the codec calls itself, and no character may be lost on the way.
     QString text;
@@ -141,8 +136,7 @@ bool Gb2312::SaveDocument(const QString& path, const std::function<void(QXmlStre
     writer.writeStartDocument(QStringLiteral("1.0"), false);
     body(writer);
     writer.writeEndDocument();
-    file.write(EncodeDocument(text));
-    return file.commit();
+    return WholeFile::Save(path, EncodeDocument(text));
 }
 
 } // namespace Plugin

@@ -33,9 +33,9 @@ public:
     // drops them: kept, an object read would mean something else once saved.
     static void DropUnwritableCharacters(const QDomElement& element);
     // Writes a document to path: body writes the root element and what is in it
-    // on a formatting writer, and the encoded text replaces the file only once
-    // complete, so a failed write never costs the old file. False when the file
-    // can't be written.
+    // on a formatting writer, and the encoded text replaces the file whole or not
+    // at all (WholeFile), so a failed write never costs the old file. False when
+    // the file can't be written whole.
     static bool SaveDocument(const QString& path, const std::function<void(QXmlStreamWriter&)>& body);
 };
 

@@ -2,12 +2,14 @@
 
 #include "editor/ModelCommandManager.h"
 #include "editor/ModelControler.h"
+#include "model/WholeFile.h"
 #include "toolbox/ATBCreateCircuitDlg.h"
 
 #include <QCoreApplication>
 #include <QCursor>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QMenu>
 #include <QMessageBox>
 
@@ -90,8 +92,9 @@ void ATBAlgoDepend::OnExport()
         QCoreApplication::translate("SaveAsCommand", "AlgoProcessControl File(*.apc);;All File(*.*)"));
     if (target.isEmpty())
         return;
-    // Never over a file that exists: the copy refuses it.
-    QFile::copy(AppRoot() + m_file, target);
+    // Never over a file that exists, as a plain copy would refuse it.
+    if (!QFileInfo::exists(target))
+        WholeFile::Copy(AppRoot() + m_file, target);
 }
 
 } // namespace Plugin

@@ -2,6 +2,7 @@
 
 #include "dialogs/APCObjectDialog.h"
 #include "model/APCModel.h"
+#include "model/WholeFile.h"
 #include "toolbox/ATBAlgoDepend.h"
 #include "toolbox/ATBCreateCircuitDlg.h"
 
@@ -9,7 +10,6 @@
 #include <QCursor>
 #include <QDialog>
 #include <QDir>
-#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -158,7 +158,7 @@ void ATBFolder::OnImportModel()
         return;
     makeModelFolder();
     const QString file = ImportTarget(source);
-    QFile::copy(source, AppRoot() + file);
+    WholeFile::Copy(source, AppRoot() + file);
     auto* model = new ATBAlgoDepend(false);
     const QString name = QFileInfo(file).baseName();
     model->SetName(name);

@@ -15,6 +15,7 @@
 #include <QMenuBar>
 #include <QApplication>
 #include <QClipboard>
+#include <QDir>
 #include <QDockWidget>
 #include <QTabWidget>
 #include <QGraphicsItem>
@@ -187,6 +188,21 @@ TEST_F(ModelWindow, SaveWritesTheModelBackAndClearsTheFlag)
     ASSERT_TRUE(reread.LoadFile(path()));
     ASSERT_TRUE(reread.FindVar("{mid}"));
     EXPECT_EQ(reread.FindVar("{mid}")->GetDescription(), "Renamed");
+}
+
+TEST_F(ModelWindow, SaveOnAFullDiskKeepsTheOldFileWhole)
+{
+    const QByteArray before = TestSupport::ReadAll(path());
+    ModelControler window(path(), false);
+    window.GetDocument()->FindVar("{mid}")->SetDescription("Renamed");
+    window.SetModified(true);
+    {
+        const TestSupport::FileSizeLimit full(before.size() / 2);
+        Action(&window, "Save")->trigger();
+    }
+    EXPECT_FALSE(window.IsModified()); // saving stays silent, whatever it gave
+    EXPECT_EQ(TestSupport::ReadAll(path()), before);
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"m.apc"}); // no temporary left
 }
 
 TEST_F(ModelWindow, DeleteTakesTheSelectionAndItsArrowsAway)

@@ -1,10 +1,12 @@
 // mbrun for batch work, through the real binary on real rasters: folder inputs,
 // refusals that say why, the plan of a dry run, the report, resuming and stopping.
 #include "engine/APCAlgo.h"
+#include "engine/APCModelFile.h"
 #include "model/APCVar.h"
 #include "support/ModelFixtures.h"
 #include "support/TestSupport.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QDirIterator>
@@ -14,12 +16,15 @@
 #include <QJsonObject>
 #include <QMap>
 #include <QProcess>
+#include <QSysInfo>
 #include <QTemporaryDir>
 #include <gdal_priv.h>
 #include <ogr_spatialref.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <csignal>
+#include <cstring>
 #include <vector>
 
 using namespace Plugin;
@@ -401,4 +406,128 @@ TEST(MbrunBatch, AfterAFailureTheStepsStillRunningAreWaitedForAndAccountedFor)
     EXPECT_EQ(stepsWithStatus(r, "failed"), "0:raster.translate");
     EXPECT_EQ(stepsWithStatus(r, "succeeded"), "0:raster.warp");
     EXPECT_EQ(r["summary"]["unfinished"].toInt(), 0);
+}
+
+TEST(MbrunBatch, AReportOrStateThatCannotBeWrittenWholeIsAnErrorAndKeepsTheOldFile)
+{
+    SceneBatch batch;
+    QDir().mkpath(batch.out);
+    const QString state = QDir(batch.out).filePath(".mbrun-state.json");
+    struct Case { const char* name; QStringList args; QString file; QString inErr; };
+    const std::vector<Case> cases = {
+        {"the report", {"--report", batch.report}, batch.report, "mbrun: cannot write the report " + batch.report + ": "},
+        {"the state", {"--resume"}, state, "mbrun: cannot write the resume state " + state + ": "},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const QByteArray old = "{\"written\": \"by an earlier run\"}\n";
+        ASSERT_TRUE(WriteAll(c.file, old));
+        Outcome o;
+        {
+            // Room for the rasters and tables of the steps (634 and 80 bytes), not for the report or the state.
+            const FileSizeLimit full(1024);
+            o = Mbrun(batch.Args(c.args));
+        }
+        EXPECT_EQ(o.code, 1) << qPrintable(o.err);
+        EXPECT_TRUE(o.err.contains(c.inErr + strerror(EFBIG) + "\n")) << qPrintable(o.err);
+        EXPECT_TRUE(QFile::exists(batch.Table(3))); // the steps themselves ran
+        EXPECT_EQ(ReadAll(c.file), old);
+        EXPECT_EQ(QDir(QFileInfo(c.file).path()).entryList(QDir::Files | QDir::Hidden).filter(".json"),
+                  QStringList{QFileInfo(c.file).fileName()}); // no temporary left
+        QFile::remove(c.file);
+    }
+}
+
+TEST(MbrunBatch, ASecondResumeOnTheSameFolderSaysWhoHoldsItsState)
+{
+    QTemporaryDir dir;
+    makeRaster(dir.filePath("small.tif"), 400, 1);
+    const QString out = dir.filePath("out");
+    // A quick copy, then a reprojection to a much finer grid that takes seconds;
+    // and a model that only copies, into the same folder.
+    HeadlessModel m;
+    APCAlgo* copy = AddAlgo(m, "raster.translate");
+    SetConstant(VarOf(m, copy, "In File"), dir.filePath("small.tif"));
+    APCVar* copied = VarOf(m, copy, "Out File");
+    SetConstant(copied, QDir(out).filePath("copy.tif"));
+    ASSERT_TRUE(m.SaveFile(dir.filePath("quick.apc")));
+    APCAlgo* warp = AddAlgo(m, "raster.warp");
+    Connect(m, copied, warp, "In File");
+    SetConstant(VarOf(m, warp, "Target SRS"), "EPSG:32632");
+    SetConstant(VarOf(m, warp, "Out File"), QDir(out).filePath("fine.tif"));
+    SetLiteral(m, warp, "Resolution", "1");
+    SetLiteral(m, warp, "Resampling", "lanczos");
+    ASSERT_TRUE(m.SaveFile(dir.filePath("slow.apc")));
+
+    QProcess first;
+    first.start(MbrunPath(), {dir.filePath("slow.apc"), "--resume"});
+    QString out1;
+    ASSERT_TRUE(WaitUntil([&] {
+        first.waitForReadyRead(50);
+        out1 += QString::fromUtf8(first.readAllStandardOutput());
+        return out1.contains("Result of execution: Succeed") || first.state() == QProcess::NotRunning;
+    }, 60000));
+    ASSERT_EQ(first.state(), QProcess::Running) << "the slow step ended before a second run could start";
+
+    const QString state = QDir(out).filePath(".mbrun-state.json");
+    const Outcome second = Mbrun({dir.filePath("quick.apc"), "--resume"});
+    EXPECT_EQ(second.code, 2) << qPrintable(second.out + second.err);
+    EXPECT_TRUE(second.err.contains(QStringLiteral("mbrun: the resume state %1 is in use by another run: process %2 on %3\n")
+                                        .arg(state)
+                                        .arg(first.processId())
+                                        .arg(QSysInfo::machineHostName())))
+        << qPrintable(second.err);
+    EXPECT_FALSE(second.out.contains("Result of execution")); // it ran nothing
+
+    // A holder killed outright leaves its lock behind; the next run takes it over.
+    ::kill(pid_t(first.processId()), SIGKILL);
+    ASSERT_TRUE(first.waitForFinished(30000));
+    const Outcome third = Mbrun({dir.filePath("quick.apc"), "--resume"});
+    EXPECT_EQ(third.code, 0) << qPrintable(third.err);
+    EXPECT_EQ(QDir(out).entryList(QDir::Files | QDir::Hidden).filter(".mbrun"), QStringList{".mbrun-state.json"});
+}
+
+TEST(MbrunBatch, AnInterruptedStepReportsTheOutputsItLeftOnTheDisk)
+{
+    QTemporaryDir dir;
+    makeRaster(dir.filePath("small.tif"), 400, 1);
+    // A nested model: a quick copy to its output "Copy", then a slow reprojection of
+    // that to its output "Fine". The step running it publishes one output long
+    // before it ends.
+    HeadlessModel inner;
+    APCAlgo* copy = AddAlgo(inner, "raster.translate");
+    SetConstant(VarOf(inner, copy, "In File"), dir.filePath("small.tif"));
+    APCVar* copied = VarOf(inner, copy, "Out File");
+    copied->SetDescription("Copy");
+    APCAlgo* warp = AddAlgo(inner, "raster.warp");
+    Connect(inner, copied, warp, "In File");
+    SetConstant(VarOf(inner, warp, "Target SRS"), "EPSG:32632");
+    VarOf(inner, warp, "Out File")->SetDescription("Fine");
+    SetLiteral(inner, warp, "Resolution", "1");
+    SetLiteral(inner, warp, "Resampling", "lanczos");
+    ASSERT_TRUE(inner.SaveFile(dir.filePath("inner.apc")));
+    const QMap<QString, QString> outputs = {{"Copy", dir.filePath("copy.tif")}, {"Fine", dir.filePath("fine.tif")}};
+    HeadlessModel outer;
+    auto* step = new APCModelFile;
+    step->SetClass("model");
+    // Nested models are named from the application root, mbrun's as this program's.
+    step->SetProcessName(QDir(QCoreApplication::applicationDirPath() + "/..").relativeFilePath(dir.filePath("inner.apc")));
+    outer.AddProcess(step);
+    for (APCParameter& p : step->GetParameters())
+        if (APCVar* v = outer.FindVar(QString(p.value).remove('%')))
+            SetConstant(v, outputs.value(p.description));
+    ASSERT_TRUE(outer.SaveFile(dir.filePath("outer.apc")));
+
+    QProcess p;
+    p.start(MbrunPath(), {dir.filePath("outer.apc"), "--report", dir.filePath("report.json")});
+    ASSERT_TRUE(WaitUntil([&] { return QFile::exists(outputs["Copy"]) || p.state() == QProcess::NotRunning; }, 60000));
+    ASSERT_EQ(p.state(), QProcess::Running) << p.readAllStandardError().constData();
+    ASSERT_EQ(::kill(pid_t(p.processId()), SIGTERM), 0);
+    ASSERT_TRUE(p.waitForFinished(30000));
+    EXPECT_EQ(p.exitCode(), 143);
+    const QJsonObject r = readReport(dir.filePath("report.json"));
+    ASSERT_EQ(r["steps"].toArray().size(), 1);
+    EXPECT_EQ(r["steps"][0]["status"].toString(), "interrupted");
+    EXPECT_EQ(r["steps"][0]["outputs"].toArray(), QJsonArray({outputs["Copy"], outputs["Fine"]}));
+    EXPECT_EQ(r["steps"][0]["written"].toArray(), QJsonArray{outputs["Copy"]});
 }

@@ -6,6 +6,9 @@
 #include <QProcess>
 #include <QThread>
 
+#include <csignal>
+#include <sys/resource.h>
+
 namespace TestSupport {
 
 bool WaitUntil(const std::function<bool()>& done, int timeoutMs)
@@ -50,6 +53,25 @@ Outcome Mbrun(const QStringList& args)
     const bool normal = ended && p.exitStatus() == QProcess::NormalExit;
     return {normal ? p.exitCode() : -2, QString::fromUtf8(p.readAllStandardOutput()),
             QString::fromUtf8(p.readAllStandardError())};
+}
+
+FileSizeLimit::FileSizeLimit(qint64 bytes)
+{
+    m_handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    m_soft = limit.rlim_cur;
+    limit.rlim_cur = rlim_t(bytes);
+    setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+FileSizeLimit::~FileSizeLimit()
+{
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    limit.rlim_cur = rlim_t(m_soft);
+    setrlimit(RLIMIT_FSIZE, &limit);
+    std::signal(SIGXFSZ, m_handler);
 }
 
 } // namespace TestSupport

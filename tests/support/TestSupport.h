@@ -25,4 +25,20 @@ struct Outcome
 };
 Outcome Mbrun(const QStringList& args);
 
+// A full disk without root: while one is alive no file of this process, nor of a
+// program it starts meanwhile, grows past bytes; such a write fails (EFBIG)
+// instead of killing the process. Ended, the limit and the signal are as before.
+class FileSizeLimit
+{
+public:
+    explicit FileSizeLimit(qint64 bytes);
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+    ~FileSizeLimit();
+
+private:
+    unsigned long long m_soft = 0;
+    void (*m_handler)(int) = nullptr;
+};
+
 } // namespace TestSupport

@@ -153,6 +153,24 @@ TEST_F(ToolBoxPanel, ChangesReachTheFileInTreeOrderAtExit)
     EXPECT_LT(text.indexOf("First, edited"), text.indexOf("\"Second\""));
 }
 
+TEST_F(ToolBoxPanel, AChangedTreeOnAFullDiskKeepsTheOldFileWhole)
+{
+    {
+        Host host;
+        auto command = Open(host);
+        ToolBoxWidget* widget = static_cast<ToolBoxCommand*>(command.get())->GetToolBox();
+        ATBItem* first = ToolBoxWidget::ItemOf(widget->GetTree()->topLevelItem(0)->child(0)->child(0));
+        ASSERT_TRUE(first);
+        first->SetName("First, edited");
+        widget->UpdateItem(first);
+        ASSERT_TRUE(widget->IsModified());
+        const TestSupport::FileSizeLimit full(kToolBox.size() / 2);
+        command.reset(); // the host closing: the only time the file is written
+    }
+    EXPECT_EQ(ReadAll(atb()), kToolBox);
+    EXPECT_EQ(QDir(root.path() + "/Model/atb").entryList(QDir::Files | QDir::Hidden), QStringList{"ToolBox.atb"});
+}
+
 TEST_F(ToolBoxPanel, ADamagedFileGivesAnEmptyPanelAndIsNotOverwritten)
 {
     ASSERT_TRUE(WriteAll(atb(), "<Configuration><ToolBox>"));
