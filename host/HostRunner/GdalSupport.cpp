@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QJsonDocument>
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -881,15 +882,35 @@ void RegisterGdalAlgorithm(const Plugin::AlgoConfig& config, GdalRunFn run)
 int RemoveStaleStaging(const QString& path)
 {
     const QFileInfo output(path);
-    const QString prefix = kStagingPrefix + stagingKey(output.fileName()) + QLatin1Char('-');
-    const QDir folder = output.absoluteDir();
-    int removed = 0;
-    for (const QString& name : folder.entryList({prefix + QLatin1Char('*')}, QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot)) {
-        bool ok = false;
-        const qint64 pid = name.mid(prefix.size()).section(QLatin1Char('-'), 0, 0).toLongLong(&ok);
-        if (ok && processIsGone(pid) && QDir(folder.filePath(name)).removeRecursively())
-            ++removed;
+    const QString folder = output.absolutePath();
+    const QString key = stagingKey(output.fileName());
+    // A folder is read once per process: a batch prepares thousands of outputs in one
+    // folder, and what gone processes left there does not grow meanwhile.
+    static std::mutex mutex;
+    static QHash<QString, QMultiHash<QString, QString>> staleByFolder; // folder -> key -> staging folder
+    QStringList stale;
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        auto it = staleByFolder.find(folder);
+        if (it == staleByFolder.end()) {
+            QMultiHash<QString, QString> found;
+            const QDir dir(folder);
+            for (const QString& name : dir.entryList({kStagingPrefix + QLatin1Char('*')}, QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot)) {
+                // .mb-writing-KEY-PID-XXXXXX
+                const QStringList parts = name.mid(kStagingPrefix.size()).split(QLatin1Char('-'));
+                bool ok = false;
+                const qint64 pid = parts.size() == 3 ? parts[1].toLongLong(&ok) : 0;
+                if (ok && processIsGone(pid))
+                    found.insert(parts[0], dir.filePath(name));
+            }
+            it = staleByFolder.insert(folder, found);
+        }
+        stale = it->values(key);
+        it->remove(key);
     }
+    int removed = 0;
+    for (const QString& staging : stale)
+        removed += QDir(staging).removeRecursively() ? 1 : 0;
     return removed;
 }
 
