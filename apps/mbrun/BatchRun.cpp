@@ -10,8 +10,12 @@
 #include "ResumeState.h"
 #include "RunRecorder.h"
 #include "StallWatch.h"
+#include "StepFiles.h"
+#include "StepGraph.h"
 #include "StopSignals.h"
 #include "StreamingLog.h"
+
+#include "HostRunner/OutputPaths.h"
 
 #include "engine/APCExecuteFactory.h"
 #include "engine/ModelRun.h"
@@ -103,7 +107,24 @@ int BatchRun::Exec()
 QString BatchRun::PrepareUnstarted(Plugin::SequenceControl& control, Plugin::APCModel& model, const FreeInputs& inputs)
 {
     Plugin::ModelRun::Prepare(control, model, inputs.List(), ModelName());
-    return control.GetBuildError();
+    if (!control.GetBuildError().isEmpty())
+        return control.GetBuildError();
+    // Steps that wait for each other would never start: the run would only stall.
+    const QList<Plugin::SequenceNode*> cycle = StepGraph::Cycle(control.GetNodes());
+    if (cycle.isEmpty())
+        return QString();
+    QStringList descriptions;
+    for (Plugin::SequenceNode* node : cycle)
+        descriptions << node->GetProcess()->GetDescription();
+    // Steps of one algorithm often keep its name: then their ids tell them apart.
+    const bool same = descriptions.removeDuplicates() > 0;
+    QStringList names;
+    for (Plugin::SequenceNode* node : cycle)
+        names << QLatin1Char('"') + node->GetProcess()->GetDescription() + QLatin1Char('"') +
+                     (same ? QStringLiteral(" (%1)").arg(node->GetProcess()->GetName()) : QString());
+    names << names.first();
+    return QStringLiteral("the steps %1 wait for each other in a cycle, so none of them can start")
+        .arg(names.join(QStringLiteral(" -> ")));
 }
 
 int BatchRun::Plan(Plugin::APCModel& model, const FreeInputs& inputs)
@@ -133,8 +154,9 @@ QStringList BatchRun::FileConflictsOf(Plugin::APCModel& model, const FreeInputs&
     // Every round is planned, as a dry run would: the names of a round's files
     // are known only once its iterator hands them out.
     Plugin::SequenceControl control;
-    if (!PrepareUnstarted(control, model, inputs).isEmpty())
-        return {}; // the run itself refuses it, saying why
+    const QString buildError = PrepareUnstarted(control, model, inputs);
+    if (!buildError.isEmpty())
+        return {QStringLiteral("mbrun: the model cannot run: %1\n").arg(buildError)};
     PlanPrinter plan(control, nullptr);
     plan.Walk();
     return plan.Conflicts().Problems();
@@ -227,6 +249,11 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
             }
             if (!upToDate)
                 return false;
+            // What a killed run left while writing these outputs: running the step
+            // again would have removed it.
+            const StepFiles files(clone);
+            for (const QString& output : files.Outputs())
+                HostRunner::RemoveStaleStaging(output);
             recorder.MarkSkipped(clone);
             return true;
         });
@@ -238,7 +265,9 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
     if (!run.Start(inputs.List(), ModelName()))
         return Refuse({QStringLiteral("mbrun: the model cannot run: %1\n").arg(control.GetBuildError())});
     run.Wait();
-    if (!m_signal)
+    if (m_signal)
+        HostRunner::DiscardUnfinishedOutputs(); // the process ends before the steps still writing
+    else
         WaitForLateSteps(recorder);
     if (terminal)
         Console::Err(QStringLiteral("\n"));

@@ -41,9 +41,11 @@ private:
     // Runs the model, or prints its plan for a dry run.
     int Run(Plugin::APCModel& model, const FreeInputs& inputs);
     int Plan(Plugin::APCModel& model, const FreeInputs& inputs);
-    // Resets, resolves and builds as a run would, without starting; the build error.
+    // Resets, resolves and builds as a run would, without starting; the build error,
+    // or the cycle of steps that wait for each other.
     QString PrepareUnstarted(Plugin::SequenceControl& control, Plugin::APCModel& model, const FreeInputs& inputs);
-    // Files that steps of one round touch with no arrow ordering them.
+    // Why the steps cannot start: a cycle, or files that steps of one round touch
+    // with no arrow ordering them.
     QStringList FileConflictsOf(Plugin::APCModel& model, const FreeInputs& inputs);
     // Lets the steps still running when the run ended report, unless a signal
     // comes first.

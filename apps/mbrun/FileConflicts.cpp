@@ -6,6 +6,8 @@
 #include "engine/SequenceNode.h"
 #include "model/APCProcess.h"
 
+#include "HostRunner/OutputPaths.h"
+
 #include <QFileInfo>
 
 namespace Mbrun {
@@ -13,7 +15,7 @@ namespace Mbrun {
 void FileConflicts::Add(Plugin::SequenceNode* node, int round, const StepFiles& files)
 {
     auto note = [&](const QString& path, bool writes) {
-        const QString file = QFileInfo(path).absoluteFilePath();
+        const QString file = SystemPath(path);
         QList<Use>& uses = m_uses[file];
         if (uses.isEmpty())
             m_files.append(file);
@@ -32,6 +34,23 @@ void FileConflicts::Add(Plugin::SequenceNode* node, int round, const StepFiles& 
         note(out, true);
     for (const QString& in : files.Inputs())
         note(in, false);
+}
+
+QString FileConflicts::SystemPath(const QString& path)
+{
+    // As the system reaches the file, so that two spellings of it (through a link,
+    // through "..") meet. A batch names thousands of files in a few folders: each
+    // folder is resolved once, the name alone when it is a link.
+    const QFileInfo info(path);
+    const QString name = info.fileName();
+    if (name.isEmpty() || name == QLatin1String("..") || name == QLatin1String("."))
+        return HostRunner::SystemPath(path);
+    const QString folder = info.path();
+    auto it = m_folders.constFind(folder);
+    if (it == m_folders.constEnd())
+        it = m_folders.insert(folder, HostRunner::SystemPath(folder));
+    const QString file = it.value() + QLatin1Char('/') + name;
+    return QFileInfo(file).isSymLink() ? HostRunner::SystemPath(file) : file;
 }
 
 int FileConflicts::SharedRound(const Use& a, const Use& b)

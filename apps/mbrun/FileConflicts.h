@@ -34,6 +34,8 @@ private:
         bool writes = false;
         QSet<int> rounds;
     };
+    // The file at path as the system resolves it.
+    QString SystemPath(const QString& path);
     // Whether one of the two steps waits, through arrows, for the other.
     bool Ordered(Plugin::SequenceNode* a, Plugin::SequenceNode* b) const;
     // The first round in which both use the file, 0 outside any round, -1 for none.
@@ -43,6 +45,7 @@ private:
     QHash<QString, QList<Use>> m_uses; // absolute path -> who uses it
     QStringList m_files;               // the paths in the order first used
     mutable QHash<Plugin::SequenceNode*, QSet<Plugin::SequenceNode*>> m_behind;
+    QHash<QString, QString> m_folders; // as written -> as the system resolves it
 };
 
 } // namespace Mbrun

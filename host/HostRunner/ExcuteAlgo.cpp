@@ -7,6 +7,7 @@
 #include <QJsonObject>
 #include <QString>
 
+#include <algorithm>
 #include <cstring>
 #include <exception>
 
@@ -14,16 +15,28 @@ namespace HostRunner {
 
 namespace {
 
+// The whole message of the last run on this thread; the record holds what fits.
+thread_local QByteArray t_wholeMessage;
+
 void writeError(RunRecord* record, int code, const QString& message)
 {
     record->errorCode = code;
-    const QByteArray bytes = message.toUtf8();
-    const size_t n = std::min<size_t>(size_t(bytes.size()), sizeof(record->errorMessage) - 1);
+    t_wholeMessage = message.toUtf8();
+    const QByteArray& bytes = t_wholeMessage;
+    size_t n = std::min<size_t>(size_t(bytes.size()), sizeof(record->errorMessage) - 1);
+    // A cut record ends on a whole character.
+    while (n < size_t(bytes.size()) && n > 0 && (uchar(bytes[int(n)]) & 0xC0) == 0x80)
+        --n;
     std::memcpy(record->errorMessage, bytes.constData(), n);
     record->errorMessage[n] = '\0';
 }
 
 } // namespace
+
+const char* ExcuteAlgoMessage()
+{
+    return t_wholeMessage.constData();
+}
 
 int ExcuteAlgo(const char* name, const char* parameters, RunRecord* record)
 {

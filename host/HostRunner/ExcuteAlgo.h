@@ -10,6 +10,11 @@ namespace HostRunner {
 // success, 0 on failure. Never throws.
 int ExcuteAlgo(const char* name, const char* parameters, RunRecord* record);
 
+// The whole error message (UTF-8, zero-terminated) of the last ExcuteAlgo on the
+// calling thread, of which the record holds only the first 259 bytes; "" after a
+// success. Valid until the next ExcuteAlgo on this thread.
+const char* ExcuteAlgoMessage();
+
 // Makes sure the built-in algorithms are in the registry (they also register
 // themselves on the registry's first lookup). Idempotent and thread-safe.
 void RegisterBuiltinAlgorithms();

@@ -2,11 +2,14 @@
 
 #include "HostCatalog/AlgoRunContext.h"
 #include "HostCatalog/AlgorithmRegistry.h"
+#include "HostRunner/OutputPaths.h"
 #include "HostRunner/SpatialReference.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QJsonDocument>
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -20,6 +23,9 @@
 #include <cstdio>
 #include <iterator>
 #include <mutex>
+#include <set>
+#include <signal.h>
+#include <unistd.h>
 
 namespace HostRunner {
 
@@ -104,9 +110,41 @@ bool isVirtualPath(const QString& path)
 // The path as the file system knows it, so that two spellings of one file compare equal.
 QString canonical(const QString& path)
 {
-    const QFileInfo fi(path);
-    const QString c = fi.canonicalFilePath();
-    return c.isEmpty() ? fi.absoluteFilePath() : c;
+    return SystemPath(path);
+}
+
+QString formatNumber(double value)
+{
+    return QString::number(value, 'g', 12);
+}
+
+// An output is written into a hidden folder beside it, named by a short hash of the
+// output's name and the writing process: short, so that a name of 255 bytes still
+// fits, and telling whose it is, so that one a killed run left can be found again.
+const QLatin1String kStagingPrefix(".mb-writing-");
+
+QString stagingKey(const QString& fileName)
+{
+    return QString::fromLatin1(QCryptographicHash::hash(fileName.toUtf8(), QCryptographicHash::Sha1).toHex().left(8));
+}
+
+// The staging folders of this process, so that a signal can take them away.
+struct LiveStaging
+{
+    std::mutex mutex;
+    std::set<QString> folders;
+    bool discarded = false;
+};
+
+LiveStaging& liveStaging()
+{
+    static LiveStaging live;
+    return live;
+}
+
+bool processIsGone(qint64 pid)
+{
+    return pid > 0 && pid != qint64(::getpid()) && ::kill(pid_t(pid), 0) != 0 && errno == ESRCH;
 }
 
 // What stands at path, when a new output of driver (empty: a table) may replace it:
@@ -296,19 +334,30 @@ void CPL_STDCALL GdalErrorCapture::Handler(CPLErr level, CPLErrorNum, const char
 // ---------------------------------------------------------------------------------
 // OutputFile
 
-OutputFile::OutputFile(const QString& path, const QString& driver, std::unique_ptr<QTemporaryDir> staging)
-    : m_path(path), m_driver(driver), m_staging(std::move(staging))
+OutputFile::OutputFile(const QString& path, const QString& target, const QString& driver,
+                       std::unique_ptr<QTemporaryDir> staging)
+    : m_path(path), m_target(target), m_driver(driver), m_staging(std::move(staging))
 {
-    m_writePath = QDir(m_staging->path()).filePath(QFileInfo(path).fileName());
+    m_writePath = QDir(m_staging->path()).filePath(QFileInfo(target).fileName());
+    LiveStaging& live = liveStaging();
+    const std::lock_guard<std::mutex> lock(live.mutex);
+    live.folders.insert(m_staging->path());
 }
 
-OutputFile::~OutputFile() = default;
+OutputFile::~OutputFile()
+{
+    if (!m_staging)
+        return;
+    LiveStaging& live = liveStaging();
+    const std::lock_guard<std::mutex> lock(live.mutex);
+    live.folders.erase(m_staging->path());
+}
 
 bool OutputFile::Commit(QString* error)
 {
     if (!m_staging)
         return true; // already in place
-    const QFileInfo target(m_path);
+    const QFileInfo target(m_target);
     const QString mainName = target.fileName();
     QStringList written = QDir(m_staging->path()).entryList(QDir::Files | QDir::Hidden | QDir::System);
     if (!written.removeOne(mainName)) {
@@ -324,6 +373,12 @@ bool OutputFile::Commit(QString* error)
         return false;
     }
     const QDir folder = target.absoluteDir();
+    LiveStaging& live = liveStaging();
+    std::unique_lock<std::mutex> lock(live.mutex);
+    if (live.discarded) {
+        *error = QStringLiteral("Cannot write %1: the run was stopped").arg(m_path);
+        return false;
+    }
     for (const QString& name : qAsConst(written)) {
         const QString to = folder.absoluteFilePath(name);
         if (!moveInto(QDir(m_staging->path()).filePath(name), to)) {
@@ -332,6 +387,8 @@ bool OutputFile::Commit(QString* error)
         }
         oldFiles.removeAll(to);
     }
+    live.folders.erase(m_staging->path());
+    lock.unlock();
     for (const QString& stale : qAsConst(oldFiles))
         QFile::remove(stale); // an old sidecar the new output has not, such as an .aux.xml
     m_staging.reset();
@@ -516,6 +573,43 @@ GDALDatasetUniquePtr GdalJob::OpenVector(const QString& path)
     return ds;
 }
 
+bool GdalJob::Overlaps(GDALDataset& raster, const QString& path, const QString& what, const double box[4],
+                       double overlap[4])
+{
+    double extent[4];
+    double inside[4] = {box[0], box[1], box[2], box[3]};
+    if (RasterExtent(raster, extent)) {
+        inside[0] = std::max(box[0], extent[0]);
+        inside[1] = std::max(box[1], extent[1]);
+        inside[2] = std::min(box[2], extent[2]);
+        inside[3] = std::min(box[3], extent[3]);
+        if (inside[0] >= inside[2] || inside[1] >= inside[3])
+            return Fail(kBadParameter, QStringLiteral("%1 %2,%3,%4,%5 does not overlap %6")
+                                           .arg(what, formatNumber(box[0]), formatNumber(box[1]), formatNumber(box[2]),
+                                                formatNumber(box[3]), path)
+                                       + QStringLiteral(" (%1,%2,%3,%4)")
+                                             .arg(formatNumber(extent[0]), formatNumber(extent[1]),
+                                                  formatNumber(extent[2]), formatNumber(extent[3])));
+    }
+    if (overlap)
+        std::copy(inside, inside + 4, overlap);
+    return true;
+}
+
+bool RasterExtent(GDALDataset& ds, double box[4])
+{
+    double gt[6];
+    if (ds.GetGeoTransform(gt) != CE_None || gt[2] != 0.0 || gt[4] != 0.0)
+        return false;
+    const double x0 = gt[0], x1 = gt[0] + gt[1] * ds.GetRasterXSize();
+    const double y0 = gt[3], y1 = gt[3] + gt[5] * ds.GetRasterYSize();
+    box[0] = std::min(x0, x1);
+    box[1] = std::min(y0, y1);
+    box[2] = std::max(x0, x1);
+    box[3] = std::max(y0, y1);
+    return true;
+}
+
 bool GdalJob::CheckBand(GDALDataset& raster, const QString& name, int band)
 {
     if (band >= 1 && band <= raster.GetRasterCount())
@@ -567,39 +661,46 @@ const OutputFile* GdalJob::PrepareOutput(const QString& name, OutputKind kind)
         Fail(kBadParameter, QStringLiteral("Cannot write %1: outputs are files on disk").arg(text));
         return nullptr;
     }
-    const QFileInfo file(text);
-    const QString folder = file.absolutePath();
+    // The folder as written: the system resolves its ".." after any link, as it
+    // does for every program that reads the output later.
+    const int slash = text.lastIndexOf(QLatin1Char('/'));
+    const QString folder = slash < 0 ? QStringLiteral(".") : slash == 0 ? QStringLiteral("/") : text.left(slash);
     const QFileInfo folderInfo(folder);
     if (folderInfo.exists() && !folderInfo.isDir()) {
         Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: %2 is not a folder").arg(text, folder));
         return nullptr;
     }
-    if (!folderInfo.exists() && !QDir().mkpath(folder)) {
-        Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: cannot create folder %2").arg(text, folder));
+    if (!folderInfo.exists() && !MakeFolders(folder, &error)) {
+        Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: cannot create folder %2: %3").arg(text, folder, error));
         return nullptr;
     }
-    if (!QFileInfo(folder).isWritable()) {
+    const QString resolvedFolder = SystemPath(folder);
+    if (!QFileInfo(resolvedFolder).isWritable()) {
         Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: folder %2 is not writable").arg(text, folder));
         return nullptr;
     }
-    if (IsInput(text)) {
+    const QString fileName = text.mid(slash + 1);
+    const QString target = QDir::cleanPath(resolvedFolder + QLatin1Char('/') + fileName);
+    if (IsInput(target)) {
         Fail(kBadParameter, QStringLiteral("%1 %2 is also an input; choose another output").arg(name, text));
         return nullptr;
     }
     QStringList existing;
-    if (!replaceableOutput(file.absoluteFilePath(), driver, &existing, &error)) {
+    if (!replaceableOutput(target, driver, &existing, &error)) {
         Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: %2").arg(text, error));
         return nullptr;
     }
+    RemoveStaleStaging(target);
     // Beside the output, so that moving it into place is a rename on one file system.
-    auto staging = std::make_unique<QTemporaryDir>(
-        QDir(folder).filePath(QStringLiteral(".%1.partial-XXXXXX").arg(file.fileName())));
+    auto staging = std::make_unique<QTemporaryDir>(QStringLiteral("%1/%2%3-%4-XXXXXX")
+                                                       .arg(resolvedFolder, kStagingPrefix, stagingKey(fileName))
+                                                       .arg(qint64(::getpid())));
     if (!staging->isValid()) {
         Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: cannot create a file in folder %2: %3")
                                      .arg(text, folder, staging->errorString()));
         return nullptr;
     }
-    m_outputs.push_back(std::make_unique<OutputFile>(text, driver, std::move(staging)));
+    m_outputs.push_back(std::make_unique<OutputFile>(text, target, driver, std::move(staging)));
     return m_outputs.back().get();
 }
 
@@ -776,6 +877,50 @@ void RegisterGdalAlgorithm(const Plugin::AlgoConfig& config, GdalRunFn run)
                 job.Progress(100.0, QStringLiteral("Done"));
             return true;
         });
+}
+
+int RemoveStaleStaging(const QString& path)
+{
+    const QFileInfo output(path);
+    const QString folder = output.absolutePath();
+    const QString key = stagingKey(output.fileName());
+    // A folder is read once per process: a batch prepares thousands of outputs in one
+    // folder, and what gone processes left there does not grow meanwhile.
+    static std::mutex mutex;
+    static QHash<QString, QMultiHash<QString, QString>> staleByFolder; // folder -> key -> staging folder
+    QStringList stale;
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        auto it = staleByFolder.find(folder);
+        if (it == staleByFolder.end()) {
+            QMultiHash<QString, QString> found;
+            const QDir dir(folder);
+            for (const QString& name : dir.entryList({kStagingPrefix + QLatin1Char('*')}, QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot)) {
+                // .mb-writing-KEY-PID-XXXXXX
+                const QStringList parts = name.mid(kStagingPrefix.size()).split(QLatin1Char('-'));
+                bool ok = false;
+                const qint64 pid = parts.size() == 3 ? parts[1].toLongLong(&ok) : 0;
+                if (ok && processIsGone(pid))
+                    found.insert(parts[0], dir.filePath(name));
+            }
+            it = staleByFolder.insert(folder, found);
+        }
+        stale = it->values(key);
+        it->remove(key);
+    }
+    int removed = 0;
+    for (const QString& staging : stale)
+        removed += QDir(staging).removeRecursively() ? 1 : 0;
+    return removed;
+}
+
+void DiscardUnfinishedOutputs()
+{
+    LiveStaging& live = liveStaging();
+    const std::lock_guard<std::mutex> lock(live.mutex);
+    live.discarded = true;
+    for (const QString& folder : live.folders)
+        QDir(folder).removeRecursively();
 }
 
 Plugin::AlgoConfig MakeAlgoConfig(const char* category, const char* name, const char* displayText, const char* help,

@@ -106,8 +106,9 @@ class GdalJob;
 class OutputFile
 {
 public:
+    // path is the output as given, target the same file as the system resolves it;
     // staging is the hidden folder, which the output owns.
-    OutputFile(const QString& path, const QString& driver, std::unique_ptr<QTemporaryDir> staging);
+    OutputFile(const QString& path, const QString& target, const QString& driver, std::unique_ptr<QTemporaryDir> staging);
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
@@ -125,6 +126,7 @@ public:
 
 private:
     QString m_path;
+    QString m_target; // where it is published
     QString m_driver;
     QString m_writePath;
     std::unique_ptr<QTemporaryDir> m_staging; // removed with its content
@@ -178,6 +180,13 @@ public:
     // Opens an input read-only; remembers its path so no output can overwrite it.
     GDALDatasetUniquePtr OpenRaster(const QString& path);
     GDALDatasetUniquePtr OpenVector(const QString& path);
+    // Fails unless box (xmin, ymin, xmax, ymax in raster's coordinates) overlaps the
+    // raster at path, as every algorithm whose output extent comes from a parameter or
+    // another layer must: else GDAL writes the whole box as no-data. what names the box
+    // ("The extent"). overlap, when given, gets the part inside. A raster without a
+    // north-up extent passes, and GDAL decides.
+    bool Overlaps(GDALDataset& raster, const QString& path, const QString& what, const double box[4],
+                  double overlap[4] = nullptr);
     // Fails unless band (taken from parameter name) exists in raster.
     bool CheckBand(GDALDataset& raster, const QString& name, int band);
     // The layer named by parameter layerName, or the first one. Owned by dataset.
@@ -246,6 +255,10 @@ private:
     QString m_driver;
     bool m_staged = false;
 };
+
+// The north-up extent of a raster as xmin, ymin, xmax, ymax; false for an
+// unreferenced or rotated grid.
+bool RasterExtent(GDALDataset& raster, double box[4]);
 
 // Creates the vector dataset of an output from GdalJob::PrepareOutput, in the format
 // of its extension; null (and the job failed) when the format cannot be created.

@@ -9,6 +9,7 @@
 #include <ogr_spatialref.h>
 #include <ogrsf_frmts.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -69,28 +70,27 @@ QByteArray encoded(const QString& path)
     return QFile::encodeName(path);
 }
 
-QString formatNumber(double value)
-{
-    return QString::number(value, 'g', 12);
-}
-
 QString fileName(const QString& path)
 {
     return QFileInfo(path).fileName();
 }
 
-// The raster's bounding box xmin, ymin, xmax, ymax; false for an unreferenced or rotated grid.
-bool rasterExtent(GDALDataset& ds, double box[4])
+// box (xmin, ymin, xmax, ymax in layer's coordinates) in raster's; false when it
+// cannot be transformed, and box is then unchanged.
+bool inRasterCoordinates(OGRLayer& layer, GDALDataset& raster, double box[4])
 {
-    double gt[6];
-    if (ds.GetGeoTransform(gt) != CE_None || gt[2] != 0.0 || gt[4] != 0.0)
+    const OGRSpatialReference* from = layer.GetSpatialRef();
+    const OGRSpatialReference* to = raster.GetSpatialRef();
+    if (!from || !to || from->IsSame(to))
+        return true;
+    OGRSpatialReference source(*from), target(*to);
+    source.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
+    target.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
+    std::unique_ptr<OGRCoordinateTransformation> transform(OGRCreateCoordinateTransformation(&source, &target));
+    double out[4];
+    if (!transform || !transform->TransformBounds(box[0], box[1], box[2], box[3], &out[0], &out[1], &out[2], &out[3], 21))
         return false;
-    const double x0 = gt[0], x1 = gt[0] + gt[1] * ds.GetRasterXSize();
-    const double y0 = gt[3], y1 = gt[3] + gt[5] * ds.GetRasterYSize();
-    box[0] = std::min(x0, x1);
-    box[1] = std::min(y0, y1);
-    box[2] = std::max(x0, x1);
-    box[3] = std::max(y0, y1);
+    std::copy(out, out + 4, box);
     return true;
 }
 
@@ -167,6 +167,8 @@ bool runTranslate(GdalJob& job)
             return false;
         if (e[0] >= e[2] || e[1] >= e[3])
             return job.Fail(kBadParameter, QStringLiteral("Extent must be xmin,ymin,xmax,ymax with min below max"));
+        if (!job.Overlaps(*src, in, QStringLiteral("The extent"), e.data()))
+            return false;
         args << "-projwin" << e[0] << e[3] << e[2] << e[1];
     }
     if (job.Has(QStringLiteral("Data Type"))) {
@@ -219,18 +221,16 @@ bool runClipExtent(GdalJob& job)
         return false;
     if (xmin >= xmax || ymin >= ymax)
         return job.Fail(kBadParameter, QStringLiteral("X Min and Y Min must be below X Max and Y Max"));
-    double box[4];
-    if (!rasterExtent(*src, box))
+    double extent[4];
+    if (!RasterExtent(*src, extent))
         return job.Fail(kCannotOpenInput, QStringLiteral("%1 is not a north-up georeferenced raster").arg(in));
     // Clip to the overlap only: a window past the edge would pad the output with zeros.
-    const double cx0 = std::max(xmin, box[0]), cy0 = std::max(ymin, box[1]);
-    const double cx1 = std::min(xmax, box[2]), cy1 = std::min(ymax, box[3]);
-    if (cx0 >= cx1 || cy0 >= cy1)
-        return job.Fail(kBadParameter, QStringLiteral("The extent %1,%2,%3,%4 does not overlap %5 (%6,%7,%8,%9)")
-                                            .arg(formatNumber(xmin), formatNumber(ymin), formatNumber(xmax), formatNumber(ymax), in,
-                                                 formatNumber(box[0]), formatNumber(box[1]), formatNumber(box[2]), formatNumber(box[3])));
+    const double box[4] = {xmin, ymin, xmax, ymax};
+    double c[4];
+    if (!job.Overlaps(*src, in, QStringLiteral("The extent"), box, c))
+        return false;
     ToolArgs args;
-    args << "-projwin" << cx0 << cy1 << cx1 << cy0;
+    args << "-projwin" << c[0] << c[3] << c[2] << c[1];
     return translateInto(job, *src, std::move(args), QStringLiteral("Clipping %1").arg(fileName(in)));
 }
 
@@ -254,6 +254,14 @@ bool runClipByPolygon(GdalJob& job)
                                                 QString::fromUtf8(OGRGeometryTypeToName(type))));
     if (layer->GetFeatureCount() == 0)
         return job.Fail(kBadParameter, QStringLiteral("Layer %1 of %2 holds no polygons").arg(QString::fromUtf8(layer->GetName()), maskPath));
+    // The output covers the polygons' extent: one far from the raster would be all no-data.
+    OGREnvelope envelope;
+    if (layer->GetExtent(&envelope, TRUE) == OGRERR_NONE) {
+        double box[4] = {envelope.MinX, envelope.MinY, envelope.MaxX, envelope.MaxY};
+        if (inRasterCoordinates(*layer, *src, box)
+            && !job.Overlaps(*src, in, QStringLiteral("The extent of layer %1 of %2").arg(QString::fromUtf8(layer->GetName()), maskPath), box))
+            return false;
+    }
 
     double noData = 0.0;
     if (job.Has(QStringLiteral("NoData"))) {

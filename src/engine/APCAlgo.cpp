@@ -141,7 +141,11 @@ bool APCAlgo::Execute()
     const int result = HostRunner::ExcuteAlgo(name.constData(), parameters.constData(), m_record.get());
     const int code = m_record->errorCode;
     m_record->errorMessage[sizeof(m_record->errorMessage) - 1] = '\0';
-    SetError(code, QString(m_record->errorMessage));
+    // The record has room for 259 bytes: the runner keeps the whole text beside it,
+    // and GDAL's reason often stands at its end.
+    const QByteArray recorded(m_record->errorMessage);
+    const QByteArray whole(HostRunner::ExcuteAlgoMessage());
+    SetError(code, QString(whole.startsWith(recorded) ? whole : recorded));
     SetSucceeded(code == 0);
     return (result & 0xff) != 0;
 }

@@ -34,6 +34,22 @@ QJsonObject parseObject(const QString& text, bool* ok)
     return doc.object();
 }
 
+// The hidden files of path (and of the subfolders FindFiles reads, when recursive)
+// that filter matches: never iterated, but a batch should know they were there.
+QStringList findHiddenFiles(const QString& path, const QString& filter, bool recursive)
+{
+    QStringList result;
+    const QDir dir(path);
+    const QStringList patterns = filter.split(QLatin1Char(';'), Qt::KeepEmptyParts, Qt::CaseSensitive);
+    for (const QFileInfo& info : dir.entryInfoList(patterns, QDir::Files | QDir::Hidden | QDir::NoSymLinks))
+        if (info.isHidden())
+            result.append(info.absoluteFilePath());
+    if (recursive)
+        for (const QFileInfo& sub : dir.entryInfoList(QDir::AllDirs | QDir::NoDot | QDir::NoDotDot))
+            result += findHiddenFiles(sub.absoluteFilePath(), filter, recursive);
+    return result;
+}
+
 } // namespace
 
 APCFileIterator::APCFileIterator()
@@ -321,6 +337,12 @@ bool APCFileIterator::BuildRounds()
                 if (!used.contains(f)) {
                     used.insert(f); // a file two filters match is named once
                     m_unused.append(f);
+                }
+        for (const Filter& f : filters)
+            for (const QString& hidden : findHiddenFiles(d.path, f.second, d.subdir))
+                if (!used.contains(hidden)) {
+                    used.insert(hidden);
+                    m_unused.append(hidden);
                 }
     }
     return true;

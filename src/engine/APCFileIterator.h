@@ -30,7 +30,8 @@ public:
     // The rounds left (output name -> file path).
     QList<QMap<QString, QString>> GetRounds() const { return m_rounds; }
     // The files the last scan found for an output that no round holds, in scan
-    // order; each scan's are handed over once, so a rescan's come anew.
+    // order, then the hidden files a filter matches, which no round takes; each
+    // scan's are handed over once, so a rescan's come anew.
     QStringList TakeUnusedFiles();
     // The enabled directories the scan reads, in its order, as "strDir" now gives
     // them (through its var when it is a reference); they need not exist.

@@ -110,6 +110,8 @@ TEST(FileIterator, PairsFilesThroughTheirWildcardsAndNamesThoseLeftOut)
         {"subdirectories only when asked", {"top.tif", "sub/deep.tif"}, R"({"Out File":"*.tif"})", "0", {"Out File=top.tif"}, {}},
         {"subdirectories after the folder's own files", {"top.tif", "sub/deep.tif"}, R"({"Out File":"*.tif"})", "1",
          {"Out File=top.tif", "Out File=deep.tif"}, {}},
+        {"hidden files are left out, not iterated", {"a.tif", ".b.tif", ".c.txt", "sub/.d.tif"}, R"({"Out File":"*.tif"})", "1",
+         {"Out File=a.tif"}, {".b.tif", ".d.tif"}},
     };
     int index = 0;
     for (const Case& c : cases) {

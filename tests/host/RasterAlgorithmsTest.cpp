@@ -330,6 +330,11 @@ TEST_F(RasterAlgorithms, BadInputGivesCodeAndMessageAndNoOutput)
     const QString text = Path("notes.txt");
     TestSupport::WriteAll(text, "not a raster");
     const QString out = Path("out.tif");
+    // Masks beside the raster, in its spatial reference and in degrees.
+    const QString farMask = Path("far.shp");
+    ASSERT_TRUE(WriteVector(farMask, 32633, {}, {{Box(500100, 3999800, 500140, 3999840), {}}}));
+    const QString farInDegrees = Path("far.geojson");
+    ASSERT_TRUE(WriteVector(farInDegrees, 4326, {}, {{Box(1, 1, 2, 2), {}}}));
     const std::vector<BadInputCase> cases = {
         {"missing file", "raster.hillshade", {{"In File", Path("none.tif")}}, 21, {"Cannot open raster", Path("none.tif")}},
         {"not a raster", "raster.slope", {{"In File", text}}, 21, {"Cannot open raster", text}},
@@ -342,6 +347,9 @@ TEST_F(RasterAlgorithms, BadInputGivesCodeAndMessageAndNoOutput)
         {"no projection to warp from", "raster.warp", {{"In File", unreferenced}, {"Target SRS", "EPSG:4326"}}, 21, {unreferenced, "no spatial reference"}},
         {"unknown resampling", "raster.warp", {{"In File", in}, {"Target SRS", "EPSG:4326"}, {"Resampling", "best"}}, 20, {"Resampling", "best"}},
         {"extent outside", "raster.clipExtent", {{"In File", in}, {"X Min", "0"}, {"Y Min", "0"}, {"X Max", "1"}, {"Y Max", "1"}}, 20, {"does not overlap"}},
+        {"mask beside the raster", "raster.clipByPolygon", {{"In File", in}, {"Mask File", farMask}}, 20, {"does not overlap", farMask}},
+        {"mask far away in degrees", "raster.clipByPolygon", {{"In File", in}, {"Mask File", farInDegrees}}, 20, {"does not overlap"}},
+        {"window outside", "raster.translate", {{"In File", in}, {"Extent", "0,0,1,1"}}, 20, {"does not overlap"}},
         {"extent upside down", "raster.clipExtent", {{"In File", in}, {"X Min", "2"}, {"Y Min", "0"}, {"X Max", "1"}, {"Y Max", "1"}}, 20, {"X Max"}},
         {"mosaic with a missing tile", "raster.mosaic", {{"In Files", in + ";" + Path("gone.tif")}}, 21, {Path("gone.tif")}},
         {"mosaic of unlike bands", "raster.mosaic", {{"In Files", in + ";" + other}}, 20, {other, "2 band(s)"}},

@@ -16,6 +16,7 @@
 #include <QJsonObject>
 #include <QMap>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QSysInfo>
 #include <QTemporaryDir>
 #include <gdal_priv.h>
@@ -68,6 +69,45 @@ QMap<QString, qint64> snapshot(const QString& dir)
         files.insert(it.filePath(), it.fileInfo().lastModified().toMSecsSinceEpoch());
     }
     return files;
+}
+
+// The hidden entries of dir: where an output is written before it is published.
+QStringList hiddenIn(const QString& dir)
+{
+    return QDir(dir).entryList(QDir::Hidden | QDir::AllEntries | QDir::NoDotAndDotDot).filter(QRegularExpression("^\\."));
+}
+
+// A quick copy of small.tif, then a reprojection of the copy into fine.tif; at a
+// resolution of 1 it takes seconds, at 10 a moment.
+void saveReprojection(const QTemporaryDir& dir, const QString& name, const char* resolution)
+{
+    HeadlessModel m;
+    APCAlgo* copy = AddAlgo(m, "raster.translate");
+    SetConstant(VarOf(m, copy, "In File"), dir.filePath("small.tif"));
+    APCVar* copied = VarOf(m, copy, "Out File");
+    SetConstant(copied, dir.filePath("copy.tif"));
+    APCAlgo* warp = AddAlgo(m, "raster.warp");
+    Connect(m, copied, warp, "In File");
+    SetConstant(VarOf(m, warp, "Target SRS"), "EPSG:32632");
+    SetConstant(VarOf(m, warp, "Out File"), dir.filePath("fine.tif"));
+    SetLiteral(m, warp, "Resolution", resolution);
+    SetLiteral(m, warp, "Resampling", "lanczos");
+    ASSERT_TRUE(m.SaveFile(dir.filePath(name)));
+}
+
+// Starts mbrun and waits until its first step has succeeded and the second writes
+// its output in a hidden folder of dir.
+void startUntilTheSlowStep(QProcess& p, const QStringList& args, const QString& dir)
+{
+    p.start(MbrunPath(), args);
+    QString out;
+    ASSERT_TRUE(WaitUntil([&] {
+        p.waitForReadyRead(50);
+        out += QString::fromUtf8(p.readAllStandardOutput());
+        const bool writing = !QDir(dir).entryList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot).filter(QRegularExpression("^\\.")).isEmpty();
+        return (out.contains("Result of execution: Succeed") && writing) || p.state() == QProcess::NotRunning;
+    }, 60000));
+    ASSERT_EQ(p.state(), QProcess::Running) << "the slow step ended before it could be stopped";
 }
 
 // The shipped NDVI model over three 4-band scenes in scenes/, writing into out/.
@@ -154,6 +194,15 @@ TEST(MbrunBatch, RefusesBeforeTheRunAndSaysWhy)
     SetConstant(VarOf(closed, copy, "In File"), batch.Scene(1));
     SetConstant(VarOf(closed, copy, "Out File"), batch.dir.filePath("copy.tif"));
     closed.SaveFile(batch.dir.filePath("closed.apc"));
+    HeadlessModel loop; // each step reads what the other writes
+    APCAlgo* first = AddAlgo(loop, "raster.translate");
+    APCAlgo* second = AddAlgo(loop, "raster.slope");
+    SetConstant(VarOf(loop, first, "Out File"), batch.dir.filePath("a.tif"));
+    SetConstant(VarOf(loop, second, "Out File"), batch.dir.filePath("b.tif"));
+    Connect(loop, VarOf(loop, first, "Out File"), second, "In File");
+    Connect(loop, VarOf(loop, second, "Out File"), first, "In File");
+    loop.SaveFile(batch.dir.filePath("loop.apc"));
+    const QString cycle = "the model cannot run: the steps \"Convert raster\" -> \"Slope\" -> \"Convert raster\" wait for each other";
 
     struct Case { const char* name; QStringList args; int code; QStringList inErr; };
     const std::vector<Case> cases = {
@@ -171,6 +220,8 @@ TEST(MbrunBatch, RefusesBeforeTheRunAndSaysWhy)
         {"another root", {batch.dir.filePath("other-root.apc")}, 2, {"its root element is \"Other\", not \"Configuration\""}},
         {"a report over the model", batch.Args({"--report", batch.model}), 2, {"would replace the model file"}},
         {"no inputs to list", {batch.dir.filePath("closed.apc"), "--list"}, 0, {"the model has no free inputs"}},
+        {"steps in a cycle", {batch.dir.filePath("loop.apc")}, 2, {cycle}},
+        {"the same in a dry run", {batch.dir.filePath("loop.apc"), "--dry-run"}, 2, {cycle}},
     };
     const QByteArray modelBytes = ReadAll(batch.model);
     for (const Case& c : cases) {
@@ -313,19 +364,7 @@ TEST(MbrunBatch, ASignalStopsTheRunAndTheReportSaysWhatFinished)
 {
     QTemporaryDir dir;
     makeRaster(dir.filePath("small.tif"), 400, 1);
-    // A quick copy, then a reprojection to a much finer grid that takes seconds.
-    HeadlessModel m;
-    APCAlgo* copy = AddAlgo(m, "raster.translate");
-    SetConstant(VarOf(m, copy, "In File"), dir.filePath("small.tif"));
-    APCVar* copied = VarOf(m, copy, "Out File");
-    SetConstant(copied, dir.filePath("copy.tif"));
-    APCAlgo* warp = AddAlgo(m, "raster.warp");
-    Connect(m, copied, warp, "In File");
-    SetConstant(VarOf(m, warp, "Target SRS"), "EPSG:32632");
-    SetConstant(VarOf(m, warp, "Out File"), dir.filePath("fine.tif"));
-    SetLiteral(m, warp, "Resolution", "1");
-    SetLiteral(m, warp, "Resampling", "lanczos");
-    ASSERT_TRUE(m.SaveFile(dir.filePath("slow.apc")));
+    saveReprojection(dir, "slow.apc", "1");
 
     struct Case { const char* name; int signal; int code; };
     const std::vector<Case> cases = {{"SIGTERM", SIGTERM, 143}, {"SIGINT", SIGINT, 130}, {"SIGHUP", SIGHUP, 129}};
@@ -333,17 +372,10 @@ TEST(MbrunBatch, ASignalStopsTheRunAndTheReportSaysWhatFinished)
         SCOPED_TRACE(c.name);
         const QString report = dir.filePath(QStringLiteral("%1.json").arg(c.name));
         QProcess p;
-        p.start(MbrunPath(), {dir.filePath("slow.apc"), "--report", report});
-        QString out;
-        ASSERT_TRUE(WaitUntil([&] {
-            p.waitForReadyRead(50);
-            out += QString::fromUtf8(p.readAllStandardOutput());
-            return out.contains("Result of execution: Succeed") || p.state() == QProcess::NotRunning;
-        }, 60000));
-        ASSERT_EQ(p.state(), QProcess::Running) << "the slow step ended before it could be stopped";
+        startUntilTheSlowStep(p, {dir.filePath("slow.apc"), "--report", report}, dir.path());
         ASSERT_EQ(::kill(pid_t(p.processId()), c.signal), 0);
         ASSERT_TRUE(p.waitForFinished(30000));
-        out += QString::fromUtf8(p.readAllStandardOutput());
+        const QString out = QString::fromUtf8(p.readAllStandardOutput());
         const QString err = QString::fromUtf8(p.readAllStandardError());
         EXPECT_EQ(p.exitStatus(), QProcess::NormalExit);
         EXPECT_EQ(p.exitCode(), c.code) << qPrintable(err);
@@ -358,7 +390,28 @@ TEST(MbrunBatch, ASignalStopsTheRunAndTheReportSaysWhatFinished)
         EXPECT_EQ(stepsWithStatus(r, "interrupted"), "0:raster.warp");
         EXPECT_EQ(r["steps"][0]["written"].toArray(), QJsonArray{dir.filePath("copy.tif")});
         EXPECT_FALSE(QFile::exists(dir.filePath("fine.tif"))); // never half a file under its name
+        EXPECT_EQ(hiddenIn(dir.path()), QStringList()); // nor half a file beside it
     }
+}
+
+TEST(MbrunBatch, WhatAKilledRunWasWritingIsRemovedByTheNextRun)
+{
+    QTemporaryDir dir;
+    makeRaster(dir.filePath("small.tif"), 400, 1);
+    saveReprojection(dir, "slow.apc", "1");
+    saveReprojection(dir, "quick.apc", "10");
+    const QString unrelated = dir.filePath(".keep");
+    WriteAll(unrelated, "not ours");
+    QProcess p;
+    startUntilTheSlowStep(p, {dir.filePath("slow.apc")}, dir.path());
+    ASSERT_EQ(::kill(pid_t(p.processId()), SIGKILL), 0);
+    ASSERT_TRUE(p.waitForFinished(30000));
+    ASSERT_EQ(hiddenIn(dir.path()).size(), 2) << "no output was being written when the run was killed";
+
+    const Outcome next = Mbrun({dir.filePath("quick.apc")});
+    EXPECT_EQ(next.code, 0) << qPrintable(next.err);
+    EXPECT_TRUE(QFile::exists(dir.filePath("fine.tif")));
+    EXPECT_EQ(hiddenIn(dir.path()), QStringList{".keep"});
 }
 
 TEST(MbrunBatch, FilesTheIteratorLeavesOutAreNamedInThePlanTheRunAndTheReport)
@@ -376,6 +429,65 @@ TEST(MbrunBatch, FilesTheIteratorLeavesOutAreNamedInThePlanTheRunAndTheReport)
     EXPECT_EQ(run.code, 0) << qPrintable(run.err);
     EXPECT_TRUE(run.err.contains(warning)) << qPrintable(run.err);
     EXPECT_EQ(readReport(batch.report)["leftOutFiles"].toObject()["Scenes"].toArray(), QJsonArray{shadowed});
+}
+
+TEST(MbrunBatch, OutputPathsLeadWhereTheSystemResolvesThem)
+{
+    SceneBatch batch;
+    // After a link, ".." leads to the parent of the link's target, as for GDAL's own programs.
+    const QString base = batch.dir.path();
+    QDir().mkpath(base + "/real/deep");
+    QDir().mkpath(base + "/sl");
+    ASSERT_TRUE(QFile::link(base + "/real/deep", base + "/sl/link"));
+    HeadlessModel m;
+    APCAlgo* copy = AddAlgo(m, "raster.translate");
+    SetConstant(VarOf(m, copy, "In File"), batch.Scene(1));
+    SetConstant(VarOf(m, copy, "Out File"), base + "/sl/link/../o.tif");
+    ASSERT_TRUE(m.SaveFile(base + "/linked.apc"));
+    const Outcome linked = Mbrun({base + "/linked.apc"});
+    EXPECT_EQ(linked.code, 0) << qPrintable(linked.out + linked.err);
+    QProcess reference;
+    reference.start("gdal_translate", {"-q", batch.Scene(1), base + "/sl/link/../g.tif"});
+    ASSERT_TRUE(reference.waitForFinished(30000));
+    ASSERT_TRUE(QFile::exists(base + "/real/g.tif"));
+    EXPECT_TRUE(QFile::exists(base + "/real/o.tif"));
+    EXPECT_FALSE(QFile::exists(base + "/sl/o.tif"));
+
+    // A folder that is not there before ".." is made, as mkdir -p makes it, and every
+    // step that reads an output finds it where it was written.
+    const Outcome made = Mbrun({batch.model, "--set", "Scene folders=" + batch.scenes, "--set", "Output folder=" + base + "/x/../y"});
+    EXPECT_EQ(made.code, 0) << qPrintable(made.out + made.err);
+    for (int i = 1; i <= 3; ++i) {
+        SCOPED_TRACE(i);
+        EXPECT_TRUE(QFile::exists(base + QStringLiteral("/y/scene_%1_ndvi.tif").arg(i, 2, 10, QLatin1Char('0'))));
+        EXPECT_TRUE(QFile::exists(base + QStringLiteral("/y/scene_%1_ndvi.csv").arg(i, 2, 10, QLatin1Char('0'))));
+    }
+}
+
+TEST(MbrunBatch, LongNamesAreWrittenAndLongMessagesArriveWhole)
+{
+    SceneBatch batch;
+    const QString longName = batch.dir.filePath(QString(246, 'n') + ".tif"); // 250 bytes, 5 short of the limit
+    const QString missing = batch.dir.path() + "/" + QString(200, 'd') + "/" + QString(200, 'e') + "/none.tif";
+    HeadlessModel m;
+    APCAlgo* copy = AddAlgo(m, "raster.translate");
+    SetConstant(VarOf(m, copy, "In File"), batch.Scene(1));
+    SetConstant(VarOf(m, copy, "Out File"), longName);
+    APCAlgo* broken = AddAlgo(m, "raster.slope");
+    SetConstant(VarOf(m, broken, "In File"), missing);
+    SetConstant(VarOf(m, broken, "Out File"), batch.dir.filePath("slope.tif"));
+    ASSERT_TRUE(m.SaveFile(batch.dir.filePath("long.apc")));
+
+    const Outcome o = Mbrun({batch.dir.filePath("long.apc"), "--report", batch.report});
+    EXPECT_EQ(o.code, 1) << qPrintable(o.err);
+    EXPECT_TRUE(QFile::exists(longName));
+    const QString message = "Cannot open raster " + missing + ": no such file";
+    EXPECT_TRUE(o.out.contains(message)) << qPrintable(o.out);
+    QString reported;
+    for (const QJsonValue& step : readReport(batch.report)["steps"].toArray())
+        if (step["status"].toString() == "failed")
+            reported = step["errorMessage"].toString();
+    EXPECT_EQ(reported, message);
 }
 
 TEST(MbrunBatch, AfterAFailureTheStepsStillRunningAreWaitedForAndAccountedFor)
