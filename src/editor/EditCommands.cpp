@@ -1,6 +1,5 @@
 // The edit commands of a model window; copy and paste are in ClipboardCommands.cpp.
 #include "dialogs/VarAddDlg.h"
-#include "editor/AutoLayoutCommand.h"
 #include "editor/CutCommand.h"
 #include "editor/DeleteCommand.h"
 #include "editor/GraphicsItemBase.h"
@@ -50,6 +49,5 @@ void VarAddCommand::OnClick()
 void CutCommand::OnClick() {}
 void UndoCommand::OnClick() {}
 void RedoCommand::OnClick() {}
-void AutoLayoutCommand::OnClick() {}
 
 } // namespace Plugin

@@ -63,6 +63,9 @@ public:
     void ShowLog();
     // Appends text to panel 0 (Output) or 1 (Error); other panels are ignored.
     void AppendLog(const QString& text, int panel);
+    // Everything done to the model between the two is one edit for the user.
+    void BeginEdit(const QString& text) { Q_UNUSED(text) }
+    void EndEdit() {}
 
 signals:
     void APCObjectChanged(APCObject* pObject, enAPCOperator opt);
