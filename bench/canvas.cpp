@@ -1,9 +1,10 @@
 // The model editor's canvas, driven offscreen as a user drives it: opening a
 // large model in its window, dragging a step that has many arrows, and pasting
-// a large copied selection. Each step of the drag is a real mouse event on the
-// view, followed by the repaint it causes.
+// a large copied selection, laying a model out. Each step of the drag is a real
+// mouse event on the view, followed by the repaint it causes.
 #include "BenchSupport.h"
 
+#include "editor/ArrowGraphics.h"
 #include "editor/CopyCommand.h"
 #include "editor/ModelControler.h"
 #include "editor/ModelScene.h"
@@ -21,6 +22,7 @@
 #include <QGraphicsItem>
 #include <QGraphicsScene>
 #include <QGraphicsView>
+#include <QAction>
 #include <QMouseEvent>
 #include <QTemporaryDir>
 
@@ -68,6 +70,52 @@ APCAlgo* addStep(APCModel& model, double x, double y, int inputs)
         model.GetArrows().append(arrow);
     }
     return step;
+}
+
+// 200 steps in 20 chains of 10, scattered: each step reads its own input var and
+// the output var of the step before it, and writes an output var (400 vars,
+// 580 arrows). The data flows through 20 layers of steps.
+void addChains(APCModel& model)
+{
+    APCVar* previous = nullptr;
+    for (int i = 0; i < 200; ++i) {
+        const double x = (i * 7919 % 97) * 37.0, y = (i * 104729 % 89) * 41.0;
+        APCAlgo* step = addStep(model, x, y, 1);
+        if (i % 10 && previous) {
+            APCParameter param;
+            param.name = QStringLiteral("Previous");
+            param.type = "file";
+            param.direction = 0;
+            param.value = VarReferenceTo(previous->GetName());
+            step->GetParameters() << param;
+            auto* arrow = new APCArrow;
+            arrow->SetHead(step->GetName());
+            arrow->SetHeadType("process");
+            arrow->SetHeadParam(param.name);
+            arrow->SetTail(previous->GetName());
+            arrow->SetTailType("var");
+            model.GetArrows().append(arrow);
+        }
+        auto* out = new APCVar;
+        out->SetClass("filePath");
+        out->SetDescription(QStringLiteral("Result %1").arg(i));
+        out->SetPos(QPointF(x + 120, y + 60));
+        model.GetVars().append(out);
+        APCParameter param;
+        param.name = QStringLiteral("Out File");
+        param.type = "file";
+        param.direction = 1;
+        param.value = VarReferenceTo(out->GetName());
+        step->GetParameters() << param;
+        auto* arrow = new APCArrow;
+        arrow->SetHead(out->GetName());
+        arrow->SetHeadType("var");
+        arrow->SetTail(step->GetName());
+        arrow->SetTailType("process");
+        arrow->SetTailParam(param.name);
+        model.GetArrows().append(arrow);
+        previous = out;
+    }
 }
 
 std::unique_ptr<ModelControler> openShown(const QString& path)
@@ -286,6 +334,46 @@ int main(int argc, char** argv)
         Bench::Print("undo_delete_500_objects", undoDelete, "ms (target < 100)");
         Bench::Print("undo_delete_ratio_to_open", undoDelete / open, "x");
         Bench::Print("undo_restored_every_object", model->GetProcesses().size() == 1001 ? 1 : 0, "(1 when it did)");
+
+    // Auto Layout of 200 steps with 400 vars, beside opening the same model in
+    // its window (the baseline), each on a fresh window.
+    if (runs("layout")) {
+        const QString chainPath = dir.filePath("chains.apc");
+        {
+            APCModel model;
+            addChains(model);
+            model.SaveFile(chainPath);
+        }
+        std::vector<double> opens, layouts;
+        int backwards = 0, overlaps = 0;
+        for (int r = 0; r < 3; ++r) {
+            std::unique_ptr<ModelControler> window;
+            opens.push_back(Bench::Millis([&] { window = openShown(chainPath); }));
+            QAction* layout = nullptr;
+            for (QAction* a : window->findChildren<QAction*>())
+                if (a->text() == QLatin1String("Auto Layout"))
+                    layout = a;
+            layouts.push_back(Bench::Millis([&] {
+                layout->trigger();
+                QApplication::processEvents();
+            }));
+            QVector<QRectF> boxes;
+            for (QGraphicsItem* item : window->GetScene()->GetItems())
+                if (item->type() == ArrowGraphics::Type) {
+                    auto* arrow = static_cast<ArrowGraphics*>(item);
+                    backwards += arrow->GetTailItem()->pos().x() >= arrow->GetHeadItem()->pos().x();
+                } else {
+                    boxes << item->sceneBoundingRect();
+                }
+            for (int i = 0; i < boxes.size(); ++i)
+                for (int j = i + 1; j < boxes.size(); ++j)
+                    overlaps += boxes[i].intersects(boxes[j]);
+        }
+        Bench::Print("layout_200_steps_400_vars_median", median(layouts), "ms (target < 1000)");
+        Bench::Print("layout_baseline_open_same_model_median", median(opens), "ms");
+        Bench::Print("layout_ratio_to_open", median(layouts) / median(opens), "x");
+        Bench::Print("layout_arrows_right_to_left", backwards, "(0 when every arrow runs left to right)");
+        Bench::Print("layout_overlapping_pairs", overlaps, "(0 when no two items overlap)");
     }
     return 0;
 }

@@ -4,9 +4,10 @@ set -euo pipefail
 
 packages=(
   build-essential cmake pkg-config python3
-  qtbase5-dev qtbase5-dev-tools libqt5xml5 qttools5-dev qttools5-dev-tools
+  qtbase5-dev qtbase5-dev-tools libqt5xml5 qttools5-dev qttools5-dev-tools libqt5svg5-dev
   libboost-dev
   libgdal-dev gdal-bin
+  libgraphviz-dev
   libgtest-dev googletest
 )
 if [ "${WITH_FUZZ:-0}" = 1 ]; then packages+=(clang libclang-rt-14-dev); fi

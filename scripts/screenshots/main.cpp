@@ -229,6 +229,23 @@ void builtModelMidRun()
     });
 }
 
+// The NDVI example after Auto Layout, at 1:1.
+void laidOutExample()
+{
+    Plugin::ModelControler* window = openModel("scene_ndvi.apc");
+    window->resize(1100, 340);
+    QTimer::singleShot(300, window, [window] {
+        actionOf(window, "Auto Layout")->trigger();
+        actionOf(window, "1:1")->trigger();
+        window->GetView()->centerOn(window->GetScene()->itemsBoundingRect().center());
+        QTimer::singleShot(300, window, [window] {
+            shoot(window, "auto-layout.png");
+            window->SetModified(false); // the shipped copy stays as it was
+            window->close();
+        });
+    });
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -243,6 +260,7 @@ int main(int argc, char** argv)
         {"algorithm-dialog", algorithmDialog},
         {"function-dialog", functionDialog},
         {"built-model-running", builtModelMidRun},
+        {"auto-layout", laidOutExample},
     };
     int delay = 200;
     for (const auto& shot : shots) {

@@ -4,10 +4,12 @@
 #include "functions/APCFun.h"
 #include "model/APCVar.h"
 #include "model/SoftAssert.h"
+#include "model/VarReference.h"
 
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QListWidget>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSpacerItem>
@@ -36,6 +38,7 @@ APCFunctionDlg::APCFunctionDlg(const QList<FunctionInfo>& functions, const QList
     m_functionList->setObjectName(QStringLiteral("functionList"));
     m_varList = new QListWidget(lists);
     m_varList->setObjectName(QStringLiteral("varList"));
+    m_varList->setContextMenuPolicy(Qt::CustomContextMenu);
     lists->addWidget(m_functionList);
     lists->addWidget(m_varList);
     sides->addWidget(lists);
@@ -87,6 +90,10 @@ APCFunctionDlg::APCFunctionDlg(const QList<FunctionInfo>& functions, const QList
                      SLOT(OnFuncItemClicked(QListWidgetItem*))));
     MB_CHECK(connect(m_varList, SIGNAL(itemClicked(QListWidgetItem*)), this,
                      SLOT(OnParamItemClicked(QListWidgetItem*))));
+    MB_CHECK(connect(m_varList, SIGNAL(itemDoubleClicked(QListWidgetItem*)), this,
+                     SLOT(OnParamItemDoubleClicked(QListWidgetItem*))));
+    MB_CHECK(connect(m_varList, SIGNAL(customContextMenuRequested(QPoint)), this,
+                     SLOT(OnParamContextMenu(QPoint))));
 }
 
 void APCFunctionDlg::SetExpression(const QString& text)
@@ -117,6 +124,29 @@ void APCFunctionDlg::OnParamItemSelectionChanged() { ShowVarHelp(m_varList->curr
 void APCFunctionDlg::OnFuncItemClicked(QListWidgetItem* item) { ShowFunctionHelp(item); }
 
 void APCFunctionDlg::OnParamItemClicked(QListWidgetItem* item) { ShowVarHelp(item); }
+
+void APCFunctionDlg::OnParamItemDoubleClicked(QListWidgetItem* item) { InsertReference(item); }
+
+void APCFunctionDlg::OnParamContextMenu(const QPoint& at)
+{
+    QListWidgetItem* item = m_varList->itemAt(at);
+    if (!item)
+        return;
+    QMenu menu(this);
+    QAction* insert = menu.addAction(tr("Insert reference"));
+    if (menu.exec(m_varList->viewport()->mapToGlobal(at)) == insert)
+        InsertReference(item);
+}
+
+void APCFunctionDlg::InsertReference(QListWidgetItem* item)
+{
+    if (!item)
+        return;
+    const auto* var = static_cast<const APCVar*>(item->data(Qt::UserRole).value<void*>());
+    MB_ASSERT(var, return);
+    m_expressionEdit->insertPlainText(Plugin::VarReferenceTo(var->GetName()));
+    m_expressionEdit->setFocus();
+}
 
 void APCFunctionDlg::ShowFunctionHelp(QListWidgetItem* item)
 {

@@ -8,6 +8,7 @@
 
 class QListWidget;
 class QListWidgetItem;
+class QPoint;
 class QTextEdit;
 
 namespace Plugin {
@@ -38,6 +39,10 @@ public slots:
     void OnParamItemSelectionChanged();
     void OnFuncItemClicked(QListWidgetItem* item);
     void OnParamItemClicked(QListWidgetItem* item);
+    // Puts a reference to the var of item at the expression's cursor, so that
+    // no id has to be typed.
+    void OnParamItemDoubleClicked(QListWidgetItem* item);
+    void OnParamContextMenu(const QPoint& at);
 
 private:
     // Shows the help of the function behind item; help without a carriage
@@ -45,6 +50,7 @@ private:
     void ShowFunctionHelp(QListWidgetItem* item);
     // Shows the id and the description of the var behind item.
     void ShowVarHelp(QListWidgetItem* item);
+    void InsertReference(QListWidgetItem* item);
 
     QString m_expression;
     QList<Plugin::FunctionInfo> m_functions; // the rows point into this copy

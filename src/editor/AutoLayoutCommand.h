@@ -4,12 +4,13 @@
 
 namespace Plugin {
 
-// Kept as a named action, ready to be wired; does nothing.
+// Lays the model out left to right by its arrows, as one edit (AutoLayout.cpp).
 class AutoLayoutCommand : public ModelCommand
 {
 public:
     void OnClick() override;
-    bool IsEnable() override { return true; }
+    // Not in a read-only model, nor while a run goes on.
+    bool IsEnable() override;
     bool ReservedQuery() override { return true; }
 };
 

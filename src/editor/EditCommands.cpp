@@ -1,6 +1,5 @@
 // The edit commands of a model window; copy and paste are in ClipboardCommands.cpp.
 #include "dialogs/VarAddDlg.h"
-#include "editor/AutoLayoutCommand.h"
 #include "editor/CopyCommand.h"
 #include "editor/CutCommand.h"
 #include "editor/DeleteCommand.h"
@@ -95,6 +94,5 @@ void RedoCommand::OnClick()
     m_controler->SetModified(!m_controler->GetHistory()->isClean());
 }
 
-void AutoLayoutCommand::OnClick() {}
 
 } // namespace Plugin

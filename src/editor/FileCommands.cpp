@@ -1,7 +1,7 @@
-// The file commands of a model window, and those kept for later wiring.
+// The file commands of a model window, and those kept for later wiring; the
+// picture export is in ModelPicture.cpp.
 #include "editor/ExportPyCommand.h"
 #include "editor/ModelControler.h"
-#include "editor/PrintCommand.h"
 #include "editor/SaveAsCommand.h"
 #include "editor/SaveCommand.h"
 #include "model/APCModel.h"
@@ -29,6 +29,5 @@ void SaveAsCommand::OnClick()
 }
 
 void ExportPyCommand::OnClick() {}
-void PrintCommand::OnClick() {}
 
 } // namespace Plugin

@@ -120,8 +120,15 @@ void GraphicsItemBase::RefreshToolTip()
         self->setToolTip(description);
 }
 
+bool GraphicsItemBase::s_wholeLabels = false;
+
 void GraphicsItemBase::DrawLabel(QPainter* painter, const QRectF& rect, const QString& text)
 {
+    if (s_wholeLabels) {
+        // Not clipped: lines beyond the rectangle stay readable.
+        painter->drawText(rect, Qt::AlignHCenter | Qt::AlignVCenter | Qt::TextWordWrap, text);
+        return;
+    }
     const QFontMetricsF metrics(painter->font(), painter->device());
     QStringList lines = text.split(QLatin1Char('\n'));
     for (QString& line : lines)

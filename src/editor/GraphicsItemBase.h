@@ -46,6 +46,16 @@ public:
     // Draws text centred in rect, each line cut at its end to the width of rect,
     // so that the start of a long name stays readable.
     static void DrawLabel(QPainter* painter, const QRectF& rect, const QString& text);
+    // While one lives, labels are drawn whole, wrapped at the width of their
+    // rectangle: a picture of the model names every object in full.
+    class WholeLabels
+    {
+    public:
+        WholeLabels() { s_wholeLabels = true; }
+        ~WholeLabels() { s_wholeLabels = false; }
+        WholeLabels(const WholeLabels&) = delete;
+        WholeLabels& operator=(const WholeLabels&) = delete;
+    };
 
 protected:
     // For the shapes that show a step: the brush of the state (no colour for a
@@ -70,6 +80,7 @@ protected:
     // scaled about anchor; the caller sets the rect first, then the position.
     static QPointF ScaleBox(const QGraphicsItem* self, QRectF& rect, const QPointF& anchor, double sx, double sy);
 
+    static bool s_wholeLabels; // GUI thread only
     ModelControler* m_controler; // not owned
     int m_state = 0;
     int m_progress = 0;

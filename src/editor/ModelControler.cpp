@@ -407,6 +407,13 @@ void ModelControler::BuildInterface()
         row.command->SetControler(this);
         manager->AddCommand(row.command);
     }
+    // Entries wired after the table was laid down come after their menu's own.
+    for (const Row& row : rows) {
+        if (dynamic_cast<PrintCommand*>(row.command))
+            modelMenu->addAction(row.command->GetAction());
+        else if (dynamic_cast<AutoLayoutCommand*>(row.command))
+            viewMenu->addAction(row.command->GetAction());
+    }
     m_currentTool = select;
     select->OnClick();
 

@@ -4,7 +4,8 @@
 
 namespace Plugin {
 
-// Kept as a named action, ready to be wired; does nothing.
+// Writes a picture of the whole model to a file the user names: SVG, PNG or PDF
+// (ModelPicture.cpp).
 class PrintCommand : public ModelCommand
 {
 public:

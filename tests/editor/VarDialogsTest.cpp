@@ -17,14 +17,18 @@
 #include "support/TestSupport.h"
 
 #include <QAction>
+#include <QApplication>
+#include <QContextMenuEvent>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextEdit>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -201,6 +205,57 @@ TEST(FunctionDialog, OkTakesWhatParsesOrIsEmptyAndRefusesTheRest)
         EXPECT_EQ(message.shown, c.accepted ? 0 : 1);
         EXPECT_EQ(dialog.GetExpression(), c.accepted ? c.text : "$ReplaceExtension('c:/test/x.tif', 'xml')");
     }
+}
+
+// Both ways put "%" + id + "%" at the cursor, and a click on a var still shows its help.
+TEST(FunctionDialog, ADoubleClickOrTheContextMenuPutsAVarReferenceAtTheCursor)
+{
+    TestSupport::HeadlessModel model;
+    addVar(model, "{s}", "file", "Scene");
+    addVar(model, "{i}", "file", "Input");
+    APCFunctionDlg dialog(APCFun::GetFunctionList(), model.GetVars(), nullptr);
+    dialog.show();
+    auto* edit = Child<QTextEdit>(&dialog, "expressionEdit");
+    auto* vars = Child<QListWidget>(&dialog, "varList");
+    auto* help = Child<QTextEdit>(&dialog, "helpEdit");
+    auto rowCentre = [vars](const QString& text) {
+        QListWidgetItem* item = vars->findItems(text, Qt::MatchExactly).value(0);
+        EXPECT_NE(item, nullptr) << text.toStdString();
+        return item ? vars->visualItemRect(item).center() : QPoint();
+    };
+
+    Retype(edit, "$AppendSuffix(, '_a')");
+    QTest::keyClick(edit, Qt::Key_Home);
+    for (int i = 0; i < 14; ++i)
+        QTest::keyClick(edit, Qt::Key_Right);
+    // A double click is a click and then the double click event.
+    QTest::mouseClick(vars->viewport(), Qt::LeftButton, {}, rowCentre("Scene"));
+    QTest::mouseDClick(vars->viewport(), Qt::LeftButton, {}, rowCentre("Scene"));
+    EXPECT_EQ(edit->toPlainText(), "$AppendSuffix(%{s}%, '_a')");
+    EXPECT_EQ(help->toPlainText(), "Name:{s}\nDescribe:Scene");
+    QTest::keyClicks(edit, "x"); // typing goes on behind the reference
+    EXPECT_EQ(edit->toPlainText(), "$AppendSuffix(%{s}%x, '_a')");
+
+    // Right button on "Input", then the menu's one entry.
+    QTest::keyClick(edit, Qt::Key_End);
+    const QPoint at = rowCentre("Input");
+    QTest::mousePress(vars->viewport(), Qt::RightButton, {}, at);
+    QStringList entries;
+    QTimer menuWatch; // goes with the test, so it cannot fire into a later one
+    menuWatch.setSingleShot(true);
+    QObject::connect(&menuWatch, &QTimer::timeout, [&entries] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        ASSERT_NE(menu, nullptr);
+        for (QAction* a : menu->actions())
+            entries << a->text();
+        QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(menu->actions().first()).center());
+    });
+    menuWatch.start(0);
+    QContextMenuEvent event(QContextMenuEvent::Mouse, at, vars->viewport()->mapToGlobal(at));
+    QApplication::sendEvent(vars->viewport(), &event);
+    EXPECT_EQ(entries, QStringList({"Insert reference"}));
+    EXPECT_EQ(edit->toPlainText(), "$AppendSuffix(%{s}%x, '_a')%{i}%");
+    EXPECT_EQ(dialog.GetExpression(), ""); // only OK takes the text
 }
 
 // ---------------------------------------------------------------------------
