@@ -334,6 +334,7 @@ int main(int argc, char** argv)
         Bench::Print("undo_delete_500_objects", undoDelete, "ms (target < 100)");
         Bench::Print("undo_delete_ratio_to_open", undoDelete / open, "x");
         Bench::Print("undo_restored_every_object", model->GetProcesses().size() == 1001 ? 1 : 0, "(1 when it did)");
+    }
 
     // Auto Layout of 200 steps with 400 vars, beside opening the same model in
     // its window (the baseline), each on a fresh window.

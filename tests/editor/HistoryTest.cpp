@@ -184,6 +184,7 @@ TEST_F(History, EveryKindOfEditIsOneStepThatUndoesAndRedoesWhole)
              t.use("Paste");
          },
          "Paste"},
+        {"auto layout", [](History& t) { t.use("Auto Layout"); }, "Auto Layout"},
         {"cut, by key",
          [](History& t) {
              t.click("{other}");
