@@ -24,6 +24,8 @@
 #include <QFileInfo>
 #include <QGraphicsItem>
 #include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
 #include <QMouseEvent>
 #include <QPointer>
 #include <QScreen>
@@ -246,6 +248,30 @@ void laidOutExample()
     });
 }
 
+// The Edit menu open after a delete, naming the step Undo takes back.
+void editMenu()
+{
+    Plugin::ModelControler* window = openModel("scene_ndvi.apc");
+    window->resize(900, 520);
+    QTimer::singleShot(300, window, [window] {
+        if (QGraphicsItem* var = firstItemOf(*window, "file"))
+            var->setSelected(true);
+        actionOf(window, "Delete")->trigger();
+        for (QAction* entry : window->menuBar()->actions()) {
+            if (entry->text() != "Edit" || !entry->menu())
+                continue;
+            QMenu* menu = entry->menu();
+            menu->popup(window->menuBar()->mapToGlobal(window->menuBar()->actionGeometry(entry).bottomLeft()));
+            QTimer::singleShot(400, window, [window, menu] {
+                shoot(window, "edit-menu.png");
+                menu->close();
+                window->SetModified(false); // the shipped copy stays as it was
+                window->close();
+            });
+        }
+    });
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -261,6 +287,7 @@ int main(int argc, char** argv)
         {"function-dialog", functionDialog},
         {"built-model-running", builtModelMidRun},
         {"auto-layout", laidOutExample},
+        {"edit-menu", editMenu},
     };
     int delay = 200;
     for (const auto& shot : shots) {
