@@ -12,6 +12,7 @@
 #include <mutex>
 
 class QDomNode;
+class QPointF;
 
 class QDomDocument;
 class QDomElement;
@@ -101,6 +102,12 @@ public:
     static bool Loading();
     static void WhenLoadEnds(std::function<void()> forget);
     bool SaveFile(const QString& path);
+    // Adds the objects of copied fragments (Process and Var elements as a save
+    // writes them, one after another) with new ids, moved by offset, and the
+    // arrows their parameters imply between them; a reference to a var not among
+    // them is emptied. The objects go straight into the lists, with no signal.
+    // Returns them, processes and vars before arrows; none when the text is no XML.
+    QList<APCObject*> PasteFragment(const QString& fragments, const QPointF& offset);
     // The model as its objects' saved forms (see ModelSnapshot).
     ModelSnapshot Snapshot() const;
     // Brings the model to target without a signal, given current, the snapshot

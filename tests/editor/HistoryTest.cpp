@@ -9,8 +9,11 @@
 #include "editor/SelectTool.h"
 #include "model/APCModel.h"
 #include "model/APCVar.h"
+#include "support/CanvasDriver.h"
 #include "support/GuiDriver.h"
 #include "support/TestSupport.h"
+#include "toolbox/ATBAlgo.h"
+#include "toolbox/ATBTreeWidget.h"
 
 #include <QAction>
 #include <QApplication>
@@ -185,6 +188,15 @@ TEST_F(History, EveryKindOfEditIsOneStepThatUndoesAndRedoesWhole)
          },
          "Paste"},
         {"auto layout", [](History& t) { t.use("Auto Layout"); }, "Auto Layout"},
+        {"a drop from the tool box",
+         [](History& t) {
+             ATBTreeWidget tree;
+             ATBAlgo convert;
+             convert.SetName("Convert raster");
+             convert.SetMetadata("raster.translate");
+             ASSERT_TRUE(CanvasDriver::DropOnCanvas(&tree, &convert, *t.window, QPointF(300, 200)));
+         },
+         "Add Convert raster"},
         {"cut, by key",
          [](History& t) {
              t.click("{other}");

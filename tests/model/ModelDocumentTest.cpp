@@ -501,3 +501,42 @@ TEST_F(ModelDocument, AlgoTakesTheCatalogueAndKeepsStoredValues)
     EXPECT_EQ(unknown.GetDescription(), "mine");
     EXPECT_TRUE(unknown.GetProcessName().isEmpty());
 }
+
+// A paste with no window: new ids, the arrows the parameters imply, references to
+// vars left behind emptied, unknown kinds and broken text left out, no signal.
+TEST_F(ModelDocument, PastedFragmentsComeInWithNewIdsAndTheirArrows)
+{
+    const QString var = R"(<Var class="file" name="{v}" description="In" posX="0" posY="0" painter="" constant="1" value="a.tif"/>)";
+    const QString step = R"(<Process class="algo" name="{p}" description="Step" posX="100" posY="0" painter="" processName="local.x">
+        <Parameter name="In" type="file" direction="0" value="%{v}%" description="In"/>
+        <Parameter name="Other" type="file" direction="0" value="%{gone}%" description="Other"/>
+        <Parameter name="Out" type="file" direction="1" value="%{v}%" description="Out"/>
+    </Process>)";
+    const QString unknown = R"(<Process class="no such kind" name="{u}"/>)";
+    struct Case { const char* name; QString text; int processes, vars, arrows; };
+    const Case cases[] = {
+        {"a step with its var", var + step + unknown, 1, 1, 2},
+        {"a step without its var", step, 1, 0, 0},
+        {"no XML", "<Var", 0, 0, 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        TestSupport::HeadlessModel model;
+        SignalCounter heard(model);
+        const QList<APCObject*> pasted = model.PasteFragment(c.text, QPointF(20, 20));
+        EXPECT_EQ(model.GetProcesses().size(), c.processes);
+        EXPECT_EQ(model.GetVars().size(), c.vars);
+        EXPECT_EQ(model.GetArrows().size(), c.arrows);
+        EXPECT_EQ(pasted.size(), c.processes + c.vars + c.arrows);
+        EXPECT_EQ(heard.processes.added + heard.vars.added + heard.arrows.added, 0);
+        if (c.processes == 0)
+            continue;
+        APCProcess* p = model.GetProcesses().first();
+        EXPECT_NE(p->GetName(), "{p}");
+        EXPECT_EQ(p->GetPos(), QPointF(120, 20));
+        EXPECT_EQ(p->GetParameter("Other").value, "");
+        const QString in = c.vars ? "%" + model.GetVars().first()->GetName() + "%" : QString();
+        EXPECT_EQ(p->GetParameter("In").value, in);
+        EXPECT_EQ(dynamic_cast<APCObject*>(p), pasted.value(c.vars)); // vars first, then steps, then arrows
+    }
+}
