@@ -12,7 +12,7 @@ endif
 
 CMAKE_FLAGS = -DCMAKE_BUILD_TYPE=$(BUILD_TYPE) -DMB_SANITIZE=$(SANITIZE)
 
-.PHONY: deps configure build test run bench fuzz screenshots translations clean
+.PHONY: deps configure build test run bench fuzz screenshots translations coverage clean
 
 deps:
 	@bash scripts/deps.sh
@@ -64,6 +64,21 @@ fuzz:
 	    $(CURDIR)/build-fuzz/corpus/$$t $(CURDIR)/tests/fuzz/corpus/$$t; \
 	done
 
+# make coverage builds build-coverage/ instrumented, runs the whole suite there,
+# writes an HTML report to build-coverage/coverage/index.html and prints line and
+# branch coverage per folder (scripts/coverage-table.py).
+coverage:
+	@WITH_COVERAGE=1 bash scripts/deps.sh
+	@cmake -S . -B build-coverage -DCMAKE_BUILD_TYPE=Debug -DMB_COVERAGE=ON > build-coverage.configure.log 2>&1 || (cat build-coverage.configure.log; exit 1)
+	@cmake --build build-coverage -j $(JOBS)
+	@find build-coverage -name '*.gcda' -delete
+	cd build-coverage && QT_QPA_PLATFORM=offscreen ctest -j $(JOBS) $(CTEST_ARGS) > ctest.log 2>&1 || (tail -30 ctest.log; exit 1)
+	@mkdir -p build-coverage/coverage
+	@gcovr -r . --object-directory build-coverage -j $(JOBS) --exclude-unreachable-branches --exclude-throw-branches \
+	  --filter 'src/' --filter 'host/' --filter 'apps/' \
+	  --html-details build-coverage/coverage/index.html --json build-coverage/coverage/coverage.json > /dev/null
+	@python3 scripts/coverage-table.py build-coverage/coverage/coverage.json
+
 screenshots: build
 	@cmake --build $(BUILD_DIR) --target mb_screenshots
 	@[ -f $(BUILD_DIR)/dem-large.tif ] || gdal_translate -q -outsize 4000 4000 -r bilinear examples/data/dem.tif $(BUILD_DIR)/dem-large.tif
@@ -76,4 +91,4 @@ translations: deps
 	python3 scripts/fill-translations.py translations/ModelBuilder_zh_CN.ts translations/zh_CN-glossary.json
 
 clean:
-	rm -rf build build-address build-thread build-fuzz *.configure.log
+	rm -rf build build-address build-thread build-fuzz build-coverage *.configure.log
