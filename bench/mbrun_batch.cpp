@@ -2,6 +2,7 @@
 // run over 10,000 file rounds, and a resumed 1,000-round batch of real GDAL steps
 // that has nothing left to do. Each is printed with a baseline measured here too.
 #include "BenchSupport.h"
+#include "TinyScene.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -36,21 +37,6 @@ double timeMbrun(const QStringList& args, int* exitCode)
     });
 }
 
-void makeScene(const QString& path)
-{
-    GDALDataset* ds = GetGDALDriverManager()->GetDriverByName("GTiff")->Create(path.toUtf8().constData(), 4, 4, 4,
-                                                                              GDT_Byte, nullptr);
-    double gt[6] = {500000, 10, 0, 5000000, 0, -10};
-    ds->SetGeoTransform(gt);
-    std::vector<GByte> cells(16);
-    for (int b = 1; b <= 4; ++b) {
-        for (int i = 0; i < 16; ++i)
-            cells[size_t(i)] = GByte(10 * b + i);
-        if (ds->GetRasterBand(b)->RasterIO(GF_Write, 0, 0, 4, 4, cells.data(), 4, 4, GDT_Byte, 0, 0) != CE_None)
-            std::fprintf(stderr, "cannot write %s\n", qPrintable(path));
-    }
-    GDALClose(ds);
-}
 
 QMap<QString, qint64> modificationTimes(const QString& dir)
 {
@@ -100,7 +86,7 @@ int main(int argc, char** argv)
     const QString scenes = dir.filePath("scenes"), out = dir.filePath("out");
     QDir().mkpath(scenes);
     for (int i = 0; i < 1000; ++i)
-        makeScene(QDir(scenes).filePath(QStringLiteral("scene_%1.tif").arg(i, 4, 10, QLatin1Char('0'))));
+        Bench::MakeTinyScene(QDir(scenes).filePath(QStringLiteral("scene_%1.tif").arg(i, 4, 10, QLatin1Char('0'))));
     const QString firstReport = dir.filePath("first.json"), resumedReport = dir.filePath("resumed.json");
     const double full = timeMbrun(QStringList{model, "--resume", "--report", firstReport} + inputs(scenes, out), &code);
     const QMap<QString, qint64> before = modificationTimes(out);

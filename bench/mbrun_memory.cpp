@@ -3,6 +3,7 @@
 // GDAL steps a round, the shipped NDVI model), the shorter run being the baseline.
 // What a run keeps should follow what is running, not how much has run.
 #include "BenchSupport.h"
+#include "TinyScene.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -20,21 +21,6 @@ extern char** environ;
 
 namespace {
 
-void makeScene(const QString& path)
-{
-    GDALDataset* ds = GetGDALDriverManager()->GetDriverByName("GTiff")->Create(path.toUtf8().constData(), 4, 4, 4,
-                                                                              GDT_Byte, nullptr);
-    double gt[6] = {500000, 10, 0, 5000000, 0, -10};
-    ds->SetGeoTransform(gt);
-    std::vector<GByte> cells(16);
-    for (int b = 1; b <= 4; ++b) {
-        for (int i = 0; i < 16; ++i)
-            cells[size_t(i)] = GByte(10 * b + i);
-        if (ds->GetRasterBand(b)->RasterIO(GF_Write, 0, 0, 4, 4, cells.data(), 4, 4, GDT_Byte, 0, 0) != CE_None)
-            std::fprintf(stderr, "cannot write %s\n", qPrintable(path));
-    }
-    GDALClose(ds);
-}
 
 // Runs mbrun to its end, its log thrown away; its peak resident memory in MB,
 // or -1 when it did not end with 0.
@@ -83,7 +69,7 @@ int main(int argc, char** argv)
         const QString out = dir.filePath(QStringLiteral("out_%1").arg(rounds));
         QDir().mkpath(scenes);
         for (int i = 0; i < rounds; ++i)
-            makeScene(QDir(scenes).filePath(QStringLiteral("scene_%1.tif").arg(i, 4, 10, QLatin1Char('0'))));
+            Bench::MakeTinyScene(QDir(scenes).filePath(QStringLiteral("scene_%1.tif").arg(i, 4, 10, QLatin1Char('0'))));
         return peakMegabytes(mbrun, {model, "--set", "Scene folders=" + scenes, "--set", "Output folder=" + out,
                                      "--resume", "--report", QDir(out).filePath("report.json")});
     };

@@ -11,6 +11,7 @@
 #include "model/APCVar.h"
 #include "support/CanvasDriver.h"
 #include "support/GuiDriver.h"
+#include "support/ModelFixtures.h"
 #include "support/TestSupport.h"
 #include "toolbox/ATBAlgo.h"
 #include "toolbox/ATBTreeWidget.h"
@@ -35,36 +36,13 @@
 using namespace Plugin;
 using GuiDriver::OnNextModal;
 
-namespace {
-
-// A step of no catalogue reading {in}; {out} and {other} stand free.
-const char* kModel = R"(<?xml version="1.0" encoding="GB2312" standalone="no"?>
-<Configuration>
-    <Processes>
-        <Process class="algo" name="{step}" description="Convert" posX="0" posY="0" painter="" processName="local.convert">
-            <Parameter name="In File" type="file" direction="0" value="%{in}%" description="Input"/>
-            <Parameter name="Out File" type="file" direction="1" value="" description="Output"/>
-        </Process>
-    </Processes>
-    <Vars>
-        <Var class="file" name="{in}" description="Scene" posX="0" posY="-150" painter="" constant="1" value="a.tif"/>
-        <Var class="file" name="{out}" description="Result" posX="250" posY="0" painter="" constant="1" value="b.tif"/>
-        <Var class="file" name="{other}" description="Other" posX="-250" posY="0" painter="" constant="1" value="c.tif"/>
-    </Vars>
-    <Arrows>
-        <Arrow head="{step}" headType="process" headParam="In File" tail="{in}" tailType="var" tailParam="" class="arrow" posX="0" posY="0" painter=""/>
-    </Arrows>
-</Configuration>
-)";
-
-} // namespace
 
 class History : public ::testing::Test
 {
 public:
     std::unique_ptr<ModelControler> Open(const QString& name, bool readOnly = false)
     {
-        EXPECT_TRUE(TestSupport::WriteAll(dir.filePath(name), kModel));
+        EXPECT_TRUE(TestSupport::WriteAll(dir.filePath(name), TestSupport::kStepAndThreeVars));
         auto window = std::make_unique<ModelControler>(dir.filePath(name), readOnly);
         window->resize(900, 700);
         window->show();

@@ -6,6 +6,26 @@
 
 namespace TestSupport {
 
+const char* const kStepAndThreeVars = R"(<?xml version="1.0" encoding="GB2312" standalone="no"?>
+<Configuration>
+    <Processes>
+        <Process class="algo" name="{step}" description="Convert raster to another format" posX="0" posY="0" painter="" processName="local.convert">
+            <Parameter name="In File" type="file" direction="0" value="%{in}%" description="Input"/>
+            <Parameter name="Out File" type="file" direction="1" value="" description="Output"/>
+        </Process>
+    </Processes>
+    <Vars>
+        <Var class="file" name="{in}" description="Scene" posX="0" posY="-150" painter="" constant="1" value="a.tif"/>
+        <Var class="file" name="{out}" description="Result" posX="250" posY="0" painter="" constant="1" value="b.tif"/>
+        <Var class="file" name="{other}" description="Other" posX="-250" posY="0" painter="" constant="1" value="c.tif"/>
+    </Vars>
+    <Arrows>
+        <Arrow head="{step}" headType="process" headParam="In File" tail="{in}" tailType="var" tailParam="" class="arrow" posX="0" posY="0" painter=""/>
+    </Arrows>
+</Configuration>
+)";
+
+
 using namespace Plugin;
 
 APCAlgo* AddAlgo(APCModel& model, const QString& algorithm, double x, double y)

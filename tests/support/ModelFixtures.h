@@ -19,6 +19,10 @@ class HeadlessModel : public Plugin::APCModel
     Plugin::RemovedObjectBin m_bin{*this};
 };
 
+// A model file's text for the canvas suites: a step of no catalogue, {step} at
+// (0, 0), reading {in} (above it); {out} and {other} stand free on either side.
+extern const char* const kStepAndThreeVars;
+
 // Adds an algorithm step of the host catalogue at pos; required parameters get
 // their vars and arrows as in the editor.
 Plugin::APCAlgo* AddAlgo(Plugin::APCModel& model, const QString& algorithm, double x = 0, double y = 0);
