@@ -306,6 +306,10 @@
         <source>Describe:</source>
         <translation>描述:</translation>
     </message>
+    <message>
+        <source>Insert reference</source>
+        <translation>插入引用</translation>
+    </message>
 </context>
 <context>
     <name>APCLog</name>
@@ -356,6 +360,18 @@
     <message>
         <source>End</source>
         <translation>结束</translation>
+    </message>
+    <message>
+        <source>Pause the model:</source>
+        <translation>暂停模型:</translation>
+    </message>
+    <message>
+        <source>Continue the model:</source>
+        <translation>继续运行模型:</translation>
+    </message>
+    <message>
+        <source>End the model:</source>
+        <translation>结束模型:</translation>
     </message>
     <message>
         <source>Generate:</source>
@@ -508,6 +524,48 @@
     </message>
 </context>
 <context>
+    <name>AlgoForm</name>
+    <message>
+        <source>Linked to a variable of the model</source>
+        <translation>已链接到模型的变量</translation>
+    </message>
+    <message>
+        <source>Unlink</source>
+        <translation>取消链接</translation>
+    </message>
+    <message>
+        <source>Enter a value here instead of taking the variable&apos;s</source>
+        <translation>在此输入值，不使用变量的值</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>错误</translation>
+    </message>
+    <message>
+        <source>Please set value: %1</source>
+        <translation>请设置值: %1</translation>
+    </message>
+</context>
+<context>
+    <name>AutoLayoutCommand</name>
+    <message>
+        <source>The layout library failed: %1</source>
+        <translation>布局库出错: %1</translation>
+    </message>
+    <message>
+        <source>Auto Layout</source>
+        <translation>自动布局</translation>
+    </message>
+</context>
+<context>
     <name>DataTypeFactory</name>
     <message>
         <source>File</source>
@@ -555,6 +613,29 @@
     </message>
 </context>
 <context>
+    <name>FilterDataWidget</name>
+    <message>
+        <source>Output</source>
+        <translation>输出</translation>
+    </message>
+    <message>
+        <source>Patterns</source>
+        <translation>匹配模式</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>添加</translation>
+    </message>
+    <message>
+        <source>Name of the output parameter that receives each file</source>
+        <translation>接收每个文件的输出参数的名称</translation>
+    </message>
+    <message>
+        <source>Patterns separated by &apos;;&apos;, e.g. *.tif;*.tiff</source>
+        <translation>以 &apos;;&apos; 分隔的匹配模式，例如 *.tif;*.tiff</translation>
+    </message>
+</context>
+<context>
     <name>HostWindow</name>
     <message>
         <source>No data in the map.
@@ -583,6 +664,28 @@ Open a model from the Tool Box to build and run it.</source>
     <message>
         <source>No model named %1 in the tool box</source>
         <translation>工具箱中没有名为 %1 的模型</translation>
+    </message>
+</context>
+<context>
+    <name>JsonRowsDataWidget</name>
+    <message>
+        <source>Remove</source>
+        <translation>移除</translation>
+    </message>
+    <message>
+        <source>Replace with rows</source>
+        <translation>替换为表格行</translation>
+    </message>
+    <message>
+        <source>Kept as it stands: this value is no list the table can show.</source>
+        <translation>按原样保留：此值不是表格能显示的列表.</translation>
+    </message>
+</context>
+<context>
+    <name>LineEditDataWidget</name>
+    <message>
+        <source>Browse</source>
+        <translation>浏览</translation>
     </message>
 </context>
 <context>
@@ -815,6 +918,34 @@ Open a model from the Tool Box to build and run it.</source>
         <source>Stop entire model</source>
         <translation>停止运行模型</translation>
     </message>
+    <message>
+        <source>Delete 1 object</source>
+        <translation>删除 1 个对象</translation>
+    </message>
+    <message>
+        <source>Delete %1 objects</source>
+        <translation>删除 %1 个对象</translation>
+    </message>
+    <message>
+        <source>Select All</source>
+        <translation>全选</translation>
+    </message>
+    <message>
+        <source>Move</source>
+        <translation>移动</translation>
+    </message>
+    <message>
+        <source>Add %1</source>
+        <translation>添加 %1</translation>
+    </message>
+    <message>
+        <source>Resize</source>
+        <translation>调整大小</translation>
+    </message>
+    <message>
+        <source>Change %1</source>
+        <translation>修改 %1</translation>
+    </message>
 </context>
 <context>
     <name>ModelScene</name>
@@ -825,101 +956,6 @@ Open a model from the Tool Box to build and run it.</source>
     <message>
         <source>Can not drag self!</source>
         <translation>不能将模型拖入自身!</translation>
-    </message>
-</context>
-<context>
-    <name>PathDialog</name>
-    <message>
-        <source>Open file</source>
-        <translation>打开文件</translation>
-    </message>
-    <message>
-        <source>Open files</source>
-        <translation>打开多个文件</translation>
-    </message>
-    <message>
-        <source>Save file as</source>
-        <translation>文件另存为</translation>
-    </message>
-    <message>
-        <source>Select folder</source>
-        <translation>选择文件夹</translation>
-    </message>
-</context>
-<context>
-    <name>AlgoForm</name>
-    <message>
-        <source>Linked to a variable of the model</source>
-        <translation>已链接到模型的变量</translation>
-    </message>
-    <message>
-        <source>Unlink</source>
-        <translation>取消链接</translation>
-    </message>
-    <message>
-        <source>Enter a value here instead of taking the variable&apos;s</source>
-        <translation>在此输入值，不使用变量的值</translation>
-    </message>
-    <message>
-        <source>OK</source>
-        <translation>确定</translation>
-    </message>
-    <message>
-        <source>Cancel</source>
-        <translation>取消</translation>
-    </message>
-    <message>
-        <source>Error</source>
-        <translation>错误</translation>
-    </message>
-    <message>
-        <source>Please set value: %1</source>
-        <translation>请设置值: %1</translation>
-    </message>
-</context>
-<context>
-    <name>FilterDataWidget</name>
-    <message>
-        <source>Output</source>
-        <translation>输出</translation>
-    </message>
-    <message>
-        <source>Patterns</source>
-        <translation>匹配模式</translation>
-    </message>
-    <message>
-        <source>Add</source>
-        <translation>添加</translation>
-    </message>
-    <message>
-        <source>Name of the output parameter that receives each file</source>
-        <translation>接收每个文件的输出参数的名称</translation>
-    </message>
-    <message>
-        <source>Patterns separated by &apos;;&apos;, e.g. *.tif;*.tiff</source>
-        <translation>以 &apos;;&apos; 分隔的匹配模式，例如 *.tif;*.tiff</translation>
-    </message>
-</context>
-<context>
-    <name>JsonRowsDataWidget</name>
-    <message>
-        <source>Remove</source>
-        <translation>移除</translation>
-    </message>
-    <message>
-        <source>Replace with rows</source>
-        <translation>替换为表格行</translation>
-    </message>
-    <message>
-        <source>Kept as it stands: this value is no list the table can show.</source>
-        <translation>按原样保留：此值不是表格能显示的列表.</translation>
-    </message>
-</context>
-<context>
-    <name>LineEditDataWidget</name>
-    <message>
-        <source>Browse</source>
-        <translation>浏览</translation>
     </message>
 </context>
 <context>
@@ -950,10 +986,47 @@ Open a model from the Tool Box to build and run it.</source>
     </message>
 </context>
 <context>
-    <name>SpatialReferenceDataWidget</name>
+    <name>PathDialog</name>
     <message>
-        <source>Unknown spatial reference: enter an EPSG code such as EPSG:4326, or WKT.</source>
-        <translation>未知的空间参考：请输入 EPSG 代码(例如 EPSG:4326)或 WKT.</translation>
+        <source>Open file</source>
+        <translation>打开文件</translation>
+    </message>
+    <message>
+        <source>Open files</source>
+        <translation>打开多个文件</translation>
+    </message>
+    <message>
+        <source>Save file as</source>
+        <translation>文件另存为</translation>
+    </message>
+    <message>
+        <source>Select folder</source>
+        <translation>选择文件夹</translation>
+    </message>
+</context>
+<context>
+    <name>PrintCommand</name>
+    <message>
+        <source>Model</source>
+        <translation>模型</translation>
+    </message>
+    <message>
+        <source>The picture could not be drawn.</source>
+        <translation>无法绘制图片.</translation>
+    </message>
+    <message>
+        <source>Export Picture</source>
+        <translation>导出图片</translation>
+    </message>
+    <message>
+        <source>SVG picture (*.svg);;PNG picture (*.png);;PDF document (*.pdf)</source>
+        <translation>SVG 图片 (*.svg);;PNG 图片 (*.png);;PDF 文档 (*.pdf)</translation>
+    </message>
+    <message>
+        <source>Could not write %1:
+%2</source>
+        <translation>无法写入 %1:
+%2</translation>
     </message>
 </context>
 <context>
@@ -1057,6 +1130,13 @@ Open a model from the Tool Box to build and run it.</source>
     <message>
         <source>Skip the step:</source>
         <translation>跳过步骤:</translation>
+    </message>
+</context>
+<context>
+    <name>SpatialReferenceDataWidget</name>
+    <message>
+        <source>Unknown spatial reference: enter an EPSG code such as EPSG:4326, or WKT.</source>
+        <translation>未知的空间参考：请输入 EPSG 代码(例如 EPSG:4326)或 WKT.</translation>
     </message>
 </context>
 <context>

@@ -8,14 +8,9 @@ namespace {
 
 const QString kBanner = QStringLiteral("=============================");
 
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("APCLog", text);
-}
-
 QString line(const char* word, const QString& name)
 {
-    return QLatin1Char('\n') + tr(word) + QLatin1Char(' ') + name + QLatin1Char('\n');
+    return QLatin1Char('\n') + QCoreApplication::translate("APCLog", word) + QLatin1Char(' ') + name + QLatin1Char('\n');
 }
 
 } // namespace
@@ -25,9 +20,9 @@ void APCLog::WriteError(const QString& text) { m_errorText += text; }
 
 void APCLog::LogStart(const QString& name, const QString& parameters)
 {
-    QString text = tr("Start the model:") + QLatin1Char(' ') + name + QLatin1Char('\n');
+    QString text = QCoreApplication::translate("APCLog", "Start the model:") + QLatin1Char(' ') + name + QLatin1Char('\n');
     if (!parameters.isEmpty())
-        text += tr("Parameter: ") + parameters + QLatin1Char('\n');
+        text += QCoreApplication::translate("APCLog", "Parameter: ") + parameters + QLatin1Char('\n');
     Write(text);
 }
 
@@ -35,18 +30,18 @@ void APCLog::LogStep(const APCLogRecord& r)
 {
     QString block;
     block.reserve(256 + r.parameters.size());
-    block += QLatin1Char('\n') + kBanner + tr("Start") + QLatin1Char(' ') + r.description + kBanner + QLatin1Char('\n');
-    block += tr("Algorithm:") + QLatin1Char(' ') + r.name + QLatin1Char('\n');
-    block += tr("Description:") + QLatin1Char(' ') + r.description + QLatin1Char('\n');
-    block += tr("Parameter:") + QLatin1Char(' ') + r.parameters + QLatin1Char('\n');
+    block += QLatin1Char('\n') + kBanner + QCoreApplication::translate("APCLog", "Start") + QLatin1Char(' ') + r.description + kBanner + QLatin1Char('\n');
+    block += QCoreApplication::translate("APCLog", "Algorithm:") + QLatin1Char(' ') + r.name + QLatin1Char('\n');
+    block += QCoreApplication::translate("APCLog", "Description:") + QLatin1Char(' ') + r.description + QLatin1Char('\n');
+    block += QCoreApplication::translate("APCLog", "Parameter:") + QLatin1Char(' ') + r.parameters + QLatin1Char('\n');
     if (r.succeeded) {
-        block += tr("Result of execution:") + QLatin1Char(' ') + tr("Succeed") + QLatin1Char('\n');
+        block += QCoreApplication::translate("APCLog", "Result of execution:") + QLatin1Char(' ') + QCoreApplication::translate("APCLog", "Succeed") + QLatin1Char('\n');
     } else {
-        block += tr("Result of execution:") + QLatin1Char(' ') + tr("Fail") + QLatin1Char('\n');
-        block += tr("Error number:") + QLatin1Char(' ') + QString::number(r.errorCode) + QLatin1Char('\n');
-        block += tr("Error message:") + QLatin1Char(' ') + r.errorMessage + QLatin1Char('\n');
+        block += QCoreApplication::translate("APCLog", "Result of execution:") + QLatin1Char(' ') + QCoreApplication::translate("APCLog", "Fail") + QLatin1Char('\n');
+        block += QCoreApplication::translate("APCLog", "Error number:") + QLatin1Char(' ') + QString::number(r.errorCode) + QLatin1Char('\n');
+        block += QCoreApplication::translate("APCLog", "Error message:") + QLatin1Char(' ') + r.errorMessage + QLatin1Char('\n');
     }
-    block += kBanner + tr("End") + QLatin1Char(' ') + r.description + kBanner + QLatin1Char('\n');
+    block += kBanner + QCoreApplication::translate("APCLog", "End") + QLatin1Char(' ') + r.description + kBanner + QLatin1Char('\n');
     if (r.errorCode != 0) {
         ++m_failCount;
         WriteError(block);
@@ -56,14 +51,14 @@ void APCLog::LogStep(const APCLogRecord& r)
     Write(block);
 }
 
-void APCLog::LogPause(const QString& name) { Write(line("Pause the model:", name)); }
-void APCLog::LogContinue(const QString& name) { Write(line("Continue the model:", name)); }
-void APCLog::LogEnd(const QString& name) { Write(line("End the model:", name)); }
+void APCLog::LogPause(const QString& name) { Write(line(QT_TRANSLATE_NOOP("APCLog", "Pause the model:"), name)); }
+void APCLog::LogContinue(const QString& name) { Write(line(QT_TRANSLATE_NOOP("APCLog", "Continue the model:"), name)); }
+void APCLog::LogEnd(const QString& name) { Write(line(QT_TRANSLATE_NOOP("APCLog", "End the model:"), name)); }
 
 void APCLog::LogSummary()
 {
-    Write(QLatin1Char('\n') + kBanner + tr("Generate:") + QLatin1Char(' ') + tr("Succeed:") + QLatin1Char(' ') +
-          QString::number(m_succeedCount) + QStringLiteral(", ") + tr("Fail:") + QLatin1Char(' ') +
+    Write(QLatin1Char('\n') + kBanner + QCoreApplication::translate("APCLog", "Generate:") + QLatin1Char(' ') + QCoreApplication::translate("APCLog", "Succeed:") + QLatin1Char(' ') +
+          QString::number(m_succeedCount) + QStringLiteral(", ") + QCoreApplication::translate("APCLog", "Fail:") + QLatin1Char(' ') +
           QString::number(m_failCount) + QLatin1Char(' ') + kBanner + QLatin1Char('\n'));
     m_succeedCount = 0;
     m_failCount = 0;
