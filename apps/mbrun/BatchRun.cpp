@@ -23,10 +23,12 @@
 #include "engine/SequenceNode.h"
 #include "model/APCModel.h"
 #include "model/APCProcess.h"
+#include "model/VarReference.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QFileInfo>
+#include <QSet>
 #include <QTimer>
 
 #include <unistd.h>
@@ -147,9 +149,26 @@ int BatchRun::Plan(Plugin::APCModel& model, const FreeInputs& inputs)
     return plan.Failed() ? StepFailed : Success;
 }
 
+namespace {
+
+// Whether step reads a var it also writes: then it waits for itself.
+bool readsWhatItWrites(Plugin::APCProcess* step)
+{
+    QSet<QString> read, written;
+    for (const Plugin::APCParameter& p : step->GetParameters())
+        if (Plugin::IsVarReference(p.value))
+            (p.direction == 1 ? written : read).insert(Plugin::ReferencedVarId(p.value));
+    return read.intersects(written);
+}
+
+} // namespace
+
 QStringList BatchRun::FileConflictsOf(Plugin::APCModel& model, const FreeInputs& inputs)
 {
-    if (model.GetProcesses().size() < 2)
+    // One step has nothing to conflict with, and waits only when it reads what
+    // it writes: the graph is built only then, to keep a one-step run quick.
+    if (model.GetProcesses().size() < 2 &&
+        (model.GetProcesses().isEmpty() || !readsWhatItWrites(model.GetProcesses().first())))
         return {};
     // Every round is planned, as a dry run would: the names of a round's files
     // are known only once its iterator hands them out.

@@ -202,6 +202,11 @@ TEST(MbrunBatch, RefusesBeforeTheRunAndSaysWhy)
     Connect(loop, VarOf(loop, first, "Out File"), second, "In File");
     Connect(loop, VarOf(loop, second, "Out File"), first, "In File");
     loop.SaveFile(batch.dir.filePath("loop.apc"));
+    HeadlessModel itself; // one step reading what it writes
+    APCAlgo* alone = AddAlgo(itself, "raster.translate");
+    SetConstant(VarOf(itself, alone, "Out File"), batch.dir.filePath("c.tif"));
+    Connect(itself, VarOf(itself, alone, "Out File"), alone, "In File");
+    itself.SaveFile(batch.dir.filePath("itself.apc"));
     const QString cycle = "the model cannot run: the steps \"Convert raster\" -> \"Slope\" -> \"Convert raster\" wait for each other";
 
     struct Case { const char* name; QStringList args; int code; QStringList inErr; };
@@ -222,6 +227,8 @@ TEST(MbrunBatch, RefusesBeforeTheRunAndSaysWhy)
         {"no inputs to list", {batch.dir.filePath("closed.apc"), "--list"}, 0, {"the model has no free inputs"}},
         {"steps in a cycle", {batch.dir.filePath("loop.apc")}, 2, {cycle}},
         {"the same in a dry run", {batch.dir.filePath("loop.apc"), "--dry-run"}, 2, {cycle}},
+        {"a step waiting for itself", {batch.dir.filePath("itself.apc")}, 2,
+         {"the steps \"Convert raster\" -> \"Convert raster\" wait for each other"}},
     };
     const QByteArray modelBytes = ReadAll(batch.model);
     for (const Case& c : cases) {
