@@ -72,6 +72,7 @@ void APCFileIterator::CopyFileIteratorFrom(const APCFileIterator& other)
 {
     CopyIteratorFrom(other);
     m_total = other.m_total;
+    m_onlyRound = other.m_onlyRound;
     m_spare = other.m_spare;
 }
 
@@ -372,6 +373,13 @@ bool APCFileIterator::Execute()
             }
         }
         BuildRounds();
+        if (m_onlyRound > 0) {
+            // One round of a batch run on its own: the same files as in the whole run.
+            QList<QMap<QString, QString>> only;
+            if (m_onlyRound <= m_rounds.size())
+                only.append(m_rounds.at(m_onlyRound - 1));
+            m_rounds.swap(only);
+        }
         m_total = m_rounds.size();
     }
     if (m_rounds.isEmpty()) {
