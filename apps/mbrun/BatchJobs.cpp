@@ -19,6 +19,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <memory>
@@ -46,8 +47,9 @@ QJsonObject readReport(const QString& path)
 
 } // namespace
 
-int BatchRun::RunJobs(const Outline& outline, int rounds, int jobs)
+int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int()>& countRounds)
 {
+    int rounds = outline.rounds.size();
     QTemporaryDir work(QDir::temp().filePath(QStringLiteral("mbrun-jobs-XXXXXX")));
     if (!work.isValid())
         return Refuse({QStringLiteral("mbrun: cannot make a folder for the rounds' reports: %1\n").arg(work.errorString())});
@@ -130,7 +132,9 @@ int BatchRun::RunJobs(const Outline& outline, int rounds, int jobs)
         if (prologueFirst && round == 1) {
             takeEnded(false);
             // A failure outside any round ends a run: the other rounds do not start.
-            prologueFailed = !failedOutside.isEmpty();
+            prologueFailed = !failedOutside.isEmpty() || merged == 1;
+            if (!prologueFailed)
+                rounds = std::max(1, countRounds());
         }
         running.erase(round);
         takeEnded(false);
@@ -146,8 +150,9 @@ int BatchRun::RunJobs(const Outline& outline, int rounds, int jobs)
             child->process = std::make_unique<QProcess>();
             QStringList args = common;
             args << QStringLiteral("--round") << QString::number(next);
-            if (!(prologueFirst && next == 1))
-                args << QStringLiteral("--no-prologue");
+            // The first round runs the steps outside the iterator as a whole run
+            // would; the others leave them out.
+            args << (prologueFirst && next == 1 ? QStringLiteral("--with-prologue") : QStringLiteral("--no-prologue"));
             args << QStringLiteral("--report") << child->report;
             const int round = next;
             QObject::connect(child->process.get(), QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished),

@@ -182,7 +182,13 @@ QStringList BatchRun::OutlineOf(Plugin::APCModel& model, const FreeInputs& input
         outline->iterator = outer->GetProcess()->GetDescription();
         for (Plugin::SequenceNode* node : graph.Prologue())
             outline->prologue.insert(node->GetProcess()->GetName());
-        outline->parallel = graph.IteratorCount() == 1 && outer->Predecessors().isEmpty();
+        // Steps outside the iterator run once, before its first round, only when
+        // they lead to it: one that does not is an end of the graph the later
+        // rounds never reach again, and the run stalls there.
+        bool leadToIterator = true;
+        for (Plugin::SequenceNode* node : graph.Prologue())
+            leadToIterator = leadToIterator && Plugin::StepGraph::Behind(node).contains(outer);
+        outline->parallel = graph.IteratorCount() == 1 && leadToIterator;
     }
     plan.Walk();
     outline->rounds = plan.OuterRounds();
@@ -293,7 +299,11 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
         // Resuming reads and writes one state per folder, which one run holds at a
         // time: a resumed batch runs its rounds in turn.
         if (round == 0 && jobs > 1 && outline.parallel && outline.rounds.size() > 1 && !m_options.Resume())
-            return RunJobs(outline, outline.rounds.size(), jobs);
+            return RunJobs(outline, jobs, [&] {
+                // The steps outside the iterator may have made files it lists.
+                Outline now;
+                return OutlineOf(model, inputs, &now).isEmpty() ? now.rounds.size() : 0;
+            });
     }
     Plugin::SequenceControl control;
     auto* log = new StreamingLog;
@@ -355,6 +365,8 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
             return false;
         if (m_options.NoPrologue())
             return true;
+        if (m_options.WithPrologue())
+            return false;
         const StepFiles files(clone);
         for (const QString& output : files.Outputs())
             if (!QFileInfo::exists(output))

@@ -7,6 +7,7 @@
 #include <QSet>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 namespace Plugin {
@@ -57,8 +58,9 @@ private:
     QString SelectRound(Plugin::APCModel& model, const FreeInputs& inputs, int round);
     // Prints the rounds of the outermost iterator.
     int ListRounds(Plugin::APCModel& model, const FreeInputs& inputs);
-    // Runs the rounds in child processes, jobs at a time.
-    int RunJobs(const Outline& outline, int rounds, int jobs);
+    // Runs the rounds in child processes, jobs at a time; countRounds tells how
+    // many rounds there are once the steps outside the iterator have run.
+    int RunJobs(const Outline& outline, int jobs, const std::function<int()>& countRounds);
     // Runs the model, or prints its plan for a dry run.
     int Run(Plugin::APCModel& model, const FreeInputs& inputs);
     int Plan(Plugin::APCModel& model, const FreeInputs& inputs);

@@ -2,6 +2,8 @@
 
 #include <QFileInfo>
 
+#include <utility>
+
 namespace Mbrun {
 
 QString CommandLine::Usage()
@@ -25,6 +27,7 @@ QString CommandLine::Usage()
         "  --round K         run round K of the iterator only, after the steps outside it\n"
         "                    whose outputs are missing\n"
         "  --no-prologue     with --round: run no step outside the iterator\n"
+        "  --with-prologue   with --round: run every step outside the iterator\n"
         "  -j, --jobs N      run N rounds at a time (0: one per core; default 1)\n"
         "\n"
         "The run's log goes to standard output; exit code 0 when every step succeeded,\n"
@@ -66,6 +69,8 @@ bool CommandLine::Parse(const QStringList& arguments)
             m_json = true;
         } else if (a == QLatin1String("--no-prologue")) {
             m_noPrologue = true;
+        } else if (a == QLatin1String("--with-prologue")) {
+            m_withPrologue = true;
         } else if (a == QLatin1String("--round") || a == QLatin1String("--jobs") || a == QLatin1String("-j")) {
             if (args.isEmpty())
                 return Fail(QStringLiteral("mbrun: %1 needs a value\n").arg(a));
@@ -95,8 +100,11 @@ bool CommandLine::Parse(const QStringList& arguments)
     }
     if (m_json && m_action != Action::ListRounds)
         return Fail(QStringLiteral("mbrun: --json goes with --list-rounds\n"));
-    if (m_noPrologue && m_round == 0)
-        return Fail(QStringLiteral("mbrun: --no-prologue goes with --round\n"));
+    for (const auto& [given, flag] : {std::make_pair(m_noPrologue, "--no-prologue"), std::make_pair(m_withPrologue, "--with-prologue")})
+        if (given && m_round == 0)
+            return Fail(QStringLiteral("mbrun: %1 goes with --round\n").arg(QLatin1String(flag)));
+    if (m_noPrologue && m_withPrologue)
+        return Fail(QStringLiteral("mbrun: --no-prologue and --with-prologue exclude each other\n"));
     if (m_round > 0 && m_jobs != 1)
         return Fail(QStringLiteral("mbrun: --round runs one round: leave out --jobs\n"));
     if (m_dryRun && !m_reportPath.isEmpty())

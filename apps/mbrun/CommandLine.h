@@ -32,6 +32,8 @@ public:
     int Round() const { return m_round; }
     // With Round(): leave the steps outside the iterator out.
     bool NoPrologue() const { return m_noPrologue; }
+    // With Round(): run the steps outside the iterator even where their outputs exist.
+    bool WithPrologue() const { return m_withPrologue; }
     // How many rounds run at a time; 0 for one per core.
     int Jobs() const { return m_jobs; }
 
@@ -47,6 +49,7 @@ private:
     bool m_json = false;
     int m_round = 0;
     bool m_noPrologue = false;
+    bool m_withPrologue = false;
     int m_jobs = 1;
     QString m_error;
 };

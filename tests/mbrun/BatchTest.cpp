@@ -742,3 +742,35 @@ TEST(MbrunBatch, RoundsSideBySideGiveTheFilesAndTheReportOfOneJob)
     EXPECT_EQ(files[0], files[1]);
     EXPECT_EQ(said[0], said[1]);
 }
+
+TEST(MbrunBatch, OneRoundRunsTheStepsOutsideTheIteratorOnlyWhereTheirOutputsAreMissing)
+{
+    SceneBatch batch;
+    HeadlessModel m;
+    ASSERT_TRUE(m.LoadFile(batch.model));
+    APCAlgo* copy = AddAlgo(m, "raster.translate");
+    SetConstant(VarOf(m, copy, "In File"), batch.Scene(1));
+    const QString reference = batch.dir.filePath("reference.tif");
+    SetConstant(VarOf(m, copy, "Out File"), reference);
+    const QString model = batch.dir.filePath("prologue.apc");
+    ASSERT_TRUE(m.SaveFile(model));
+    const QStringList args{model, "--set", "Scene folders=" + batch.scenes, "--set", "Output folder=" + batch.out,
+                           "--report", batch.report};
+    struct Case { const char* name; QStringList more; bool removeFirst; std::string skipped; };
+    const std::vector<Case> cases = {
+        {"its output is missing", {"--round", "2"}, true, ""},
+        {"its output is there", {"--round", "3"}, false, "0:raster.translate"},
+        {"left out", {"--round", "1", "--no-prologue"}, true, "0:raster.translate"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        if (c.removeFirst)
+            QFile::remove(reference);
+        const Outcome o = Mbrun(args + c.more);
+        EXPECT_EQ(o.code, 0) << qPrintable(o.out + o.err);
+        const QJsonObject r = readReport(batch.report);
+        EXPECT_EQ(stepsWithStatus(r, "skipped"), c.skipped);
+        EXPECT_EQ(r["rounds"][0]["round"].toInt(), c.more[1].toInt());
+        EXPECT_EQ(QFile::exists(reference), c.skipped.empty() || !c.removeFirst);
+    }
+}
