@@ -1,5 +1,5 @@
-// Rounds side by side: each round runs in a child mbrun (--round K), so that a
-// round's log, memory and failure stay its own; the parent prints each child's
+// Rounds side by side: each few rounds run in a child mbrun (--round K-L), so that
+// their logs, memory and failures stay their own; the parent prints each child's
 // log whole as it ends and gathers the reports in round order.
 #include "BatchRun.h"
 
@@ -32,7 +32,8 @@ namespace {
 
 struct Child
 {
-    int round = 0;
+    int round = 0; // its first
+    int last = 0;
     QString report;
     std::unique_ptr<QProcess> process;
 };
@@ -60,7 +61,10 @@ int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int(
     // Steps outside the iterator run once, with the first round, before the others start.
     const bool prologueFirst = !outline.prologue.isEmpty();
     std::map<int, std::unique_ptr<Child>> running;
-    std::map<int, QString> ended; // round -> its report, not yet taken
+    std::map<int, std::pair<int, QString>> ended; // first round -> last, its report, not yet taken
+    // A process costs its start and its first touch of the memory its steps use:
+    // a child takes a few rounds in turn, while enough are left to keep every job busy.
+    const int chunk = std::clamp((rounds + 2 * jobs - 1) / (2 * jobs), 1, 16);
     int next = 1;
     int merged = 1;
     bool prologueFailed = false;
@@ -104,9 +108,9 @@ int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int(
     // Reports are taken in round order, so that the report lists them so.
     auto takeEnded = [&](bool all) {
         while (!ended.empty() && (all || ended.begin()->first == merged)) {
-            take(ended.begin()->first, ended.begin()->second);
-            QFile::remove(ended.begin()->second);
-            merged = ended.begin()->first + 1;
+            take(ended.begin()->first, ended.begin()->second.second);
+            QFile::remove(ended.begin()->second.second);
+            merged = ended.begin()->second.first + 1;
             ended.erase(ended.begin());
         }
     };
@@ -127,7 +131,7 @@ int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int(
             Say({QStringLiteral("mbrun: the run of round %1 ended without a report (%2)\n").arg(round).arg(p.errorString())});
             refused = true;
         } else {
-            ended.emplace(round, child.report);
+            ended.emplace(round, std::make_pair(child.last, child.report));
         }
         if (prologueFirst && round == 1) {
             takeEnded(false);
@@ -146,15 +150,18 @@ int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int(
                 break; // the first round, with the steps outside the iterator, still runs
             auto child = std::make_unique<Child>();
             child->round = next;
+            child->last = prologueFirst && next == 1 ? 1 : std::min(rounds, next + chunk - 1);
             child->report = work.filePath(QStringLiteral("round-%1.json").arg(next));
             child->process = std::make_unique<QProcess>();
             QStringList args = common;
-            args << QStringLiteral("--round") << QString::number(next);
+            args << QStringLiteral("--round")
+                 << (child->last == next ? QString::number(next) : QStringLiteral("%1-%2").arg(next).arg(child->last));
             // The first round runs the steps outside the iterator as a whole run
             // would; the others leave them out.
             args << (prologueFirst && next == 1 ? QStringLiteral("--with-prologue") : QStringLiteral("--no-prologue"));
             args << QStringLiteral("--report") << child->report;
             const int round = next;
+            next = child->last + 1;
             QObject::connect(child->process.get(), QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished),
                              &loop, [&, round] { onEnded(round); }, Qt::QueuedConnection);
             QObject::connect(child->process.get(), &QProcess::errorOccurred, &loop, [&, round](QProcess::ProcessError e) {
@@ -162,8 +169,7 @@ int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int(
                     QMetaObject::invokeMethod(&loop, [&, round] { onEnded(round); }, Qt::QueuedConnection);
             });
             child->process->start(QCoreApplication::applicationFilePath(), args);
-            running.emplace(next, std::move(child));
-            ++next;
+            running.emplace(round, std::move(child));
         }
         if (running.empty())
             loop.quit();

@@ -197,7 +197,7 @@ QStringList BatchRun::OutlineOf(Plugin::APCModel& model, const FreeInputs& input
     return plan.Conflicts().Problems();
 }
 
-QString BatchRun::SelectRound(Plugin::APCModel& model, const FreeInputs& inputs, int round)
+QString BatchRun::SelectRounds(Plugin::APCModel& model, const FreeInputs& inputs, int round, int last)
 {
     Plugin::SequenceControl control;
     const QString buildError = PrepareUnstarted(control, model, inputs);
@@ -209,7 +209,7 @@ QString BatchRun::SelectRound(Plugin::APCModel& model, const FreeInputs& inputs,
     // The model's own iterator: each run's clone copies the choice.
     auto* iterator = dynamic_cast<Plugin::APCFileIterator*>(model.FindProcess(outer->GetProcess()->GetName()));
     if (iterator)
-        iterator->SetOnlyRound(round);
+        iterator->SetRoundRange(round, last);
     return QString();
 }
 
@@ -284,7 +284,7 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
             return Refuse(conflicts);
     } else {
         if (round > 0) {
-            const QString refusal = SelectRound(model, inputs, round);
+            const QString refusal = SelectRounds(model, inputs, round, m_options.LastRound());
             if (!refusal.isEmpty())
                 return Refuse({refusal});
         }

@@ -54,8 +54,9 @@ private:
     };
     // Walks the plan as a run would check it; the lines that refuse the run.
     QStringList OutlineOf(Plugin::APCModel& model, const FreeInputs& inputs, Outline* outline);
-    // Lets the outermost iterator hand out round only; a refusal when it cannot.
-    QString SelectRound(Plugin::APCModel& model, const FreeInputs& inputs, int round);
+    // Lets the outermost iterator hand out rounds round to last only; a refusal
+    // when it cannot.
+    QString SelectRounds(Plugin::APCModel& model, const FreeInputs& inputs, int round, int last);
     // Prints the rounds of the outermost iterator.
     int ListRounds(Plugin::APCModel& model, const FreeInputs& inputs);
     // Runs the rounds in child processes, jobs at a time; countRounds tells how

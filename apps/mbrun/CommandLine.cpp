@@ -25,7 +25,7 @@ QString CommandLine::Usage()
         "  --report FILE     write a JSON report of the run (format mbrun-report/1), also\n"
         "                    when the run fails or is interrupted\n"
         "  --round K         run round K of the iterator only, after the steps outside it\n"
-        "                    whose outputs are missing\n"
+        "                    whose outputs are missing; K-L runs rounds K to L in turn\n"
         "  --no-prologue     with --round: run no step outside the iterator\n"
         "  --with-prologue   with --round: run every step outside the iterator\n"
         "  -j, --jobs N      run N rounds at a time (0: one per core; default 1)\n"
@@ -76,12 +76,19 @@ bool CommandLine::Parse(const QStringList& arguments)
                 return Fail(QStringLiteral("mbrun: %1 needs a value\n").arg(a));
             const QString value = args.takeFirst();
             bool ok = false;
-            const int number = value.toInt(&ok);
             const bool round = a == QLatin1String("--round");
-            if (!ok || number < (round ? 1 : 0))
-                return Fail(round ? QStringLiteral("mbrun: --round needs a round number (1, 2, ...), got \"%1\"\n").arg(value)
-                                  : QStringLiteral("mbrun: %1 needs a number of jobs (0 for one per core), got \"%2\"\n").arg(a, value));
-            (round ? m_round : m_jobs) = number;
+            if (round) {
+                const QStringList range = value.split(QLatin1Char('-'));
+                bool lastOk = false;
+                m_round = range.first().toInt(&ok);
+                m_lastRound = range.size() == 2 ? range.last().toInt(&lastOk) : m_round;
+                if (!ok || m_round < 1 || range.size() > 2 || (range.size() == 2 && (!lastOk || m_lastRound < m_round)))
+                    return Fail(QStringLiteral("mbrun: --round needs a round number (1, 2, ...) or a range such as 3-8, got \"%1\"\n").arg(value));
+                continue;
+            }
+            m_jobs = value.toInt(&ok);
+            if (!ok || m_jobs < 0)
+                return Fail(QStringLiteral("mbrun: %1 needs a number of jobs (0 for one per core), got \"%2\"\n").arg(a, value));
         } else if (a == QLatin1String("--report") || a == QLatin1String("--set")) {
             if (args.isEmpty())
                 return Fail(QStringLiteral("mbrun: %1 needs a value\n").arg(a));

@@ -28,8 +28,10 @@ public:
     QString ReportPath() const { return m_reportPath; }
     // --list-rounds as JSON.
     bool Json() const { return m_json; }
-    // The one round to run (1, 2, ...); 0 for all.
+    // The one round to run (1, 2, ...), or the first of a range; 0 for all.
     int Round() const { return m_round; }
+    // The last round of the range to run (Round() for one).
+    int LastRound() const { return m_lastRound; }
     // With Round(): leave the steps outside the iterator out.
     bool NoPrologue() const { return m_noPrologue; }
     // With Round(): run the steps outside the iterator even where their outputs exist.
@@ -48,6 +50,7 @@ private:
     QString m_reportPath;
     bool m_json = false;
     int m_round = 0;
+    int m_lastRound = 0;
     bool m_noPrologue = false;
     bool m_withPrologue = false;
     int m_jobs = 1;

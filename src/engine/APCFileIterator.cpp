@@ -72,7 +72,8 @@ void APCFileIterator::CopyFileIteratorFrom(const APCFileIterator& other)
 {
     CopyIteratorFrom(other);
     m_total = other.m_total;
-    m_onlyRound = other.m_onlyRound;
+    m_firstRound = other.m_firstRound;
+    m_lastRound = other.m_lastRound;
     m_spare = other.m_spare;
 }
 
@@ -373,13 +374,8 @@ bool APCFileIterator::Execute()
             }
         }
         BuildRounds();
-        if (m_onlyRound > 0) {
-            // One round of a batch run on its own: the same files as in the whole run.
-            QList<QMap<QString, QString>> only;
-            if (m_onlyRound <= m_rounds.size())
-                only.append(m_rounds.at(m_onlyRound - 1));
-            m_rounds.swap(only);
-        }
+        if (m_firstRound > 0) // rounds of a batch run on their own: the same files as in the whole run
+            m_rounds = m_rounds.mid(m_firstRound - 1, std::max(0, m_lastRound - m_firstRound + 1));
         m_total = m_rounds.size();
     }
     if (m_rounds.isEmpty()) {

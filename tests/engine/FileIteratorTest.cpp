@@ -194,7 +194,7 @@ TEST(FileIterator, ExecuteHandsOutRoundsThenReportsTheEnd)
     EXPECT_EQ(progress[3], 100.0);
 }
 
-TEST(FileIterator, OneRoundOfTheScanIsHandedOutAloneByARunsClone)
+TEST(FileIterator, RoundsOfTheScanAreHandedOutAloneByARunsClone)
 {
     QTemporaryDir tmp;
     for (const char* f : {"a.tif", "b.tif", "c.tif"})
@@ -204,10 +204,11 @@ TEST(FileIterator, OneRoundOfTheScanIsHandedOutAloneByARunsClone)
     model.AddProcess(it);
     model.GetVars()[0]->SetRunValue(dirs({dirEntry(tmp.path())}));
     APCVar* out = model.GetVars()[1];
-    struct Case { int only; QStringList handedOut; };
-    for (const Case& c : {Case{2, {"b.tif"}}, Case{3, {"c.tif"}}, Case{4, {}}, Case{0, {"a.tif", "b.tif", "c.tif"}}}) {
-        SCOPED_TRACE(c.only);
-        it->SetOnlyRound(c.only);
+    struct Case { int first, last; QStringList handedOut; };
+    for (const Case& c : {Case{2, 2, {"b.tif"}}, Case{3, 3, {"c.tif"}}, Case{4, 4, {}}, Case{2, 5, {"b.tif", "c.tif"}},
+                          Case{0, 0, {"a.tif", "b.tif", "c.tif"}}}) {
+        SCOPED_TRACE(c.first);
+        it->SetRoundRange(c.first, c.last);
         std::unique_ptr<APCFileIterator> clone(static_cast<APCFileIterator*>(it->Clone()));
         QStringList seen;
         while (clone->Execute())
