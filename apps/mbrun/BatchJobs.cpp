@@ -168,7 +168,10 @@ int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int(
                 if (e == QProcess::FailedToStart)
                     QMetaObject::invokeMethod(&loop, [&, round] { onEnded(round); }, Qt::QueuedConnection);
             });
-            child->process->start(QCoreApplication::applicationFilePath(), args);
+            {
+                const StopSignals::HeldForChild held;
+                child->process->start(QCoreApplication::applicationFilePath(), args);
+            }
             running.emplace(round, std::move(child));
         }
         if (running.empty())

@@ -20,6 +20,7 @@
 #include <QRegularExpression>
 #include <QSysInfo>
 #include <QTemporaryDir>
+#include <QThread>
 #include <gdal_priv.h>
 #include <ogr_spatialref.h>
 #include <gtest/gtest.h>
@@ -782,4 +783,31 @@ TEST(MbrunBatch, OneRoundRunsTheStepsOutsideTheIteratorOnlyWhereTheirOutputsAreM
         EXPECT_EQ(r["rounds"][0]["round"].toInt(), c.more[1].toInt());
         EXPECT_EQ(QFile::exists(reference), c.skipped.empty() || !c.removeFirst);
     }
+}
+
+TEST(MbrunBatch, ASignalStopsEveryRoundRunningSideBySide)
+{
+    SceneBatch batch;
+    for (int i = 1; i <= 4; ++i)
+        makeRaster(batch.Scene(i), 2500, 4); // a round takes a while
+    QProcess p;
+    p.start(MbrunPath(), batch.Args({"--jobs", "2", "--report", batch.report}));
+    ASSERT_TRUE(WaitUntil([&] { return !hiddenIn(batch.out).isEmpty() || p.state() == QProcess::NotRunning; }, 60000));
+    ASSERT_EQ(p.state(), QProcess::Running) << "the rounds ended before they could be stopped";
+    ASSERT_EQ(::kill(pid_t(p.processId()), SIGINT), 0);
+    ASSERT_TRUE(p.waitForFinished(30000));
+    const QString out = QString::fromUtf8(p.readAllStandardOutput());
+    const QString err = QString::fromUtf8(p.readAllStandardError());
+    EXPECT_EQ(p.exitCode(), 130) << qPrintable(err);
+    EXPECT_TRUE(out.contains("\nEnd the model: scene_ndvi\n")) << qPrintable(out);
+    EXPECT_TRUE(err.contains("mbrun: SIGINT stopped the run; steps finished: ")) << qPrintable(err);
+    EXPECT_FALSE(err.contains("without a report")) << qPrintable(err); // a round just starting stops as cleanly
+    const QJsonObject r = readReport(batch.report);
+    EXPECT_EQ(r["status"].toString(), "interrupted");
+    EXPECT_EQ(r["signal"].toString(), "SIGINT");
+    EXPECT_GE(r["summary"]["interrupted"].toInt(), 1);
+    // The rounds were stopped too, not left running: nothing more is written.
+    const QMap<QString, qint64> after = snapshot(batch.out);
+    QThread::msleep(1500);
+    EXPECT_EQ(snapshot(batch.out), after);
 }
