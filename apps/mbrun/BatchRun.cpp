@@ -11,16 +11,17 @@
 #include "RunRecorder.h"
 #include "StallWatch.h"
 #include "StepFiles.h"
-#include "StepGraph.h"
 #include "StopSignals.h"
 #include "StreamingLog.h"
 
 #include "HostRunner/OutputPaths.h"
 
 #include "engine/APCExecuteFactory.h"
+#include "engine/APCFileIterator.h"
 #include "engine/ModelRun.h"
 #include "engine/SequenceControl.h"
 #include "engine/SequenceNode.h"
+#include "engine/StepGraph.h"
 #include "model/APCModel.h"
 #include "model/APCProcess.h"
 #include "model/VarReference.h"
@@ -28,7 +29,11 @@
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QSet>
+#include <QThread>
 #include <QTimer>
 
 #include <unistd.h>
@@ -103,6 +108,8 @@ int BatchRun::Exec()
         m_report->SetInputs(inputs.Values());
     if (!inputProblems.isEmpty())
         return Refuse(inputProblems);
+    if (m_options.GetAction() == CommandLine::Action::ListRounds)
+        return ListRounds(model, inputs);
     return Run(model, inputs);
 }
 
@@ -112,7 +119,7 @@ QString BatchRun::PrepareUnstarted(Plugin::SequenceControl& control, Plugin::APC
     if (!control.GetBuildError().isEmpty())
         return control.GetBuildError();
     // Steps that wait for each other would never start: the run would only stall.
-    const QList<Plugin::SequenceNode*> cycle = StepGraph::Cycle(control.GetNodes());
+    const QList<Plugin::SequenceNode*> cycle = Plugin::StepGraph::Cycle(control.GetNodes());
     if (cycle.isEmpty())
         return QString();
     QStringList descriptions;
@@ -181,6 +188,93 @@ QStringList BatchRun::FileConflictsOf(Plugin::APCModel& model, const FreeInputs&
     return plan.Conflicts().Problems();
 }
 
+QStringList BatchRun::OutlineOf(Plugin::APCModel& model, const FreeInputs& inputs, Outline* outline)
+{
+    Plugin::SequenceControl control;
+    const QString buildError = PrepareUnstarted(control, model, inputs);
+    if (!buildError.isEmpty())
+        return {QStringLiteral("mbrun: the model cannot run: %1\n").arg(buildError)};
+    PlanPrinter plan(control, nullptr);
+    Plugin::RunPlan& graph = plan.Graph();
+    Plugin::SequenceNode* outer = graph.OuterIterator();
+    if (outer) {
+        outline->iterator = outer->GetProcess()->GetDescription();
+        for (Plugin::SequenceNode* node : graph.Prologue())
+            outline->prologue.insert(node->GetProcess()->GetName());
+        // Steps outside the iterator run once, before its first round, only when
+        // they lead to it: one that does not is an end of the graph the later
+        // rounds never reach again, and the run stalls there.
+        bool leadToIterator = true;
+        for (Plugin::SequenceNode* node : graph.Prologue())
+            leadToIterator = leadToIterator && Plugin::StepGraph::Behind(node).contains(outer);
+        outline->parallel = graph.IteratorCount() == 1 && leadToIterator;
+    }
+    plan.Walk();
+    outline->rounds = plan.OuterRounds();
+    outline->failed = plan.Failed();
+    outline->warnings = plan.Warnings();
+    return plan.Conflicts().Problems();
+}
+
+QString BatchRun::SelectRounds(Plugin::APCModel& model, const FreeInputs& inputs, int round, int last)
+{
+    Plugin::SequenceControl control;
+    const QString buildError = PrepareUnstarted(control, model, inputs);
+    if (!buildError.isEmpty())
+        return QStringLiteral("mbrun: the model cannot run: %1\n").arg(buildError);
+    Plugin::SequenceNode* outer = Plugin::RunPlan(control).OuterIterator();
+    if (!outer)
+        return round == 1 ? QString() : QStringLiteral("mbrun: the model has no iterator: its one round is 1\n");
+    // The model's own iterator: each run's clone copies the choice.
+    auto* iterator = dynamic_cast<Plugin::APCFileIterator*>(model.FindProcess(outer->GetProcess()->GetName()));
+    if (iterator)
+        iterator->SetRoundRange(round, last);
+    return QString();
+}
+
+int BatchRun::ListRounds(Plugin::APCModel& model, const FreeInputs& inputs)
+{
+    Outline outline;
+    const QStringList refusal = OutlineOf(model, inputs, &outline);
+    if (!refusal.isEmpty())
+        return Refuse(refusal);
+    Say(outline.warnings);
+    if (outline.failed) {
+        Say({QStringLiteral("mbrun: the iterator \"%1\" cannot hand out its files (see --dry-run)\n").arg(outline.iterator)});
+        return StepFailed;
+    }
+    if (outline.iterator.isEmpty())
+        outline.rounds.append(Plugin::RunPlan::Round{1, 0, nullptr, {}, QString()});
+    if (m_options.Json()) {
+        QJsonArray rounds;
+        for (const Plugin::RunPlan::Round& r : outline.rounds) {
+            QJsonObject files;
+            for (const auto& f : r.files)
+                files.insert(f.first, f.second);
+            rounds.append(QJsonObject{{QStringLiteral("round"), r.number},
+                                      {QStringLiteral("file"), r.file.isEmpty() ? QJsonValue() : QJsonValue(r.file)},
+                                      {QStringLiteral("files"), files}});
+        }
+        const QJsonObject root{{QStringLiteral("model"), QFileInfo(m_options.ModelPath()).absoluteFilePath()},
+                               {QStringLiteral("iterator"), outline.iterator.isEmpty() ? QJsonValue() : QJsonValue(outline.iterator)},
+                               {QStringLiteral("rounds"), rounds}};
+        Console::Out(QString::fromUtf8(QJsonDocument(root).toJson(QJsonDocument::Indented)));
+        return Success;
+    }
+    QString text;
+    for (const Plugin::RunPlan::Round& r : outline.rounds) {
+        if (outline.iterator.isEmpty()) {
+            text += QStringLiteral("Round 1: the whole model (it has no iterator)\n");
+            continue;
+        }
+        text += QStringLiteral("Round %1 of %2: %3\n").arg(r.number).arg(outline.iterator, r.file);
+        for (const auto& f : r.files)
+            text += QStringLiteral("    %1 = %2\n").arg(f.first, f.second);
+    }
+    Console::Out(text);
+    return Success;
+}
+
 void BatchRun::WaitForLateSteps(const RunRecorder& recorder)
 {
     // A failure ends the run while other branches may still be executing; they
@@ -201,13 +295,41 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
 {
     if (m_options.DryRun())
         return Plan(model, inputs);
-    const QStringList conflicts = FileConflictsOf(model, inputs);
-    if (!conflicts.isEmpty())
-        return Refuse(conflicts);
+    const int round = m_options.Round();
+    Outline outline;
+    if (round == 0 && m_options.Jobs() == 1) {
+        const QStringList conflicts = FileConflictsOf(model, inputs);
+        if (!conflicts.isEmpty())
+            return Refuse(conflicts);
+    } else {
+        if (round > 0) {
+            const QString refusal = SelectRounds(model, inputs, round, m_options.LastRound());
+            if (!refusal.isEmpty())
+                return Refuse({refusal});
+        }
+        const QStringList conflicts = OutlineOf(model, inputs, &outline);
+        if (!conflicts.isEmpty())
+            return Refuse(conflicts);
+        if (round > 0 && !outline.iterator.isEmpty() && outline.rounds.isEmpty() && !outline.failed)
+            return Refuse({QStringLiteral("mbrun: there is no round %1: the iterator \"%2\" hands out fewer (see --list-rounds)\n")
+                               .arg(round)
+                               .arg(outline.iterator)});
+        const int jobs = m_options.Jobs() == 0 ? QThread::idealThreadCount() : m_options.Jobs();
+        // Resuming reads and writes one state per folder, which one run holds at a
+        // time: a resumed batch runs its rounds in turn.
+        if (round == 0 && jobs > 1 && outline.parallel && outline.rounds.size() > 1 && !m_options.Resume())
+            return RunJobs(outline, jobs, [&] {
+                // The steps outside the iterator may have made files it lists.
+                Outline now;
+                return OutlineOf(model, inputs, &now).isEmpty() ? now.rounds.size() : 0;
+            });
+    }
     Plugin::SequenceControl control;
     auto* log = new StreamingLog;
     control.SetLog(log);
     RunRecorder recorder(control);
+    if (round > 0)
+        recorder.SetFirstRound(round);
 
     // Each record goes to the report and the state as its step or round ends:
     // nothing of a long run piles up here.
@@ -255,8 +377,29 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
         run.RequestStop();
     });
     bool stateHeld = false; // another run holds the state of a folder this one writes into
-    if (state)
+    // One round of a batch: the steps outside the iterator have run before, unless
+    // their outputs are missing.
+    auto priorStep = [&](Plugin::APCProcess* clone) {
+        if (round == 0 || !outline.prologue.contains(clone->GetName()))
+            return false;
+        if (m_options.NoPrologue())
+            return true;
+        if (m_options.WithPrologue())
+            return false;
+        const StepFiles files(clone);
+        for (const QString& output : files.Outputs())
+            if (!QFileInfo::exists(output))
+                return false;
+        return !files.Outputs().isEmpty();
+    };
+    if (state || !outline.prologue.isEmpty())
         control.SetStepFilter([&](Plugin::APCProcess* clone) {
+            if (priorStep(clone)) {
+                recorder.MarkSkipped(clone);
+                return true;
+            }
+            if (!state)
+                return false;
             const bool upToDate = state->IsUpToDate(clone);
             if (!state->Conflict().isEmpty()) {
                 if (!stateHeld) {

@@ -2,8 +2,12 @@
 
 #include "ReportWriter.h"
 
+#include "engine/RunPlan.h"
+
+#include <QSet>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 namespace Plugin {
@@ -38,6 +42,26 @@ private:
     void Say(const QStringList& lines);
     // Says why the model cannot run, writes the report and returns the exit code.
     int Refuse(const QStringList& lines);
+    // What a walk of the plan tells about the rounds of a run.
+    struct Outline
+    {
+        QString iterator; // the outermost iterator's description; empty without one
+        QList<Plugin::RunPlan::Round> rounds; // its rounds (their nodes are gone)
+        QSet<QString> prologue; // ids of the steps outside every iterator, when there is one
+        bool parallel = false;  // one file iterator, behind no step: rounds may run side by side
+        bool failed = false;    // the iterator could not hand out its files
+        QStringList warnings;
+    };
+    // Walks the plan as a run would check it; the lines that refuse the run.
+    QStringList OutlineOf(Plugin::APCModel& model, const FreeInputs& inputs, Outline* outline);
+    // Lets the outermost iterator hand out rounds round to last only; a refusal
+    // when it cannot.
+    QString SelectRounds(Plugin::APCModel& model, const FreeInputs& inputs, int round, int last);
+    // Prints the rounds of the outermost iterator.
+    int ListRounds(Plugin::APCModel& model, const FreeInputs& inputs);
+    // Runs the rounds in child processes, jobs at a time; countRounds tells how
+    // many rounds there are once the steps outside the iterator have run.
+    int RunJobs(const Outline& outline, int jobs, const std::function<int()>& countRounds);
     // Runs the model, or prints its plan for a dry run.
     int Run(Plugin::APCModel& model, const FreeInputs& inputs);
     int Plan(Plugin::APCModel& model, const FreeInputs& inputs);

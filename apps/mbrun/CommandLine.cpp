@@ -2,6 +2,8 @@
 
 #include <QFileInfo>
 
+#include <utility>
+
 namespace Mbrun {
 
 QString CommandLine::Usage()
@@ -9,6 +11,7 @@ QString CommandLine::Usage()
     return QStringLiteral(
         "Usage: mbrun MODEL.apc [--set NAME=VALUE]... [OPTION]...   run the model\n"
         "       mbrun MODEL.apc --list                  list its free inputs\n"
+        "       mbrun MODEL.apc [--set ...] --list-rounds [--json]   list its rounds\n"
         "       mbrun --algorithms                      list the host's algorithms (Markdown)\n"
         "       mbrun --help\n"
         "\n"
@@ -21,6 +24,11 @@ QString CommandLine::Usage()
         "                    .mbrun-state.json in their folder by an earlier --resume run\n"
         "  --report FILE     write a JSON report of the run (format mbrun-report/1), also\n"
         "                    when the run fails or is interrupted\n"
+        "  --round K         run round K of the iterator only, after the steps outside it\n"
+        "                    whose outputs are missing; K-L runs rounds K to L in turn\n"
+        "  --no-prologue     with --round: run no step outside the iterator\n"
+        "  --with-prologue   with --round: run every step outside the iterator\n"
+        "  -j, --jobs N      run N rounds at a time (0: one per core; default 1)\n"
         "\n"
         "The run's log goes to standard output; exit code 0 when every step succeeded,\n"
         "1 when a step failed, 2 on a usage, load or validation error, 130, 143 or 129\n"
@@ -55,6 +63,32 @@ bool CommandLine::Parse(const QStringList& arguments)
             m_dryRun = true;
         } else if (a == QLatin1String("--resume")) {
             m_resume = true;
+        } else if (a == QLatin1String("--list-rounds")) {
+            m_action = Action::ListRounds;
+        } else if (a == QLatin1String("--json")) {
+            m_json = true;
+        } else if (a == QLatin1String("--no-prologue")) {
+            m_noPrologue = true;
+        } else if (a == QLatin1String("--with-prologue")) {
+            m_withPrologue = true;
+        } else if (a == QLatin1String("--round") || a == QLatin1String("--jobs") || a == QLatin1String("-j")) {
+            if (args.isEmpty())
+                return Fail(QStringLiteral("mbrun: %1 needs a value\n").arg(a));
+            const QString value = args.takeFirst();
+            bool ok = false;
+            const bool round = a == QLatin1String("--round");
+            if (round) {
+                const QStringList range = value.split(QLatin1Char('-'));
+                bool lastOk = false;
+                m_round = range.first().toInt(&ok);
+                m_lastRound = range.size() == 2 ? range.last().toInt(&lastOk) : m_round;
+                if (!ok || m_round < 1 || range.size() > 2 || (range.size() == 2 && (!lastOk || m_lastRound < m_round)))
+                    return Fail(QStringLiteral("mbrun: --round needs a round number (1, 2, ...) or a range such as 3-8, got \"%1\"\n").arg(value));
+                continue;
+            }
+            m_jobs = value.toInt(&ok);
+            if (!ok || m_jobs < 0)
+                return Fail(QStringLiteral("mbrun: %1 needs a number of jobs (0 for one per core), got \"%2\"\n").arg(a, value));
         } else if (a == QLatin1String("--report") || a == QLatin1String("--set")) {
             if (args.isEmpty())
                 return Fail(QStringLiteral("mbrun: %1 needs a value\n").arg(a));
@@ -71,6 +105,15 @@ bool CommandLine::Parse(const QStringList& arguments)
             return Fail(QStringLiteral("mbrun: unknown argument \"%1\"\n\n").arg(a) + Usage());
         }
     }
+    if (m_json && m_action != Action::ListRounds)
+        return Fail(QStringLiteral("mbrun: --json goes with --list-rounds\n"));
+    for (const auto& [given, flag] : {std::make_pair(m_noPrologue, "--no-prologue"), std::make_pair(m_withPrologue, "--with-prologue")})
+        if (given && m_round == 0)
+            return Fail(QStringLiteral("mbrun: %1 goes with --round\n").arg(QLatin1String(flag)));
+    if (m_noPrologue && m_withPrologue)
+        return Fail(QStringLiteral("mbrun: --no-prologue and --with-prologue exclude each other\n"));
+    if (m_round > 0 && m_jobs != 1)
+        return Fail(QStringLiteral("mbrun: --round runs one round: leave out --jobs\n"));
     if (m_dryRun && !m_reportPath.isEmpty())
         return Fail(QStringLiteral("mbrun: --dry-run writes no file: leave out --report\n"));
     if (!m_reportPath.isEmpty()) {

@@ -11,7 +11,7 @@ namespace Mbrun {
 class CommandLine
 {
 public:
-    enum class Action { Run, List, Algorithms, Help };
+    enum class Action { Run, List, ListRounds, Algorithms, Help };
 
     // False with Error() set when the arguments make no sense together.
     bool Parse(const QStringList& arguments);
@@ -26,6 +26,18 @@ public:
     bool Resume() const { return m_resume; }
     // Empty when no report was asked for.
     QString ReportPath() const { return m_reportPath; }
+    // --list-rounds as JSON.
+    bool Json() const { return m_json; }
+    // The one round to run (1, 2, ...), or the first of a range; 0 for all.
+    int Round() const { return m_round; }
+    // The last round of the range to run (Round() for one).
+    int LastRound() const { return m_lastRound; }
+    // With Round(): leave the steps outside the iterator out.
+    bool NoPrologue() const { return m_noPrologue; }
+    // With Round(): run the steps outside the iterator even where their outputs exist.
+    bool WithPrologue() const { return m_withPrologue; }
+    // How many rounds run at a time; 0 for one per core.
+    int Jobs() const { return m_jobs; }
 
 private:
     bool Fail(const QString& error);
@@ -36,6 +48,12 @@ private:
     bool m_dryRun = false;
     bool m_resume = false;
     QString m_reportPath;
+    bool m_json = false;
+    int m_round = 0;
+    int m_lastRound = 0;
+    bool m_noPrologue = false;
+    bool m_withPrologue = false;
+    int m_jobs = 1;
     QString m_error;
 };
 

@@ -1,9 +1,9 @@
 #include "FileConflicts.h"
 
 #include "StepFiles.h"
-#include "StepGraph.h"
 
 #include "engine/SequenceNode.h"
+#include "engine/StepGraph.h"
 #include "model/APCProcess.h"
 
 #include "HostRunner/OutputPaths.h"
@@ -69,7 +69,7 @@ bool FileConflicts::Ordered(Plugin::SequenceNode* a, Plugin::SequenceNode* b) co
 {
     for (Plugin::SequenceNode* from : {a, b})
         if (!m_behind.contains(from))
-            m_behind.insert(from, StepGraph::Behind(from));
+            m_behind.insert(from, Plugin::StepGraph::Behind(from));
     return m_behind[a].contains(b) || m_behind[b].contains(a);
 }
 

@@ -2,6 +2,7 @@
 
 #include "model/APCVar.h"
 
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -40,6 +41,17 @@ bool FreeInputs::MultiDirectoryValue(const QString& text, QString* value, QStrin
     return true;
 }
 
+QStringList FreeInputs::MissingFolders(const QString& value)
+{
+    QStringList missing;
+    const QJsonObject folders = QJsonDocument::fromJson(value.trimmed().toUtf8()).object();
+    for (auto it = folders.begin(); it != folders.end(); ++it)
+        if (it.value().toObject().value(QStringLiteral("enabled")).toString() == QLatin1String("1") &&
+            !QFileInfo(it.key()).isDir())
+            missing << it.key();
+    return missing;
+}
+
 QStringList FreeInputs::Apply(const QList<QPair<QString, QString>>& settings)
 {
     QStringList problems;
@@ -57,6 +69,17 @@ QStringList FreeInputs::Apply(const QList<QPair<QString, QString>>& settings)
                                 .arg(v->GetDescription(), s.second, error);
                 m_refused << v->GetName();
                 continue;
+            }
+            if (v->GetClass() == QLatin1String("multiDirectory")) {
+                // A mistyped folder would only make a batch that quietly does nothing.
+                const QStringList missing = MissingFolders(value);
+                if (!missing.isEmpty()) {
+                    for (const QString& folder : missing)
+                        problems << QStringLiteral("mbrun: \"%1\" names the folder %2, which does not exist\n")
+                                        .arg(v->GetDescription(), folder);
+                    m_refused << v->GetName();
+                    continue;
+                }
             }
             v->SetValue(value);
         }

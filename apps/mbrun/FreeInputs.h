@@ -39,6 +39,8 @@ public:
     // folders separated by ';' become one, each read without its subfolders.
     // False with error set for a text that starts like JSON and is not.
     static bool MultiDirectoryValue(const QString& text, QString* value, QString* error);
+    // The enabled folders of a several-folders value that do not exist.
+    static QStringList MissingFolders(const QString& value);
 
 private:
     Plugin::FreeVars m_vars;

@@ -3,6 +3,8 @@
 #include "FileConflicts.h"
 #include "LeftOutFiles.h"
 
+#include "engine/RunPlan.h"
+
 #include <QHash>
 #include <QList>
 #include <QSet>
@@ -18,11 +20,10 @@ namespace Mbrun {
 
 class ResumeState;
 
-// The plan of a dry run: walks a built graph in the order its steps would start,
-// lets each file iterator hand out its rounds as it does in a run (on this
-// thread, nothing else runs) and prints each round with its files and each step
-// with its parameters as it would get them and the files it would write.
-class PlanPrinter
+// The plan of a dry run, as the engine walks it: prints each round with its files
+// and each step with its parameters as it would get them and the files it would
+// write.
+class PlanPrinter : private Plugin::RunPlan::Visitor
 {
 public:
     // control has been built and is never started; state may be null, else the
@@ -42,28 +43,28 @@ public:
     // mbrun's warnings about the plan: iterators that found nothing or left files
     // out, steps that never start.
     QStringList Warnings() const { return m_warnings + m_leftOut.Warnings(); }
+    // The rounds of the outermost iterator, once walked.
+    const QList<Plugin::RunPlan::Round>& OuterRounds() const { return m_outerRounds; }
+    // The plan the walk reads.
+    Plugin::RunPlan& Graph() { return m_plan; }
 
 private:
-    // Plans nodes (in start order) at one depth of iteration.
-    void PlanLevel(const QList<Plugin::SequenceNode*>& nodes, int depth);
-    void PlanIterator(Plugin::SequenceNode* node, const QList<Plugin::SequenceNode*>& behind, int depth);
-    void PlanStep(Plugin::SequenceNode* node, int depth);
-    // The nodes reachable from node, in start order.
-    QList<Plugin::SequenceNode*> Behind(Plugin::SequenceNode* node) const;
+    void OnRound(const Plugin::RunPlan::Round& round) override;
+    void OnStep(Plugin::SequenceNode* node, int depth, int round) override;
+    void OnIteratorFailed(Plugin::SequenceNode* node, int depth, const QString& message) override;
+    void OnIteratorEmpty(Plugin::SequenceNode* node) override;
     void Add(const QString& text);
 
-    Plugin::SequenceControl& m_control;
+    Plugin::RunPlan m_plan;
     ResumeState* m_state = nullptr;
-    QList<Plugin::SequenceNode*> m_order;      // every node that can start, in start order
-    QHash<Plugin::SequenceNode*, bool> m_done; // planned, or left to the iterator in front
-    QHash<Plugin::SequenceNode*, int> m_roundsOf;
+    Plugin::SequenceNode* m_outer = nullptr;
+    QList<Plugin::RunPlan::Round> m_outerRounds;
     QSet<QString> m_rewritten; // outputs of the steps that would run, as absolute paths
     QString m_buffer;
     QStringList m_warnings;
     FileConflicts m_conflicts;
     LeftOutFiles m_leftOut;
     int m_rounds = 0;
-    int m_round = 0; // the round being planned, 0 outside any
     bool m_quiet = false;
     int m_steps = 0;
     int m_outputs = 0;

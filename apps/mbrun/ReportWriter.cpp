@@ -106,6 +106,41 @@ void ReportWriter::AddRound(const RunRecorder::Round& round)
         m_failedRounds.push_back(round.index - 1);
 }
 
+void ReportWriter::Merge(const QJsonObject& report, bool withoutPrologue)
+{
+    m_merged = true;
+    const QStringList counted = {QStringLiteral("steps"), QStringLiteral("succeeded"), QStringLiteral("failed"),
+                                 QStringLiteral("skipped"), QStringLiteral("interrupted"), QStringLiteral("unfinished"),
+                                 QStringLiteral("rounds")};
+    const QJsonObject summary = report.value(QStringLiteral("summary")).toObject();
+    for (const QString& key : counted)
+        m_mergedSummary.insert(key, m_mergedSummary.value(key).toInt() + summary.value(key).toInt());
+    for (const QJsonValue& v : report.value(QStringLiteral("steps")).toArray()) {
+        const QJsonObject step = v.toObject();
+        if (withoutPrologue && step.value(QStringLiteral("round")).isNull()) {
+            // Left out by that run: no step of the batch.
+            const QString status = step.value(QStringLiteral("status")).toString();
+            m_mergedSummary.insert(QStringLiteral("steps"), m_mergedSummary.value(QStringLiteral("steps")).toInt() - 1);
+            m_mergedSummary.insert(status, m_mergedSummary.value(status).toInt() - 1);
+            continue;
+        }
+        m_steps.Put(m_mergedSteps++, elementText(step));
+    }
+    for (const QJsonValue& v : report.value(QStringLiteral("rounds")).toArray()) {
+        const QJsonObject round = v.toObject();
+        const int index = round.value(QStringLiteral("round")).toInt() - 1;
+        if (index < 0)
+            continue;
+        m_rounds.Put(index, elementText(round));
+        if (round.value(QStringLiteral("status")).toString() == QLatin1String("failed"))
+            m_failedRounds.push_back(index);
+    }
+    const QJsonObject leftOut = report.value(QStringLiteral("leftOutFiles")).toObject();
+    for (auto it = leftOut.begin(); it != leftOut.end(); ++it)
+        if (!m_mergedLeftOut.contains(it.key()))
+            m_mergedLeftOut.insert(it.key(), it.value());
+}
+
 bool ReportWriter::Write(const RunRecorder* recorder, Outcome outcome, int exitCode, const QString& signalName,
                          QString* error)
 {
@@ -127,9 +162,12 @@ bool ReportWriter::Write(const RunRecorder* recorder, Outcome outcome, int exitC
     for (S s : {S::Succeeded, S::Failed, S::Skipped, S::Interrupted, S::Unfinished})
         summary.insert(RunRecorder::StatusText(s), recorder ? recorder->Count(s) : 0);
     summary.insert(QStringLiteral("rounds"), recorder ? recorder->RoundCount() : 0);
+    if (!recorder && m_merged)
+        for (auto it = m_mergedSummary.begin(); it != m_mergedSummary.end(); ++it)
+            summary.insert(it.key(), it.value());
     summary.insert(QStringLiteral("failedRounds"), int(m_failedRounds.size()));
     root.insert(QStringLiteral("summary"), summary);
-    QJsonObject leftOut;
+    QJsonObject leftOut = m_mergedLeftOut;
     if (recorder)
         for (const auto& group : recorder->LeftOut().Groups())
             leftOut.insert(group.first, QJsonArray::fromStringList(group.second));

@@ -4,6 +4,7 @@
 #include "RunRecorder.h"
 
 #include <QDateTime>
+#include <QJsonObject>
 #include <QList>
 #include <QPair>
 #include <QString>
@@ -33,6 +34,11 @@ public:
     // Keeps the record of a step that ended, or of a round.
     void AddStep(const RunRecorder::Step& step);
     void AddRound(const RunRecorder::Round& round);
+    // Takes the rounds, steps, counts and left-out files of the report of a run
+    // of one round (--round), in the order the runs are given. With
+    // withoutPrologue, the steps outside any round, which that run left out, are
+    // not taken. Write() then counts what was merged when given no recorder.
+    void Merge(const QJsonObject& report, bool withoutPrologue);
     // Writes the report; the recorder may be null when nothing ran. signalName is
     // empty unless a signal stopped the run. False with error set when the file
     // cannot be written.
@@ -48,6 +54,10 @@ private:
     RecordSpool m_steps;               // by Step::order
     RecordSpool m_rounds;              // by Round::index - 1
     std::vector<int> m_failedRounds;   // their places in m_rounds
+    bool m_merged = false;
+    int m_mergedSteps = 0;             // the next place in m_steps
+    QJsonObject m_mergedSummary;
+    QJsonObject m_mergedLeftOut;
 };
 
 } // namespace Mbrun

@@ -1,14 +1,15 @@
 #include "RunRecorder.h"
 
 #include "StepFiles.h"
-#include "StepGraph.h"
 
 #include "engine/APCAlgo.h"
 #include "engine/APCFileIterator.h"
 #include "engine/APCIterator.h"
 #include "engine/APCLogRecord.h"
+#include "engine/RunPlan.h"
 #include "engine/SequenceControl.h"
 #include "engine/SequenceNode.h"
+#include "engine/StepGraph.h"
 #include "model/SoftAssert.h"
 
 #include <QFileInfo>
@@ -91,7 +92,7 @@ void RunRecorder::MapIterators()
         m_behind.insert(node, {});
     for (SequenceNode* iterator : nodes)
         if (isIterator(iterator))
-            for (SequenceNode* n : StepGraph::Behind(iterator))
+            for (SequenceNode* n : Plugin::StepGraph::Behind(iterator))
                 m_behind[n].append(iterator);
 }
 
@@ -142,17 +143,14 @@ void RunRecorder::OnStatus(SequenceNode* node, int status)
 void RunRecorder::StartRound(SequenceNode* iterator)
 {
     Round round;
-    round.index = ++m_roundCount;
+    round.index = m_firstRound + m_roundCount++;
     round.iterator = iterator->GetProcess()->GetDescription();
     round.files = StepFiles(iterator->GetProcess()).OutputParameters();
-    // The first output in name order drives the pairing of the others.
-    auto first = std::min_element(round.files.begin(), round.files.end(),
-                                  [](const QPair<QString, QString>& a, const QPair<QString, QString>& b) { return a.first < b.first; });
-    if (first != round.files.end())
-        round.file = first->second;
+    round.file = Plugin::RunPlan::DrivingFile(round.files);
     const int previous = m_iteratorRound.value(iterator);
-    m_rounds.emplace(round.index, std::move(round));
-    m_iteratorRound.insert(iterator, m_roundCount);
+    const int index = round.index;
+    m_rounds.emplace(index, std::move(round));
+    m_iteratorRound.insert(iterator, index);
     ++m_iteratorRounds[iterator];
     auto last = m_rounds.find(previous);
     if (last != m_rounds.end()) {

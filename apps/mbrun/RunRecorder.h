@@ -72,6 +72,9 @@ public:
     RunRecorder& operator=(const RunRecorder&) = delete;
     ~RunRecorder();
 
+    // Numbers the rounds from first on (a run of one round of a batch keeps the
+    // batch's number); 1 unless set.
+    void SetFirstRound(int first) { m_firstRound = first; }
     // The step clone belongs to has just started and is skipped: it ends here.
     void MarkSkipped(Plugin::APCProcess* clone);
     // Ends every step still running with status (Interrupted or Unfinished), then
@@ -126,6 +129,7 @@ private:
     LeftOutFiles m_leftOut;
     int m_stepCount = 0;
     int m_roundCount = 0;
+    int m_firstRound = 1;
     std::array<int, 6> m_counts{}; // by Status
     std::map<int, QString> m_failedRoundFiles;      // round -> its driving file
     std::map<int, QString> m_interruptedRoundFiles; // round -> its driving file

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <pthread.h>
 #include <unistd.h>
 
 namespace Mbrun {
@@ -23,6 +24,15 @@ extern "C" void onStopSignal(int signal)
     // A full pipe only loses a repeat of a signal already on its way.
     [[maybe_unused]] const ssize_t n = ::write(g_pipe[1], &byte, 1);
     errno = saved;
+}
+
+sigset_t stopSet()
+{
+    sigset_t set;
+    sigemptyset(&set);
+    for (int s : kSignals)
+        sigaddset(&set, s);
+    return set;
 }
 
 void setHandler(void (*handler)(int))
@@ -47,6 +57,21 @@ StopSignals::StopSignals(std::function<void(int)> onSignal) : m_onSignal(std::mo
     m_notifier = std::make_unique<QSocketNotifier>(g_pipe[0], QSocketNotifier::Read);
     QObject::connect(m_notifier.get(), &QSocketNotifier::activated, [this] { OnReadable(); });
     setHandler(&onStopSignal);
+    // A child started by a run side by side begins with them held (see
+    // HeldForChild): what came meanwhile is served now.
+    sigset_t stops = stopSet();
+    pthread_sigmask(SIG_UNBLOCK, &stops, nullptr);
+}
+
+StopSignals::HeldForChild::HeldForChild()
+{
+    sigset_t stops = stopSet();
+    pthread_sigmask(SIG_BLOCK, &stops, &m_before);
+}
+
+StopSignals::HeldForChild::~HeldForChild()
+{
+    pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
 }
 
 StopSignals::~StopSignals()

@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include <csignal>
 #include <functional>
 #include <memory>
 
@@ -21,6 +22,22 @@ public:
     StopSignals(const StopSignals&) = delete;
     StopSignals& operator=(const StopSignals&) = delete;
     ~StopSignals();
+
+    // Holds the stop signals on this thread while it lives: a child process
+    // started meanwhile begins with them held, so that one arriving before the
+    // child's own StopSignals takes them waits for it instead of killing the
+    // child halfway through its start.
+    class HeldForChild
+    {
+    public:
+        HeldForChild();
+        HeldForChild(const HeldForChild&) = delete;
+        HeldForChild& operator=(const HeldForChild&) = delete;
+        ~HeldForChild();
+
+    private:
+        sigset_t m_before;
+    };
 
     // "SIGTERM" and the like.
     static QString Name(int signal);

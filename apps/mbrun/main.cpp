@@ -60,6 +60,7 @@ int main(int argc, char** argv)
         Console::Out(HostRunner::AlgorithmListMarkdown());
         return BatchRun::Success;
     case CommandLine::Action::List:
+    case CommandLine::Action::ListRounds:
     case CommandLine::Action::Run:
         break;
     }

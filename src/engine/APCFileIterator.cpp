@@ -72,6 +72,8 @@ void APCFileIterator::CopyFileIteratorFrom(const APCFileIterator& other)
 {
     CopyIteratorFrom(other);
     m_total = other.m_total;
+    m_firstRound = other.m_firstRound;
+    m_lastRound = other.m_lastRound;
     m_spare = other.m_spare;
 }
 
@@ -372,6 +374,8 @@ bool APCFileIterator::Execute()
             }
         }
         BuildRounds();
+        if (m_firstRound > 0) // rounds of a batch run on their own: the same files as in the whole run
+            m_rounds = m_rounds.mid(m_firstRound - 1, std::max(0, m_lastRound - m_firstRound + 1));
         m_total = m_rounds.size();
     }
     if (m_rounds.isEmpty()) {

@@ -36,6 +36,14 @@ public:
     // The enabled directories the scan reads, in its order, as "strDir" now gives
     // them (through its var when it is a reference); they need not exist.
     QStringList GetScannedDirectories() const;
+    // Hands out only the rounds first to last (1, 2, ... in the scan's order), as
+    // many of them as the scan finds; first 0, the default, hands out every round.
+    // Copied by Clone, so a run's clone keeps it.
+    void SetRoundRange(int first, int last)
+    {
+        m_firstRound = first;
+        m_lastRound = last;
+    }
 
 protected:
     void CopyFileIteratorFrom(const APCFileIterator& other);
@@ -59,6 +67,8 @@ private:
     QList<QMap<QString, QString>> m_rounds; // not copied by Clone
     QStringList m_unused;                    // not copied by Clone
     double m_total = 0;
+    int m_firstRound = 0;
+    int m_lastRound = 0;
     QStringList m_spare; // copied with the object, otherwise unused
 };
 

@@ -1,6 +1,7 @@
 #include "engine/APCLog.h"
 
 #include <QCoreApplication>
+#include <QRegularExpression>
 
 namespace Plugin {
 
@@ -55,11 +56,32 @@ void APCLog::LogPause(const QString& name) { Write(line(QT_TRANSLATE_NOOP("APCLo
 void APCLog::LogContinue(const QString& name) { Write(line(QT_TRANSLATE_NOOP("APCLog", "Continue the model:"), name)); }
 void APCLog::LogEnd(const QString& name) { Write(line(QT_TRANSLATE_NOOP("APCLog", "End the model:"), name)); }
 
+QString APCLog::SummaryText(int succeeded, int failed)
+{
+    return QLatin1Char('\n') + kBanner + QCoreApplication::translate("APCLog", "Generate:") + QLatin1Char(' ') + QCoreApplication::translate("APCLog", "Succeed:") + QLatin1Char(' ') +
+           QString::number(succeeded) + QStringLiteral(", ") + QCoreApplication::translate("APCLog", "Fail:") + QLatin1Char(' ') + QString::number(failed) +
+           QLatin1Char(' ') + kBanner + QLatin1Char('\n');
+}
+
+bool APCLog::AddSummaryCounts(const QString& text, int* succeeded, int* failed)
+{
+    // The summary's own text with its two numbers left open.
+    static const QRegularExpression summary(QRegularExpression::escape(SummaryText(111111111, 222222222))
+                                                .replace(QStringLiteral("111111111"), QStringLiteral("(\\d+)"))
+                                                .replace(QStringLiteral("222222222"), QStringLiteral("(\\d+)")));
+    bool found = false;
+    for (auto it = summary.globalMatch(text); it.hasNext();) {
+        const QRegularExpressionMatch m = it.next();
+        *succeeded += m.captured(1).toInt();
+        *failed += m.captured(2).toInt();
+        found = true;
+    }
+    return found;
+}
+
 void APCLog::LogSummary()
 {
-    Write(QLatin1Char('\n') + kBanner + QCoreApplication::translate("APCLog", "Generate:") + QLatin1Char(' ') + QCoreApplication::translate("APCLog", "Succeed:") + QLatin1Char(' ') +
-          QString::number(m_succeedCount) + QStringLiteral(", ") + QCoreApplication::translate("APCLog", "Fail:") + QLatin1Char(' ') +
-          QString::number(m_failCount) + QLatin1Char(' ') + kBanner + QLatin1Char('\n'));
+    Write(SummaryText(m_succeedCount, m_failCount));
     m_succeedCount = 0;
     m_failCount = 0;
 }

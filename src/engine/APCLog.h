@@ -25,6 +25,10 @@ public:
     void LogEnd(const QString& name);
     // Writes the counts since the last summary and resets them.
     void LogSummary();
+    // The summary's text for these counts.
+    static QString SummaryText(int succeeded, int failed);
+    // Adds the counts of every summary in text; false when it holds none.
+    static bool AddSummaryCounts(const QString& text, int* succeeded, int* failed);
 
     QString GetLogText() const { return m_logText; }
     QString GetErrorText() const { return m_errorText; }

@@ -7,6 +7,7 @@
 #include "support/TestSupport.h"
 
 #include <QCoreApplication>
+#include <QCryptographicHash>
 #include <QDateTime>
 #include <QDir>
 #include <QDirIterator>
@@ -19,10 +20,12 @@
 #include <QRegularExpression>
 #include <QSysInfo>
 #include <QTemporaryDir>
+#include <QThread>
 #include <gdal_priv.h>
 #include <ogr_spatialref.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -158,18 +161,21 @@ TEST(MbrunBatch, FolderInputsInEveryForm)
     QDir().mkpath(empty);
     const QString missing = batch.dir.filePath("missing");
 
-    struct Case { const char* name; QString folders; int rounds; QString inErr; };
+    const QString noFolder = "mbrun: \"Scene folders\" names the folder " + missing + ", which does not exist\n";
+    struct Case { const char* name; QString folders; int code; int rounds; QString inErr; };
     const std::vector<Case> cases = {
-        {"a plain folder", batch.scenes, 3, ""},
-        {"two folders and a stray separator", batch.scenes + ";" + more + ";", 4, ""},
-        {"the JSON object", QStringLiteral(R"({"%1":{"subdir":"0","enabled":"1"}})").arg(batch.scenes), 3, ""},
-        {"an empty folder", empty, 0, "warning: the iterator \"Scenes\" found no files in " + empty + " (filter "},
-        {"a missing folder", missing, 0, missing + " (no such folder)"},
+        {"a plain folder", batch.scenes, 0, 3, ""},
+        {"two folders and a stray separator", batch.scenes + ";" + more + ";", 0, 4, ""},
+        {"the JSON object", QStringLiteral(R"({"%1":{"subdir":"0","enabled":"1"}})").arg(batch.scenes), 0, 3, ""},
+        {"an empty folder", empty, 0, 0, "warning: the iterator \"Scenes\" found no files in " + empty + " (filter "},
+        {"a missing folder", missing, 2, 0, noFolder},
+        {"a missing folder beside one that exists", batch.scenes + ";" + missing, 2, 0, noFolder},
+        {"a missing folder in JSON", QStringLiteral(R"({"%1":{"subdir":"0","enabled":"1"}})").arg(missing), 2, 0, noFolder},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         const Outcome o = Mbrun(batch.Args({"--report", batch.report}, c.folders));
-        EXPECT_EQ(o.code, 0) << qPrintable(o.err);
+        EXPECT_EQ(o.code, c.code) << qPrintable(o.err);
         EXPECT_TRUE(o.err.contains(c.inErr)) << qPrintable(o.err);
         const QJsonObject report = readReport(batch.report);
         EXPECT_EQ(report["summary"]["rounds"].toInt(), c.rounds);
@@ -649,4 +655,166 @@ TEST(MbrunBatch, AnInterruptedStepReportsTheOutputsItLeftOnTheDisk)
     EXPECT_EQ(r["steps"][0]["status"].toString(), "interrupted");
     EXPECT_EQ(r["steps"][0]["outputs"].toArray(), QJsonArray({outputs["Copy"], outputs["Fine"]}));
     EXPECT_EQ(r["steps"][0]["written"].toArray(), QJsonArray{outputs["Copy"]});
+}
+
+TEST(MbrunBatch, ListRoundsAndOneRoundAloneFollowTheRunsNumbering)
+{
+    SceneBatch batch;
+    Outcome o = Mbrun(batch.Args({"--list-rounds"}));
+    EXPECT_EQ(o.code, 0) << qPrintable(o.err);
+    EXPECT_EQ(o.out, QStringLiteral("Round 1 of Scenes: %1\n    Out File = %1\nRound 2 of Scenes: %2\n    Out File = %2\n"
+                                    "Round 3 of Scenes: %3\n    Out File = %3\n")
+                         .arg(batch.Scene(1), batch.Scene(2), batch.Scene(3)));
+    o = Mbrun(batch.Args({"--list-rounds", "--json"}));
+    const QJsonArray rounds = QJsonDocument::fromJson(o.out.toUtf8())["rounds"].toArray();
+    ASSERT_EQ(rounds.size(), 3) << qPrintable(o.out);
+    EXPECT_EQ(rounds[2]["round"].toInt(), 3);
+    EXPECT_EQ(rounds[2]["file"].toString(), batch.Scene(3));
+    EXPECT_EQ(rounds[2]["files"]["Out File"].toString(), batch.Scene(3));
+    o = Mbrun({batch.model, "--list-rounds"}); // refused as a run is
+    EXPECT_EQ(o.code, 2);
+    EXPECT_TRUE(o.err.contains("Please set value: Scene folders")) << qPrintable(o.err);
+    HeadlessModel closed;
+    APCAlgo* copy = AddAlgo(closed, "raster.translate");
+    SetConstant(VarOf(closed, copy, "In File"), batch.Scene(1));
+    SetConstant(VarOf(closed, copy, "Out File"), batch.dir.filePath("copy.tif"));
+    closed.SaveFile(batch.dir.filePath("closed.apc"));
+    o = Mbrun({batch.dir.filePath("closed.apc"), "--list-rounds"});
+    EXPECT_EQ(o.out, "Round 1: the whole model (it has no iterator)\n");
+
+    o = Mbrun(batch.Args({"--round", "2", "--report", batch.report}));
+    EXPECT_EQ(o.code, 0) << qPrintable(o.err);
+    EXPECT_FALSE(QFile::exists(batch.Ndvi(1)));
+    EXPECT_TRUE(QFile::exists(batch.Table(2)));
+    EXPECT_FALSE(QFile::exists(batch.Ndvi(3)));
+    const QJsonObject r = readReport(batch.report);
+    ASSERT_EQ(r["rounds"].toArray().size(), 1);
+    EXPECT_EQ(r["rounds"][0]["round"].toInt(), 2);
+    EXPECT_EQ(r["rounds"][0]["file"].toString(), batch.Scene(2));
+    EXPECT_EQ(stepsWithStatus(r, "succeeded"), "2:raster.ndvi 2:raster.bandStatistics");
+    o = Mbrun(batch.Args({"--round", "2-3", "--report", batch.report}));
+    EXPECT_EQ(stepsWithStatus(readReport(batch.report), "succeeded"),
+              "2:raster.ndvi 2:raster.bandStatistics 3:raster.ndvi 3:raster.bandStatistics");
+    o = Mbrun(batch.Args({"--round", "4"}));
+    EXPECT_EQ(o.code, 2);
+    EXPECT_TRUE(o.err.contains("there is no round 4")) << qPrintable(o.err);
+}
+
+TEST(MbrunBatch, RoundsSideBySideGiveTheFilesAndTheReportOfOneJob)
+{
+    SceneBatch batch;
+    for (int i : {4, 5})
+        makeRaster(batch.Scene(i), 8, 4);
+    WriteAll(batch.Scene(2), "not a raster"); // its round fails, the others go on
+    const auto checksums = [](const QString& dir) {
+        QMap<QString, QByteArray> sums;
+        for (const QFileInfo& f : QDir(dir).entryInfoList(QDir::Files))
+            sums.insert(f.fileName(), QCryptographicHash::hash(ReadAll(f.filePath()), QCryptographicHash::Md5));
+        return sums;
+    };
+    // What the report says, the output folder aside.
+    const auto content = [](const QJsonObject& report, const QString& out) {
+        QStringList lines{QStringLiteral("%1 %2").arg(report["status"].toString()).arg(report["exitCode"].toInt())};
+        QJsonObject summary = report["summary"].toObject();
+        lines << QString::fromUtf8(QJsonDocument(summary).toJson(QJsonDocument::Compact));
+        for (const QJsonValue& round : report["rounds"].toArray())
+            lines << QStringLiteral("round %1 %2 %3").arg(round["round"].toInt()).arg(round["file"].toString(), round["status"].toString());
+        for (const QJsonValue& step : report["steps"].toArray())
+            lines << QStringLiteral("step %1 %2 %3 %4")
+                         .arg(step["round"].toInt())
+                         .arg(step["algorithm"].toString(), step["status"].toString(),
+                              QString::fromUtf8(QJsonDocument(step["parameters"].toObject()).toJson(QJsonDocument::Compact)))
+                         .replace(out, "OUT");
+        lines << QString::number(report["failedRounds"].toArray().size());
+        return lines;
+    };
+    QMap<QString, QByteArray> files[2];
+    QStringList said[2];
+    for (int jobs : {1, 2}) {
+        SCOPED_TRACE(jobs);
+        const QString out = batch.dir.filePath(QStringLiteral("out%1").arg(jobs));
+        const QString report = batch.dir.filePath(QStringLiteral("report%1.json").arg(jobs));
+        const Outcome o = Mbrun({batch.model, "--set", "Scene folders=" + batch.scenes, "--set", "Output folder=" + out,
+                                 "--jobs", QString::number(jobs), "--report", report});
+        EXPECT_EQ(o.code, 1) << qPrintable(o.err);
+        EXPECT_TRUE(o.err.endsWith("mbrun: 1 of 5 rounds failed: " + batch.Scene(2) + "\n")) << qPrintable(o.err);
+        files[jobs - 1] = checksums(out);
+        said[jobs - 1] = content(readReport(report), out);
+        if (jobs == 2) {
+            // Each round's log is whole, in the order the rounds ended: each scene's
+            // lines come together, never mixed with another's.
+            QList<int> scenes;
+            for (auto m = QRegularExpression("scene_0(\\d)").globalMatch(o.out); m.hasNext();) {
+                const int scene = m.next().captured(1).toInt();
+                if (scenes.isEmpty() || scenes.last() != scene)
+                    scenes << scene;
+            }
+            std::sort(scenes.begin(), scenes.end());
+            EXPECT_EQ(scenes, (QList<int>{1, 2, 3, 4, 5}));
+            EXPECT_TRUE(o.out.endsWith("Generate: Succeed: 13, Fail: 1 =============================\n")) << qPrintable(o.out);
+        }
+    }
+    EXPECT_EQ(files[0].size(), 8);
+    EXPECT_FALSE(files[0].contains("scene_02_ndvi.tif"));
+    EXPECT_EQ(files[0], files[1]);
+    EXPECT_EQ(said[0], said[1]);
+}
+
+TEST(MbrunBatch, OneRoundRunsTheStepsOutsideTheIteratorOnlyWhereTheirOutputsAreMissing)
+{
+    SceneBatch batch;
+    HeadlessModel m;
+    ASSERT_TRUE(m.LoadFile(batch.model));
+    APCAlgo* copy = AddAlgo(m, "raster.translate");
+    SetConstant(VarOf(m, copy, "In File"), batch.Scene(1));
+    const QString reference = batch.dir.filePath("reference.tif");
+    SetConstant(VarOf(m, copy, "Out File"), reference);
+    const QString model = batch.dir.filePath("prologue.apc");
+    ASSERT_TRUE(m.SaveFile(model));
+    const QStringList args{model, "--set", "Scene folders=" + batch.scenes, "--set", "Output folder=" + batch.out,
+                           "--report", batch.report};
+    struct Case { const char* name; QStringList more; bool removeFirst; std::string skipped; };
+    const std::vector<Case> cases = {
+        {"its output is missing", {"--round", "2"}, true, ""},
+        {"its output is there", {"--round", "3"}, false, "0:raster.translate"},
+        {"left out", {"--round", "1", "--no-prologue"}, true, "0:raster.translate"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        if (c.removeFirst)
+            QFile::remove(reference);
+        const Outcome o = Mbrun(args + c.more);
+        EXPECT_EQ(o.code, 0) << qPrintable(o.out + o.err);
+        const QJsonObject r = readReport(batch.report);
+        EXPECT_EQ(stepsWithStatus(r, "skipped"), c.skipped);
+        EXPECT_EQ(r["rounds"][0]["round"].toInt(), c.more[1].toInt());
+        EXPECT_EQ(QFile::exists(reference), c.skipped.empty() || !c.removeFirst);
+    }
+}
+
+TEST(MbrunBatch, ASignalStopsEveryRoundRunningSideBySide)
+{
+    SceneBatch batch;
+    for (int i = 1; i <= 4; ++i)
+        makeRaster(batch.Scene(i), 2500, 4); // a round takes a while
+    QProcess p;
+    p.start(MbrunPath(), batch.Args({"--jobs", "2", "--report", batch.report}));
+    ASSERT_TRUE(WaitUntil([&] { return !hiddenIn(batch.out).isEmpty() || p.state() == QProcess::NotRunning; }, 60000));
+    ASSERT_EQ(p.state(), QProcess::Running) << "the rounds ended before they could be stopped";
+    ASSERT_EQ(::kill(pid_t(p.processId()), SIGINT), 0);
+    ASSERT_TRUE(p.waitForFinished(30000));
+    const QString out = QString::fromUtf8(p.readAllStandardOutput());
+    const QString err = QString::fromUtf8(p.readAllStandardError());
+    EXPECT_EQ(p.exitCode(), 130) << qPrintable(err);
+    EXPECT_TRUE(out.contains("\nEnd the model: scene_ndvi\n")) << qPrintable(out);
+    EXPECT_TRUE(err.contains("mbrun: SIGINT stopped the run; steps finished: ")) << qPrintable(err);
+    EXPECT_FALSE(err.contains("without a report")) << qPrintable(err); // a round just starting stops as cleanly
+    const QJsonObject r = readReport(batch.report);
+    EXPECT_EQ(r["status"].toString(), "interrupted");
+    EXPECT_EQ(r["signal"].toString(), "SIGINT");
+    EXPECT_GE(r["summary"]["interrupted"].toInt(), 1);
+    // The rounds were stopped too, not left running: nothing more is written.
+    const QMap<QString, qint64> after = snapshot(batch.out);
+    QThread::msleep(1500);
+    EXPECT_EQ(snapshot(batch.out), after);
 }

@@ -1,12 +1,10 @@
-#include "StepGraph.h"
+#include "engine/StepGraph.h"
 
 #include "engine/SequenceNode.h"
 
 #include <QHash>
 
-namespace Mbrun {
-
-using Plugin::SequenceNode;
+namespace Plugin {
 
 QList<SequenceNode*> StepGraph::StartOrder(const QList<SequenceNode*>& nodes)
 {
@@ -78,4 +76,4 @@ QSet<SequenceNode*> StepGraph::Behind(SequenceNode* node)
     return reached;
 }
 
-} // namespace Mbrun
+} // namespace Plugin

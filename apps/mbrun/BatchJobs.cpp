@@ -1,0 +1,231 @@
+// Rounds side by side: each few rounds run in a child mbrun (--round K-L), so that
+// their logs, memory and failures stay their own; the parent prints each child's
+// log whole as it ends and gathers the reports in round order.
+#include "BatchRun.h"
+
+#include "CommandLine.h"
+#include "Console.h"
+#include "StopSignals.h"
+
+#include "engine/APCLog.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QEventLoop>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <memory>
+
+#include <signal.h>
+
+namespace Mbrun {
+
+namespace {
+
+struct Child
+{
+    int round = 0; // its first
+    int last = 0;
+    QString report;
+    std::unique_ptr<QProcess> process;
+};
+
+QJsonObject readReport(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return QJsonObject();
+    return QJsonDocument::fromJson(file.readAll()).object();
+}
+
+} // namespace
+
+int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int()>& countRounds)
+{
+    int rounds = outline.rounds.size();
+    QTemporaryDir work(QDir::temp().filePath(QStringLiteral("mbrun-jobs-XXXXXX")));
+    if (!work.isValid())
+        return Refuse({QStringLiteral("mbrun: cannot make a folder for the rounds' reports: %1\n").arg(work.errorString())});
+    QStringList common{m_options.ModelPath()};
+    for (const auto& s : m_options.Settings())
+        common << QStringLiteral("--set") << s.first + QLatin1Char('=') + s.second;
+
+    // Steps outside the iterator run once, with the first round, before the others start.
+    const bool prologueFirst = !outline.prologue.isEmpty();
+    std::map<int, std::unique_ptr<Child>> running;
+    std::map<int, std::pair<int, QString>> ended; // first round -> last, its report, not yet taken
+    // A process costs its start and its first touch of the memory its steps use:
+    // a child takes a few rounds in turn, while enough are left to keep every job busy.
+    const int chunk = std::clamp((rounds + 2 * jobs - 1) / (2 * jobs), 1, 16);
+    int next = 1;
+    int merged = 1;
+    bool prologueFailed = false;
+    bool refused = false;
+    bool stalled = false;
+    int succeeded = 0, failed = 0; // the logs' counts
+    int finished = 0;              // steps that ended, for a stop's closing line
+    QStringList failedFiles, interruptedFiles, failedOutside;
+    int roundsRun = 0;
+    QEventLoop loop;
+
+    auto take = [&](int round, const QString& path) {
+        const QJsonObject report = readReport(path);
+        const bool withoutPrologue = !(prologueFirst && round == 1);
+        if (m_report)
+            m_report->Merge(report, withoutPrologue);
+        const QJsonObject summary = report.value(QStringLiteral("summary")).toObject();
+        roundsRun += summary.value(QStringLiteral("rounds")).toInt();
+        for (const char* key : {"succeeded", "failed", "skipped"})
+            finished += summary.value(QLatin1String(key)).toInt();
+        for (const QJsonValue& r : report.value(QStringLiteral("rounds")).toArray()) {
+            const QString status = r[QStringLiteral("status")].toString();
+            if (status == QLatin1String("failed"))
+                failedFiles << r[QStringLiteral("file")].toString();
+            else if (status == QLatin1String("interrupted"))
+                interruptedFiles << r[QStringLiteral("file")].toString();
+        }
+        for (const QJsonValue& v : report.value(QStringLiteral("steps")).toArray()) {
+            if (!v[QStringLiteral("round")].isNull())
+                continue;
+            const QString status = v[QStringLiteral("status")].toString();
+            if (withoutPrologue)
+                finished -= status == QLatin1String("skipped") ? 1 : 0;
+            else if (status == QLatin1String("failed"))
+                failedOutside << QLatin1Char('"') + v[QStringLiteral("step")].toString() + QLatin1Char('"');
+        }
+        const QString outcome = report.value(QStringLiteral("status")).toString();
+        stalled = stalled || outcome == QLatin1String("stalled");
+        refused = refused || outcome == QLatin1String("refused");
+    };
+    // Reports are taken in round order, so that the report lists them so.
+    auto takeEnded = [&](bool all) {
+        while (!ended.empty() && (all || ended.begin()->first == merged)) {
+            take(ended.begin()->first, ended.begin()->second.second);
+            QFile::remove(ended.begin()->second.second);
+            merged = ended.begin()->second.first + 1;
+            ended.erase(ended.begin());
+        }
+    };
+
+    std::function<void()> startMore;
+    auto onEnded = [&](int round) {
+        Child& child = *running.at(round);
+        QProcess& p = *child.process;
+        // The child's log whole, never mixed with another round's.
+        const QString log = QString::fromUtf8(p.readAllStandardOutput());
+        Console::Out(log);
+        Plugin::APCLog::AddSummaryCounts(log, &succeeded, &failed);
+        const int code = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
+        const QString said = QString::fromUtf8(p.readAllStandardError());
+        if ((code == Refused || code < 0) && !said.isEmpty())
+            Say({said});
+        if (code < 0 || !QFile::exists(child.report)) {
+            Say({QStringLiteral("mbrun: the run of round %1 ended without a report (%2)\n").arg(round).arg(p.errorString())});
+            refused = true;
+        } else {
+            ended.emplace(round, std::make_pair(child.last, child.report));
+        }
+        if (prologueFirst && round == 1) {
+            takeEnded(false);
+            // A failure outside any round ends a run: the other rounds do not start.
+            prologueFailed = !failedOutside.isEmpty() || merged == 1;
+            if (!prologueFailed)
+                rounds = std::max(1, countRounds());
+        }
+        running.erase(round);
+        takeEnded(false);
+        startMore();
+    };
+    startMore = [&] {
+        while (!m_signal && !prologueFailed && next <= rounds && int(running.size()) < jobs) {
+            if (prologueFirst && next > 1 && merged == 1)
+                break; // the first round, with the steps outside the iterator, still runs
+            auto child = std::make_unique<Child>();
+            child->round = next;
+            child->last = prologueFirst && next == 1 ? 1 : std::min(rounds, next + chunk - 1);
+            child->report = work.filePath(QStringLiteral("round-%1.json").arg(next));
+            child->process = std::make_unique<QProcess>();
+            QStringList args = common;
+            args << QStringLiteral("--round")
+                 << (child->last == next ? QString::number(next) : QStringLiteral("%1-%2").arg(next).arg(child->last));
+            // The first round runs the steps outside the iterator as a whole run
+            // would; the others leave them out.
+            args << (prologueFirst && next == 1 ? QStringLiteral("--with-prologue") : QStringLiteral("--no-prologue"));
+            args << QStringLiteral("--report") << child->report;
+            const int round = next;
+            next = child->last + 1;
+            QObject::connect(child->process.get(), QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished),
+                             &loop, [&, round] { onEnded(round); }, Qt::QueuedConnection);
+            QObject::connect(child->process.get(), &QProcess::errorOccurred, &loop, [&, round](QProcess::ProcessError e) {
+                if (e == QProcess::FailedToStart)
+                    QMetaObject::invokeMethod(&loop, [&, round] { onEnded(round); }, Qt::QueuedConnection);
+            });
+            {
+                const StopSignals::HeldForChild held;
+                child->process->start(QCoreApplication::applicationFilePath(), args);
+            }
+            running.emplace(round, std::move(child));
+        }
+        if (running.empty())
+            loop.quit();
+    };
+
+    StopSignals stopSignals([&](int signal) {
+        if (m_signal)
+            return;
+        m_signal = signal;
+        Say({QStringLiteral("\nmbrun: %1: stopping the run\n").arg(StopSignals::Name(signal))});
+        for (auto& [round, child] : running)
+            if (child->process->processId() > 0)
+                ::kill(pid_t(child->process->processId()), signal);
+    });
+    QMetaObject::invokeMethod(&loop, [&] { startMore(); }, Qt::QueuedConnection);
+    loop.exec();
+    takeEnded(true);
+
+    Console::Out(Plugin::APCLog::SummaryText(succeeded, failed));
+    QStringList closing = outline.warnings;
+    if (!failedFiles.isEmpty())
+        closing << QStringLiteral("mbrun: %1 of %2 rounds failed: %3\n")
+                       .arg(failedFiles.size())
+                       .arg(roundsRun)
+                       .arg(failedFiles.join(QStringLiteral(", ")));
+    if (!failedOutside.isEmpty())
+        closing << QStringLiteral("mbrun: failed outside any round: %1\n").arg(failedOutside.join(QStringLiteral(", ")));
+    if (m_signal) {
+        QString line = QStringLiteral("mbrun: %1 stopped the run; steps finished: %2").arg(StopSignals::Name(m_signal)).arg(finished);
+        if (!interruptedFiles.isEmpty())
+            line += QStringLiteral("; unfinished rounds: %1").arg(interruptedFiles.join(QStringLiteral(", ")));
+        closing << line + QLatin1Char('\n');
+    }
+    Say(closing);
+
+    ReportWriter::Outcome outcome = ReportWriter::Outcome::Succeeded;
+    int code = Success;
+    if (m_signal) {
+        outcome = ReportWriter::Outcome::Interrupted;
+        code = StopSignals::ExitCode(m_signal);
+    } else if (stalled) {
+        outcome = ReportWriter::Outcome::Stalled;
+        code = Refused;
+    } else if (refused) {
+        outcome = ReportWriter::Outcome::Refused;
+        code = Refused;
+    } else if (failed > 0 || !failedFiles.isEmpty() || !failedOutside.isEmpty()) {
+        outcome = ReportWriter::Outcome::Failed;
+        code = StepFailed;
+    }
+    if (!WriteReport(nullptr, outcome, code) && code == Success)
+        code = StepFailed;
+    return code;
+}
+
+} // namespace Mbrun
