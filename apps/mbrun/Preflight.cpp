@@ -1,5 +1,6 @@
 #include "Preflight.h"
 
+#include "engine/APCAlgo.h"
 #include "engine/APCModelFile.h"
 #include "functions/APCFun.h"
 #include "functions/FunctionInfo.h"
@@ -116,6 +117,13 @@ QStringList Preflight::WhyInvalid(Plugin::APCObject* object, const QString& path
             line += QStringLiteral(" (%1)").arg(p.description);
         lines << line + QLatin1Char('\n');
     }
+    if (lines.isEmpty())
+        if (auto* algo = dynamic_cast<Plugin::APCAlgo*>(process)) {
+            const QStringList problem = algo->ParameterProblem();
+            if (problem.size() == 2)
+                lines << QStringLiteral("mbrun: the parameter %1 of %2 is refused: %3\n")
+                             .arg(quoted(problem[0]), quoted(process->GetDescription()), problem[1]);
+        }
     if (lines.isEmpty())
         if (auto* nested = dynamic_cast<Plugin::APCModelFile*>(process))
             lines << QStringLiteral("mbrun: %1 runs the model %2, which %3\n")

@@ -100,7 +100,8 @@ bool translateInto(GdalJob& job, GDALDataset& source, ToolArgs args, const QStri
     RasterTarget target;
     if (!target.Prepare(job, kOut, false))
         return false;
-    args << "-of" << target.ToolFormat();
+    target.AddFormat(args);
+    args << job.Switches();
     TranslateOptions options(GDALTranslateOptionsNew(args.Argv(), nullptr));
     if (!options)
         return job.FailGdal(kBadParameter, QStringLiteral("%1: invalid options").arg(what));
@@ -120,7 +121,8 @@ bool warpInto(GdalJob& job, std::vector<GDALDatasetH> sources, ToolArgs args, co
     RasterTarget target;
     if (!target.Prepare(job, kOut))
         return false;
-    args << "-of" << target.ToolFormat();
+    target.AddFormat(args);
+    args << job.Switches();
     WarpOptions options(GDALWarpAppOptionsNew(args.Argv(), nullptr));
     if (!options)
         return job.FailGdal(kBadParameter, QStringLiteral("%1: invalid options").arg(what));
@@ -335,7 +337,9 @@ bool runDem(GdalJob& job, const char* mode, ToolArgs args, const QString& what)
     RasterTarget target;
     if (!target.Prepare(job, kOut, false))
         return false;
-    args << "-b" << double(band) << "-compute_edges" << "-of" << target.ToolFormat();
+    args << "-b" << double(band) << "-compute_edges";
+    target.AddFormat(args);
+    args << job.Switches();
     DemOptions options(GDALDEMProcessingOptionsNew(args.Argv(), nullptr));
     if (!options)
         return job.FailGdal(kBadParameter, QStringLiteral("%1: invalid options").arg(what));
@@ -541,7 +545,7 @@ bool runPolygonize(GdalJob& job)
     // CreateLayer clones the spatial reference; it only lacks the const.
     OGRLayer* layer = ds->CreateLayer(QFileInfo(out).completeBaseName().toUtf8().constData(),
                                       const_cast<OGRSpatialReference*>(src->GetSpatialRef()),
-                                      wkbPolygon, LayerOptionsFor(output->Driver()).List());
+                                      wkbPolygon, LayerOptionsFor(job, output->Driver()).List());
     OGRFieldDefn field(fieldName.toUtf8().constData(), floating ? OFTReal : OFTInteger);
     if (!layer || layer->CreateField(&field) != OGRERR_NONE)
         return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create layer in %1").arg(out));
@@ -575,7 +579,7 @@ void RegisterRasterAlgorithms()
                                           QStringLiteral("Window to keep as xmin,ymin,xmax,ymax in the raster's coordinates"))),
                       Optional(InputParam(QStringLiteral("Data Type"), QStringLiteral("string"),
                                           QStringLiteral("Output data type: Byte, UInt16, Int16, UInt32, Int32, Float32 or Float64; values outside its range are clipped")))}),
-        runTranslate);
+        runTranslate, GdalTool::Translate);
 
     RegisterGdalAlgorithm(
         rasterConfig("raster.warp", "Reproject raster", "Reprojects a raster into another spatial reference.",
@@ -587,7 +591,7 @@ void RegisterRasterAlgorithms()
                       WithDefault(InputParam(QStringLiteral("Resampling"), QStringLiteral("string"),
                                              QStringLiteral("near, bilinear, cubic, cubicspline, lanczos, average, mode, min, max, med, q1, q3 or sum")),
                                   QStringLiteral("near"))}),
-        runWarp);
+        runWarp, GdalTool::Warp);
 
     RegisterGdalAlgorithm(
         rasterConfig("raster.clipExtent", "Clip raster by extent",
@@ -595,7 +599,7 @@ void RegisterRasterAlgorithms()
                      {inRaster(), number("X Min", "float", "West edge of the rectangle"),
                       number("Y Min", "float", "South edge of the rectangle"), number("X Max", "float", "East edge of the rectangle"),
                       number("Y Max", "float", "North edge of the rectangle"), outRaster("Clipped raster")}),
-        runClipExtent);
+        runClipExtent, GdalTool::Translate);
 
     RegisterGdalAlgorithm(
         rasterConfig("raster.clipByPolygon", "Clip raster by polygons",
@@ -608,7 +612,7 @@ void RegisterRasterAlgorithms()
                                           QStringLiteral("Layer of the mask file; empty takes the first"))),
                       Optional(number("NoData", "float",
                                       "Value of pixels outside the polygons; empty takes the raster's no-data value, else 0"))}),
-        runClipByPolygon);
+        runClipByPolygon, GdalTool::Warp);
 
     RegisterGdalAlgorithm(
         rasterConfig("raster.mosaic", "Mosaic rasters",
@@ -617,7 +621,7 @@ void RegisterRasterAlgorithms()
                                  QStringLiteral("Rasters to merge, separated by ';'"), QString::fromLatin1(kRasterInputFilter)),
                       outRaster("Merged raster"),
                       Optional(number("NoData", "float", "Value treated as empty in the inputs and written where none covers"))}),
-        runMosaic);
+        runMosaic, GdalTool::Translate);
 
     RegisterGdalAlgorithm(
         rasterConfig("raster.hillshade", "Hillshade", "Computes a shaded relief (0-255) from an elevation model.",
@@ -626,7 +630,7 @@ void RegisterRasterAlgorithms()
                       number("Scale", "float", "Horizontal units per vertical unit; 111120 for degrees over metres", "1"),
                       number("Azimuth", "float", "Direction of the light in degrees clockwise from north", "315"),
                       number("Altitude", "float", "Height of the light above the horizon in degrees", "45")}),
-        runHillshade);
+        runHillshade, GdalTool::DemProcessing);
 
     RegisterGdalAlgorithm(
         rasterConfig("raster.slope", "Slope", "Computes the slope of an elevation model in degrees or percent.",
@@ -634,13 +638,13 @@ void RegisterRasterAlgorithms()
                       WithDefault(InputParam(QStringLiteral("Units"), QStringLiteral("string"), QStringLiteral("degrees or percent")),
                                   QStringLiteral("degrees")),
                       number("Scale", "float", "Horizontal units per vertical unit; 111120 for degrees over metres", "1")}),
-        runSlope);
+        runSlope, GdalTool::DemProcessing);
 
     RegisterGdalAlgorithm(
         rasterConfig("raster.aspect", "Aspect",
                      "Computes the direction each cell of an elevation model faces, in degrees clockwise from north.",
                      {inRaster("Elevation model"), bandParam(), outRaster("Aspect, Float32; flat cells are no-data")}),
-        runAspect);
+        runAspect, GdalTool::DemProcessing);
 
     RegisterGdalAlgorithm(
         rasterConfig("raster.ndvi", "NDVI",

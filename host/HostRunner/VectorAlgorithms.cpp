@@ -97,10 +97,10 @@ bool vectorTranslateInto(GdalJob& job, GDALDataset& source, OGRLayer& layer, Too
     const QString& out = output->Path();
     const QString& driver = output->Driver();
     args << "-f" << driver;
-    const CPLStringList layerOptions = LayerOptionsFor(driver);
+    const CPLStringList layerOptions = LayerOptionsFor(job, driver);
     for (int i = 0; i < layerOptions.Count(); ++i)
         args << "-lco" << layerOptions[i];
-    args << QByteArray(layer.GetName());
+    args << job.Switches() << QByteArray(layer.GetName());
     VectorTranslateOptions options(GDALVectorTranslateOptionsNew(args.Argv(), nullptr));
     if (!options)
         return job.FailGdal(kBadParameter, QStringLiteral("%1: invalid options").arg(what));
@@ -186,7 +186,7 @@ bool runBuffer(GdalJob& job)
     // Multi-polygons throughout: a buffer may split or merge parts, and some formats
     // refuse a multi-polygon in a polygon layer.
     OGRLayer* target = ds->CreateLayer(QFileInfo(out).completeBaseName().toUtf8().constData(), layer->GetSpatialRef(),
-                                       wkbMultiPolygon, LayerOptionsFor(output->Driver()).List());
+                                       wkbMultiPolygon, LayerOptionsFor(job, output->Driver()).List());
     if (!target)
         return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create layer in %1").arg(out));
     OGRFeatureDefn* sourceDefn = layer->GetLayerDefn();
@@ -268,7 +268,9 @@ bool runRasterize(GdalJob& job)
         return false;
     args << "-l" << QByteArray(layer->GetName()) << "-te" << extent.MinX << extent.MaxY - rows * resolution
          << extent.MinX + columns * resolution << extent.MaxY << "-tr" << resolution << resolution << "-a_nodata" << noData
-         << "-init" << noData << "-ot" << GDALGetDataTypeName(type) << "-of" << target.ToolFormat();
+         << "-init" << noData << "-ot" << GDALGetDataTypeName(type);
+    target.AddFormat(args);
+    args << job.Switches();
     RasterizeOptions options(GDALRasterizeOptionsNew(args.Argv(), nullptr));
     if (!options)
         return job.FailGdal(kBadParameter, QStringLiteral("Rasterize: invalid options"));
@@ -293,7 +295,7 @@ void RegisterVectorAlgorithms()
                       Optional(InputParam(QStringLiteral("Target SRS"), QStringLiteral("spatialReference"),
                                           QStringLiteral("Spatial reference to reproject into; empty keeps the layer's"))),
                       layerParam()}),
-        runTranslate);
+        runTranslate, GdalTool::VectorTranslate);
 
     RegisterGdalAlgorithm(
         vectorConfig("vector.attributeFilter", "Select by attribute",
@@ -302,7 +304,7 @@ void RegisterVectorAlgorithms()
                       InputParam(QStringLiteral("Where"), QStringLiteral("string"),
                                  QStringLiteral("SQL where clause on the layer's fields, e.g. population > 1000 AND type = 'city'")),
                       outVector("Matching features"), layerParam()}),
-        runAttributeFilter);
+        runAttributeFilter, GdalTool::VectorTranslate);
 
     RegisterGdalAlgorithm(
         vectorConfig("vector.buffer", "Buffer",
@@ -326,7 +328,7 @@ void RegisterVectorAlgorithms()
                       value("NoData", "float", "Value of pixels no feature covers", "0"),
                       value("Data Type", "string", "Byte, UInt16, Int16, UInt32, Int32, Float32 or Float64", "Float32"),
                       layerParam()}),
-        runRasterize);
+        runRasterize, GdalTool::Rasterize);
 }
 
 } // namespace HostRunner

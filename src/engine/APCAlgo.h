@@ -2,6 +2,8 @@
 
 #include "model/APCProcess.h"
 
+#include <QStringList>
+
 #include <memory>
 
 namespace HostRunner {
@@ -24,8 +26,12 @@ public:
     void WriteXml(QXmlStreamWriter& writer, bool withElement) override;
     // A copy with a run record of its own.
     APCObject* Clone() override;
-    // Every parameter has a value or is optional.
+    // Every parameter has a value or is optional, and the host accepts the values
+    // it can judge before a run (see ParameterProblem).
     bool Check() override;
+    // What the host refuses of the parameters before any run, as
+    // {parameter name, reason}; empty when it accepts them.
+    QStringList ParameterProblem() const;
     // Takes name, display text and parameter settings from the catalogue; stored
     // values stay. Nothing changes for an algorithm the catalogue does not know.
     void SetProcessName(const QString& name) override;

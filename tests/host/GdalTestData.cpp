@@ -134,6 +134,10 @@ RasterInfo ReadRasterInfo(const QString& path)
     int hasNoData = FALSE;
     info.noData = ds->GetRasterBand(1)->GetNoDataValue(&hasNoData);
     info.hasNoData = hasNoData != 0;
+    info.compression = QString::fromLatin1(ds->GetMetadataItem("COMPRESSION", "IMAGE_STRUCTURE"));
+    info.layout = QString::fromLatin1(ds->GetMetadataItem("LAYOUT", "IMAGE_STRUCTURE"));
+    int blockHeight = 0;
+    ds->GetRasterBand(1)->GetBlockSize(&info.blockWidth, &blockHeight);
     return info;
 }
 

@@ -48,6 +48,9 @@ struct RasterInfo
     int epsg = 0;                     // 0 when none or not identifiable
     bool hasNoData = false;
     double noData = 0.0;
+    QString compression; // of the image structure: DEFLATE, LZW, ...; empty when none
+    QString layout;      // COG for a cloud-optimised GeoTIFF
+    int blockWidth = 0;  // of band 1
 };
 RasterInfo ReadRasterInfo(const QString& path);
 // Band values row by row; empty when the file or band does not open.

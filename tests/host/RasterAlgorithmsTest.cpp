@@ -234,6 +234,63 @@ TEST_F(RasterAlgorithms, TerrainOfAnInclinedPlane)
     EXPECT_GT(ReadBand(Path("lit.tif"), 1)[40], ReadBand(Path("dark.tif"), 1)[40] + 20);
 }
 
+// Every algorithm that writes a raster passes its creation options to the format,
+// through a utility, a created file or a copy out of memory alike, and an empty
+// value writes what it wrote before.
+TEST_F(RasterAlgorithms, CreationOptionsReachEveryRasterOutput)
+{
+    const QString dem = Make("dem.tif", Sized(300, 300, 4), Where);
+    const QString vector = Path("box.gpkg");
+    ASSERT_TRUE(WriteVector(vector, 32633, {}, {{Box(500050, 3999650, 500300, 3999950), {}}}));
+    struct Case { const char* algorithm; QJsonObject params; };
+    const std::vector<Case> cases = {
+        {"raster.translate", {}},
+        {"raster.warp", {{"Target SRS", "EPSG:32633"}}},
+        {"raster.clipExtent", {{"X Min", "500000"}, {"Y Min", "3999800"}, {"X Max", "500200"}, {"Y Max", "4000000"}}},
+        {"raster.clipByPolygon", {{"Mask File", vector}}},
+        {"raster.mosaic", {{"In Files", dem}}},
+        {"raster.hillshade", {}},
+        {"raster.slope", {}},
+        {"raster.aspect", {}},
+        {"raster.ndvi", {}},
+        {"vector.rasterize", {{"In File", vector}, {"Resolution", "10"}}},
+    };
+    struct Options { const char* text; const char* extension; const char* compression; const char* layout; };
+    const Options options[] = {
+        {"", "tif", "", ""},
+        {"COMPRESS=DEFLATE;TILED=YES;BLOCKXSIZE=128;BLOCKYSIZE=128;NUM_THREADS=2", "tif", "DEFLATE", ""},
+        {"COG=YES;COMPRESS=LZW;BLOCKSIZE=128", "tif", "LZW", "COG"},
+        {"COMPRESS=LZW", "img", "", ""}, // HFA compresses by YES or NO only: refused before the run
+    };
+    for (const Case& c : cases) {
+        for (const Options& o : options) {
+            SCOPED_TRACE(std::string(c.algorithm) + " " + o.text);
+            QJsonObject params = c.params;
+            if (!params.contains("In File"))
+                params["In File"] = dem;
+            const QString out = Path(QStringLiteral("out-%1.%2").arg(c.algorithm, o.extension));
+            params["Out File"] = out;
+            params["Creation options"] = o.text;
+            const RunResult r = RunAlgorithm(c.algorithm, params);
+            if (QString(o.extension) == "img" && QString(o.text).size()) {
+                EXPECT_EQ(r.ok, 0);
+                EXPECT_TRUE(r.message.contains("Creation options: 'LZW' is an unexpected value for COMPRESS creation option of type boolean"))
+                    << r.message.toStdString();
+                EXPECT_FALSE(QFileInfo::exists(out));
+                continue;
+            }
+            ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+            const RasterInfo info = ReadRasterInfo(out);
+            EXPECT_EQ(info.compression, o.compression);
+            EXPECT_EQ(info.layout, o.layout);
+            if (QString(o.text).contains("128"))
+                EXPECT_EQ(info.blockWidth, 128);
+            else
+                EXPECT_NE(info.blockWidth, 128);
+        }
+    }
+}
+
 TEST_F(RasterAlgorithms, NdviFromChosenBandsWithNoData)
 {
     const double none = -9999;
@@ -418,6 +475,7 @@ TEST(AlgorithmCatalogue, EveryBuiltinIsDescribedConsistently)
         EXPECT_FALSE(c->displayText.isEmpty());
         EXPECT_TRUE(c->help.endsWith('.'));
         int outputs = 0;
+        bool rasterOut = false, vectorOut = false;
         QStringList seen;
         for (const Plugin::Param& p : c->params) {
             SCOPED_TRACE(p.name.toStdString());
@@ -430,8 +488,20 @@ TEST(AlgorithmCatalogue, EveryBuiltinIsDescribedConsistently)
             EXPECT_EQ(typeParam.contains("filter"), p.type == "file" || p.type == "multiFile");
             outputs += p.direction == 1;
             EXPECT_FALSE(p.direction == 1 && p.isOptional);
+            rasterOut |= p.direction == 1 && p.typeParam.contains("GeoTIFF");
+            vectorOut |= p.direction == 1 && p.typeParam.contains("Shapefile");
         }
         EXPECT_EQ(outputs, 1);
+        // Every raster output takes creation options, every vector output layer ones, as
+        // optional parameters after the algorithm's own, which saved models hold in order.
+        EXPECT_EQ(seen.contains("Creation options"), rasterOut);
+        EXPECT_EQ(seen.contains("Layer creation options"), vectorOut);
+        for (int i = 0; i < c->params.size(); ++i)
+            if (c->params[i].name.endsWith(" options")) {
+                SCOPED_TRACE(c->params[i].name.toStdString());
+                EXPECT_TRUE(c->params[i].isOptional && c->params[i].defaultValue.isEmpty());
+                EXPECT_GE(i, c->params.size() - 2);
+            }
     }
     EXPECT_GE(builtins, 12);
 }

@@ -203,3 +203,37 @@ TEST_F(VectorAlgorithms, BadInputGivesCodeAndMessageAndNoOutput)
     EXPECT_EQ(TestSupport::ReadAll(towns), original);
     EXPECT_EQ(ReadVector(towns).features.size(), 5u);
 }
+
+// Every algorithm that writes a vector layer passes its layer creation options to the
+// format, and one built on ogr2ogr its switches to ogr2ogr's parser; CSV keeps its
+// geometry unless they ask otherwise.
+TEST_F(VectorAlgorithms, LayerOptionsAndSwitchesReachTheOutput)
+{
+    const QString raster = Path("grid.tif");
+    ASSERT_TRUE(WriteRaster(raster, Grid(), [](int, int x, int) { return double(x / 4); }));
+    struct Case { const char* algorithm; QJsonObject params; const char* options; const char* out; QStringList in, notIn; };
+    const std::vector<Case> cases = {
+        {"vector.translate", {{"In File", towns}}, "", "t.geojson", {"\"name\": \"t"}, {}},
+        {"vector.translate", {{"In File", towns}}, "WRITE_NAME=NO", "t.geojson", {"\"pop\": 1200"}, {"\"name\": \"t"}},
+        {"vector.attributeFilter", {{"In File", towns}, {"Where", "pop > 100"}}, "WRITE_NAME=NO", "t.geojson", {"\"C\""}, {"\"name\": \"t", "\"A\""}},
+        {"vector.buffer", {{"In File", towns}, {"Distance", "1"}}, "WRITE_NAME=NO", "t.geojson", {"MultiPolygon"}, {"\"name\": \"t"}},
+        {"raster.polygonize", {{"In File", raster}}, "WRITE_NAME=NO", "t.geojson", {"\"value\": 1"}, {"\"name\": \"t"}},
+        {"vector.buffer", {{"In File", towns}, {"Distance", "1"}}, "", "t.csv", {"WKT,name,pop", "\"MULTIPOLYGON (("}, {}},
+        {"vector.translate", {{"In File", towns}}, "GEOMETRY=AS_XY;SEPARATOR=SEMICOLON", "t.csv", {"X;Y;name;pop", "500100;4000000;B;"}, {"POINT"}},
+        {"vector.translate", {{"In File", towns}, {"Additional options", "-select pop -where \"name = 'E'\""}}, "", "t.geojson",
+         {"\"pop\": 300"}, {"\"name\": \"E\"", "\"D\""}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.algorithm) + " " + c.options + " " + c.out);
+        QJsonObject params = c.params;
+        params["Out File"] = Path(c.out);
+        params["Layer creation options"] = c.options;
+        const RunResult r = RunAlgorithm(c.algorithm, params);
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        const QByteArray text = TestSupport::ReadAll(Path(c.out));
+        for (const QString& s : c.in)
+            EXPECT_TRUE(text.contains(s.toUtf8())) << s.toStdString() << "\n" << text.left(600).constData();
+        for (const QString& s : c.notIn)
+            EXPECT_FALSE(text.contains(s.toUtf8())) << s.toStdString() << "\n" << text.left(600).constData();
+    }
+}
