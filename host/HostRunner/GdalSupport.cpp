@@ -37,6 +37,8 @@ const char* const kVectorInputFilter = "Vector layers (*.shp *.gpkg *.geojson *.
 const char* const kVectorOutputFilter = "Shapefile (*.shp);;GeoPackage (*.gpkg);;GeoJSON (*.geojson *.json);;"
                                         "CSV (*.csv);;FlatGeobuf (*.fgb)";
 const char* const kTableOutputFilter = "CSV (*.csv);;Text (*.txt)";
+const char* const kVrtOutputFilter = "Virtual raster (*.vrt)";
+const char* const kReportOutputFilter = "JSON (*.json);;Text (*.txt)";
 
 namespace {
 
@@ -60,6 +62,8 @@ const ExtensionDriver kVectorDrivers[] = {
 };
 
 const ExtensionDriver kTableDrivers[] = {{"csv", nullptr}, {"txt", nullptr}};
+const ExtensionDriver kVrtDrivers[] = {{"vrt", "VRT"}};
+const ExtensionDriver kReportDrivers[] = {{"json", nullptr}, {"txt", nullptr}};
 
 struct OutputFormats
 {
@@ -74,6 +78,10 @@ OutputFormats formatsFor(OutputKind kind)
         return {"raster", std::begin(kRasterDrivers), std::end(kRasterDrivers)};
     if (kind == OutputKind::Vector)
         return {"vector", std::begin(kVectorDrivers), std::end(kVectorDrivers)};
+    if (kind == OutputKind::Vrt)
+        return {"virtual raster", std::begin(kVrtDrivers), std::end(kVrtDrivers)};
+    if (kind == OutputKind::Report)
+        return {"report", std::begin(kReportDrivers), std::end(kReportDrivers)};
     return {"table", std::begin(kTableDrivers), std::end(kTableDrivers)};
 }
 

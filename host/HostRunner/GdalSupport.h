@@ -44,12 +44,16 @@ extern const char* const kRasterOutputFilter;
 extern const char* const kVectorInputFilter;
 extern const char* const kVectorOutputFilter;
 extern const char* const kTableOutputFilter;
+extern const char* const kVrtOutputFilter;
+extern const char* const kReportOutputFilter;
 
 // What an output parameter receives; each kind has its own known extensions.
 enum class OutputKind {
     Raster, // .tif, .img, .asc, .png, ... written by GDAL
     Vector, // .shp, .gpkg, .geojson, .csv, ... written by GDAL
     Table,  // .csv or .txt written by the algorithm itself
+    Vrt,    // .vrt: a virtual raster naming its sources
+    Report, // .json or .txt written by the algorithm itself
 };
 
 // The option parameters of the writing algorithms, alike in every one of them. An

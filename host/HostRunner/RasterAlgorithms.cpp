@@ -37,6 +37,8 @@ struct OptionsDeleter
 using TranslateOptions = std::unique_ptr<GDALTranslateOptions, OptionsDeleter<GDALTranslateOptions, GDALTranslateOptionsFree>>;
 using WarpOptions = std::unique_ptr<GDALWarpAppOptions, OptionsDeleter<GDALWarpAppOptions, GDALWarpAppOptionsFree>>;
 using DemOptions = std::unique_ptr<GDALDEMProcessingOptions, OptionsDeleter<GDALDEMProcessingOptions, GDALDEMProcessingOptionsFree>>;
+using NearblackOptions = std::unique_ptr<GDALNearblackOptions, OptionsDeleter<GDALNearblackOptions, GDALNearblackOptionsFree>>;
+using InfoOptions = std::unique_ptr<GDALInfoOptions, OptionsDeleter<GDALInfoOptions, GDALInfoOptionsFree>>;
 using BuildVrtOptions = std::unique_ptr<GDALBuildVRTOptions, OptionsDeleter<GDALBuildVRTOptions, GDALBuildVRTOptionsFree>>;
 
 AlgoConfig rasterConfig(const char* name, const char* displayText, const char* help, QList<Param> params)
@@ -207,6 +209,13 @@ bool runWarp(GdalJob& job)
             return job.Fail(kBadParameter, QStringLiteral("Resolution must be positive, not %1").arg(resolution));
         args << "-tr" << resolution << resolution;
     }
+    if (job.Has(QStringLiteral("Cutline"))) {
+        const QString cutline = job.Text(QStringLiteral("Cutline"));
+        GDALDatasetUniquePtr polygons = job.OpenVector(cutline); // fails early, and guards it against the output
+        if (!polygons)
+            return false;
+        args << "-cutline" << encoded(cutline);
+    }
     return warpInto(job, {GDALDataset::ToHandle(src.get())}, std::move(args),
                     QStringLiteral("Reprojecting %1").arg(fileName(in)));
 }
@@ -325,12 +334,14 @@ bool runMosaic(GdalJob& job)
 }
 
 // Runs one gdaldem mode on the band of parameter Band.
-bool runDem(GdalJob& job, const char* mode, ToolArgs args, const QString& what)
+bool runDem(GdalJob& job, const char* mode, ToolArgs args, const QString& what, const QString& colorTable = QString())
 {
     const QString in = job.Text(kIn);
     GDALDatasetUniquePtr src = job.OpenRaster(in);
     if (!src)
         return false;
+    if (!colorTable.isEmpty() && !QFileInfo(colorTable).isFile())
+        return job.Fail(kCannotOpenInput, QStringLiteral("Cannot open colour table %1: no such file").arg(colorTable));
     int band = 1;
     if (!job.Int(kBand, &band) || !job.CheckBand(*src, kBand, band))
         return false;
@@ -347,7 +358,8 @@ bool runDem(GdalJob& job, const char* mode, ToolArgs args, const QString& what)
     GDALDEMProcessingOptionsSetProgress(options.get(), &GdalProgress::Function, &progress);
     int usageError = FALSE;
     GDALDatasetUniquePtr result(GDALDataset::FromHandle(GDALDEMProcessing(
-        target.ToolPath().constData(), GDALDataset::ToHandle(src.get()), mode, nullptr, options.get(), &usageError)));
+        target.ToolPath().constData(), GDALDataset::ToHandle(src.get()), mode,
+        colorTable.isEmpty() ? nullptr : encoded(colorTable).constData(), options.get(), &usageError)));
     if (!result)
         return job.FailGdal(kProcessingFailed, QStringLiteral("%1 of %2 failed").arg(what, in));
     return target.Commit(job, std::move(result));
@@ -386,6 +398,41 @@ bool runSlope(GdalJob& job)
 bool runAspect(GdalJob& job)
 {
     return runDem(job, "aspect", ToolArgs(), QStringLiteral("Aspect"));
+}
+
+bool runColorRelief(GdalJob& job)
+{
+    QString matching;
+    if (!job.OneOf(QStringLiteral("Matching"), {"interpolate", "exact", "nearest"}, &matching))
+        return false;
+    ToolArgs args;
+    if (matching == QLatin1String("exact"))
+        args << "-exact_color_entry";
+    else if (matching == QLatin1String("nearest"))
+        args << "-nearest_color_entry";
+    if (job.Text(QStringLiteral("Alpha")) == QLatin1String("1"))
+        args << "-alpha";
+    return runDem(job, "color-relief", std::move(args), QStringLiteral("Colour relief"), job.Text(QStringLiteral("Color Table")));
+}
+
+bool runTri(GdalJob& job)
+{
+    QString method;
+    if (!job.OneOf(QStringLiteral("Method"), {"Riley", "Wilson"}, &method))
+        return false;
+    ToolArgs args;
+    args << "-alg" << method;
+    return runDem(job, "TRI", std::move(args), QStringLiteral("Terrain ruggedness"));
+}
+
+bool runTpi(GdalJob& job)
+{
+    return runDem(job, "TPI", ToolArgs(), QStringLiteral("Topographic position"));
+}
+
+bool runRoughness(GdalJob& job)
+{
+    return runDem(job, "roughness", ToolArgs(), QStringLiteral("Roughness"));
 }
 
 bool runNdvi(GdalJob& job)
@@ -434,6 +481,111 @@ bool runNdvi(GdalJob& job)
         progress.Report((y + 1.0) / height);
     }
     return target.Commit(job, std::move(out));
+}
+
+bool runBuildVrt(GdalJob& job)
+{
+    const QStringList paths = SplitPaths(job.Text(QStringLiteral("In Files")));
+    if (paths.isEmpty())
+        return job.Fail(kBadParameter, QStringLiteral("In Files lists no raster"));
+    std::vector<GDALDatasetUniquePtr> sources;
+    std::vector<GDALDatasetH> handles;
+    for (const QString& path : paths) {
+        GDALDatasetUniquePtr ds = job.OpenRaster(path);
+        if (!ds)
+            return false;
+        handles.push_back(GDALDataset::ToHandle(ds.get()));
+        sources.push_back(std::move(ds));
+    }
+    QString resolution;
+    if (!job.OneOf(QStringLiteral("Resolution"), {"average", "highest", "lowest"}, &resolution))
+        return false;
+    ToolArgs args;
+    args << "-resolution" << resolution;
+    if (job.Text(QStringLiteral("Separate")) == QLatin1String("1"))
+        args << "-separate";
+    args << job.Switches();
+    const OutputFile* output = job.PrepareOutput(kOut, OutputKind::Vrt);
+    if (!output)
+        return false;
+    BuildVrtOptions options(GDALBuildVRTOptionsNew(args.Argv(), nullptr));
+    if (!options)
+        return job.FailGdal(kBadParameter, QStringLiteral("Build virtual raster: invalid options"));
+    GdalProgress progress(job, QStringLiteral("Building %1").arg(fileName(output->Path())));
+    GDALBuildVRTOptionsSetProgress(options.get(), &GdalProgress::Function, &progress);
+    int usageError = FALSE;
+    // Sources by name: the file then names them as given, as gdalbuildvrt writes them.
+    std::vector<QByteArray> names;
+    std::vector<const char*> namePointers;
+    for (const QString& path : paths)
+        names.push_back(encoded(path));
+    for (const QByteArray& name : names)
+        namePointers.push_back(name.constData());
+    sources.clear();
+    GDALDatasetUniquePtr vrt(GDALDataset::FromHandle(GDALBuildVRT(encoded(output->WritePath()).constData(), int(names.size()),
+                                                                  nullptr, namePointers.data(), options.get(), &usageError)));
+    if (!vrt)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot build %1").arg(output->Path()));
+    return job.CloseOutput(vrt, output->Path());
+}
+
+bool runNearblack(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src = job.OpenRaster(in);
+    if (!src)
+        return false;
+    QString color;
+    int near = 15;
+    if (!job.OneOf(QStringLiteral("Color"), {"black", "white"}, &color) || !job.Int(QStringLiteral("Near"), &near, 0, 255))
+        return false;
+    ToolArgs args;
+    if (color == QLatin1String("white"))
+        args << "-white";
+    args << "-near" << double(near);
+    RasterTarget target;
+    if (!target.Prepare(job, kOut))
+        return false;
+    target.AddFormat(args);
+    args << job.Switches();
+    NearblackOptions options(GDALNearblackOptionsNew(args.Argv(), nullptr));
+    if (!options)
+        return job.FailGdal(kBadParameter, QStringLiteral("Nearblack: invalid options"));
+    GdalProgress progress(job, QStringLiteral("Clearing the edges of %1").arg(fileName(in)), 0.0, 90.0);
+    GDALNearblackOptionsSetProgress(options.get(), &GdalProgress::Function, &progress);
+    int usageError = FALSE;
+    GDALDatasetUniquePtr result(GDALDataset::FromHandle(
+        GDALNearblack(target.ToolPath().constData(), nullptr, GDALDataset::ToHandle(src.get()), options.get(), &usageError)));
+    if (!result)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("Clearing the edges of %1 into %2 failed").arg(in, target.Path()));
+    return target.Commit(job, std::move(result));
+}
+
+bool runInfo(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src = job.OpenRaster(in);
+    if (!src)
+        return false;
+    const OutputFile* out = job.PrepareOutput(kOut, OutputKind::Report);
+    if (!out)
+        return false;
+    ToolArgs args;
+    if (QFileInfo(out->Path()).suffix().compare(QLatin1String("json"), Qt::CaseInsensitive) == 0)
+        args << "-json";
+    args << job.Switches();
+    InfoOptions options(GDALInfoOptionsNew(args.Argv(), nullptr));
+    if (!options)
+        return job.FailGdal(kBadParameter, QStringLiteral("Raster information: invalid options"));
+    char* text = GDALInfo(GDALDataset::ToHandle(src.get()), options.get());
+    if (!text)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot describe %1").arg(in));
+    const QByteArray report(text);
+    CPLFree(text);
+    QFile file(out->WritePath());
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(report) != report.size() || !file.flush())
+        return job.Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: %2").arg(out->Path(), file.errorString()));
+    return true;
 }
 
 // Exact statistics of one band over its valid pixels (mask and no-data respected).
@@ -590,7 +742,10 @@ void RegisterRasterAlgorithms()
                       Optional(number("Resolution", "float", "Output pixel size in target units; empty lets GDAL choose")),
                       WithDefault(InputParam(QStringLiteral("Resampling"), QStringLiteral("string"),
                                              QStringLiteral("near, bilinear, cubic, cubicspline, lanczos, average, mode, min, max, med, q1, q3 or sum")),
-                                  QStringLiteral("near"))}),
+                                  QStringLiteral("near")),
+                      Optional(InputParam(QStringLiteral("Cutline"), QStringLiteral("file"),
+                                          QStringLiteral("Polygons outside which pixels become no-data; empty keeps all"),
+                                          QString::fromLatin1(kVectorInputFilter)))}),
         runWarp, GdalTool::Warp);
 
     RegisterGdalAlgorithm(
@@ -647,6 +802,43 @@ void RegisterRasterAlgorithms()
         runAspect, GdalTool::DemProcessing);
 
     RegisterGdalAlgorithm(
+        rasterConfig("raster.colorRelief", "Colour relief",
+                     "Colours an elevation model by a table of elevations and colours, as gdaldem color-relief does.",
+                     {inRaster("Elevation model"), bandParam(),
+                      InputParam(QStringLiteral("Color Table"), QStringLiteral("file"),
+                                 QStringLiteral("Text file of lines 'elevation red green blue [alpha]'; elevations may be "
+                                                "percentages (50%) or nv for no-data"),
+                                 QStringLiteral("Colour tables (*.txt *.csv);;All files (*)")),
+                      outRaster("Coloured relief, three Byte bands (four with Alpha)"),
+                      WithDefault(InputParam(QStringLiteral("Matching"), QStringLiteral("string"),
+                                             QStringLiteral("interpolate between entries, exact entries only (else black), "
+                                                            "or the nearest entry")),
+                                  QStringLiteral("interpolate")),
+                      WithDefault(number("Alpha", "int", "1 adds an alpha band"), QStringLiteral("0"))}),
+        runColorRelief, GdalTool::DemProcessing);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.tri", "Terrain ruggedness index",
+                     "Computes the terrain ruggedness index of an elevation model: how much each cell differs from its eight neighbours.",
+                     {inRaster("Elevation model"), bandParam(), outRaster("TRI, Float32"),
+                      WithDefault(InputParam(QStringLiteral("Method"), QStringLiteral("string"),
+                                             QStringLiteral("Riley (for terrain) or Wilson (for bathymetry)")),
+                                  QStringLiteral("Riley"))}),
+        runTri, GdalTool::DemProcessing);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.tpi", "Topographic position index",
+                     "Computes the topographic position index: each cell's elevation minus the mean of its eight neighbours.",
+                     {inRaster("Elevation model"), bandParam(), outRaster("TPI, Float32")}),
+        runTpi, GdalTool::DemProcessing);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.roughness", "Roughness",
+                     "Computes the roughness of an elevation model: the largest difference within each cell's 3x3 window.",
+                     {inRaster("Elevation model"), bandParam(), outRaster("Roughness, Float32")}),
+        runRoughness, GdalTool::DemProcessing);
+
+    RegisterGdalAlgorithm(
         rasterConfig("raster.ndvi", "NDVI",
                      "Computes the normalised difference vegetation index (NIR - red) / (NIR + red) as Float32.",
                      {inRaster("Multi-band image"), number("Red Band", "int", "Band holding red", "3"),
@@ -662,6 +854,36 @@ void RegisterRasterAlgorithms()
                                   QStringLiteral("CSV table, one line per band: band,valid_pixels,nodata_pixels,min,max,mean,stddev,sum"),
                                   QString::fromLatin1(kTableOutputFilter))}),
         runBandStatistics);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.buildVrt", "Build virtual raster",
+                     "Writes a virtual raster (.vrt) that shows several rasters as one mosaic, or as the bands of one raster, without copying them.",
+                     {InputParam(QStringLiteral("In Files"), QStringLiteral("multiFile"),
+                                 QStringLiteral("Rasters to combine, separated by ';'"), QString::fromLatin1(kRasterInputFilter)),
+                      OutputParam(kOut, QStringLiteral("file"), QStringLiteral("Virtual raster naming its sources"),
+                                  QString::fromLatin1(kVrtOutputFilter)),
+                      WithDefault(InputParam(QStringLiteral("Resolution"), QStringLiteral("string"),
+                                             QStringLiteral("Pixel size when the sources differ: average, highest or lowest")),
+                                  QStringLiteral("average")),
+                      WithDefault(number("Separate", "int", "1 puts each source into a band of its own"), QStringLiteral("0"))}),
+        runBuildVrt, GdalTool::BuildVrt);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.nearblack", "Clear near-black edges",
+                     "Turns the nearly black (or white) collars of a scanned or warped image into exact black (or white), as nearblack does.",
+                     {inRaster(), outRaster("Image with clean edges"),
+                      WithDefault(InputParam(QStringLiteral("Color"), QStringLiteral("string"), QStringLiteral("black or white")),
+                                  QStringLiteral("black")),
+                      number("Near", "int", "How far from black (or white) a value may be, 0 to 255", "15")}),
+        runNearblack, GdalTool::Nearblack);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.info", "Raster information",
+                     "Writes what gdalinfo tells of a raster to a file: JSON for a .json output, text for .txt.",
+                     {inRaster(),
+                      OutputParam(kOut, QStringLiteral("file"), QStringLiteral("Report; .json writes gdalinfo -json"),
+                                  QString::fromLatin1(kReportOutputFilter))}),
+        runInfo, GdalTool::Info);
 
     RegisterGdalAlgorithm(
         rasterConfig("raster.polygonize", "Polygonize raster",

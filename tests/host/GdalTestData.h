@@ -84,6 +84,16 @@ struct VectorInfo
 };
 VectorInfo ReadVector(const QString& path);
 
+// Runs one of GDAL's programs (gdaldem, gdal_translate, ...) and waits for it; its
+// exit code, -1 when it did not start or end. out gets its standard output.
+int RunProgram(const QString& program, const QStringList& args, QByteArray* out = nullptr);
+
+// What a reference comparison looks at: the files byte for byte, the rasters' size,
+// georeferencing and every band's values, or the vector layers' features.
+enum class Same { Bytes, Pixels, Features };
+// Expects the output of an algorithm to equal the reference a GDAL program wrote.
+void ExpectSameAsReference(const QString& output, const QString& reference, Same how);
+
 // A rectangle polygon as WKT.
 QString Box(double xmin, double ymin, double xmax, double ymax);
 

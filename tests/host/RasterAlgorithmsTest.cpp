@@ -291,6 +291,73 @@ TEST_F(RasterAlgorithms, CreationOptionsReachEveryRasterOutput)
     }
 }
 
+// Each algorithm built on a GDAL utility writes what the GDAL program writes given the
+// same options: byte for byte where GDAL writes deterministically.
+TEST_F(RasterAlgorithms, GdalProgramsGiveTheSameContent)
+{
+    const auto hills = [](int, int x, int y) { return 100 + 10 * std::sin(x / 7.0) * std::cos(y / 5.0) + 0.5 * x; };
+    const QString dem = Make("dem.tif", Sized(60, 50), hills);
+    Grid left = Sized(30, 50), right = Sized(30, 50);
+    right.originX += 300;
+    const QString west = Make("west.tif", left, hills);
+    const QString east = Make("east.tif", right, [&](int b, int x, int y) { return hills(b, x + 30, y); });
+    const QString image = Make("image.tif", Sized(60, 50, 3, "Byte"),
+                               [](int b, int x, int y) { return x < 4 || y > 45 ? 3 + b : 60 + x + y; });
+    // Without a spatial reference: how GDAL words one depends on what the process did before.
+    Grid unreferenced = Sized(6, 5);
+    unreferenced.epsg = 0;
+    const QString plain = Make("plain.tif", unreferenced, hills);
+    const QString table = Path("colours.txt");
+    ASSERT_TRUE(TestSupport::WriteAll(table, "90 0 0 255\n115 0 255 0\n140 255 0 0\nnv 0 0 0\n"));
+    const QString cutline = Path("cut.gpkg");
+    ASSERT_TRUE(WriteVector(cutline, 32633, {}, {{Box(500100, 3999600, 500450, 3999900), {}}}));
+    const QStringList dem1 = {"-b", "1", "-compute_edges"};
+    struct Case { const char* algorithm; QJsonObject params; const char* out; const char* program; QStringList args; Same same; };
+    const std::vector<Case> cases = {
+        {"raster.hillshade", {{"Z Factor", "2"}, {"Azimuth", "200"}}, "hs.tif", "gdaldem",
+         QStringList{"hillshade", dem, "%ref", "-z", "2", "-s", "1", "-az", "200", "-alt", "45"} + dem1, Same::Bytes},
+        {"raster.slope", {{"Units", "percent"}}, "slope.tif", "gdaldem", QStringList{"slope", dem, "%ref", "-s", "1", "-p"} + dem1, Same::Bytes},
+        {"raster.aspect", {}, "aspect.tif", "gdaldem", QStringList{"aspect", dem, "%ref"} + dem1, Same::Bytes},
+        {"raster.colorRelief", {{"Color Table", table}}, "relief.tif", "gdaldem", QStringList{"color-relief", dem, table, "%ref"} + dem1, Same::Bytes},
+        {"raster.colorRelief", {{"Color Table", table}, {"Matching", "nearest"}, {"Alpha", "1"}}, "nearest.tif", "gdaldem",
+         QStringList{"color-relief", dem, table, "%ref", "-nearest_color_entry", "-alpha"} + dem1, Same::Bytes},
+        {"raster.tri", {{"Method", "Wilson"}}, "tri.tif", "gdaldem", QStringList{"TRI", dem, "%ref", "-alg", "Wilson"} + dem1, Same::Bytes},
+        {"raster.tpi", {}, "tpi.tif", "gdaldem", QStringList{"TPI", dem, "%ref"} + dem1, Same::Bytes},
+        {"raster.roughness", {{"Creation options", "COMPRESS=DEFLATE"}}, "rough.tif", "gdaldem",
+         QStringList{"roughness", dem, "%ref"} + dem1 + QStringList{"-co", "COMPRESS=DEFLATE"}, Same::Bytes},
+        {"raster.translate", {{"Additional options", "-scale 90 140 1 255 -ot Byte -outsize 30 25 -r average -a_nodata 0"}},
+         "scaled.tif", "gdal_translate", {"-scale", "90", "140", "1", "255", "-ot", "Byte", "-outsize", "30", "25", "-r", "average",
+                                           "-a_nodata", "0", dem, "%ref"}, Same::Bytes},
+        {"raster.warp", {{"Target SRS", "EPSG:4326"}, {"Resampling", "bilinear"}, {"Cutline", cutline}}, "warped.tif", "gdalwarp",
+         {"-t_srs", "EPSG:4326", "-r", "bilinear", "-cutline", cutline, dem, "%ref"}, Same::Pixels},
+        {"raster.buildVrt", {{"In Files", west + ";" + east}}, "both.vrt", "gdalbuildvrt", {"-resolution", "average", "%ref", west, east}, Same::Pixels},
+        {"raster.buildVrt", {{"In Files", west + ";" + east}, {"Separate", "1"}}, "bands.vrt", "gdalbuildvrt",
+         {"-separate", "%ref", west, east}, Same::Pixels},
+        {"raster.nearblack", {{"Near", "10"}}, "clean.tif", "nearblack", {"-near", "10", "-o", "%ref", image}, Same::Bytes},
+        {"raster.nearblack", {{"Color", "white"}, {"Additional options", "-setalpha"}}, "alpha.tif", "nearblack",
+         {"-white", "-near", "15", "-setalpha", "-o", "%ref", image}, Same::Bytes},
+        {"raster.info", {}, "info.json", "gdalinfo", {"-json", plain}, Same::Bytes},
+        {"raster.info", {{"Additional options", "-nomd -norat"}}, "info.txt", "gdalinfo", {"-nomd", "-norat", plain}, Same::Bytes},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.algorithm) + " " + c.out);
+        QJsonObject params = c.params;
+        if (!params.contains("In Files"))
+            params["In File"] = QString(c.algorithm) == "raster.nearblack" ? image : QString(c.algorithm) == "raster.info" ? plain : dem;
+        const QString out = Path(QString("out-") + c.out), ref = Path(QString("ref-") + c.out);
+        params["Out File"] = out;
+        const RunResult r = RunAlgorithm(c.algorithm, params);
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        QStringList args = c.args;
+        args.replaceInStrings("%ref", ref);
+        QByteArray printed;
+        ASSERT_EQ(RunProgram(c.program, args, &printed), 0) << args.join(' ').toStdString();
+        if (!args.contains(ref))
+            ASSERT_TRUE(TestSupport::WriteAll(ref, printed));
+        ExpectSameAsReference(out, ref, c.same);
+    }
+}
+
 TEST_F(RasterAlgorithms, NdviFromChosenBandsWithNoData)
 {
     const double none = -9999;
