@@ -358,6 +358,41 @@ TEST_F(RasterAlgorithms, GdalProgramsGiveTheSameContent)
     }
 }
 
+// The calculator gives what gdal_calc.py gives for the same expression, bands, type
+// and no-data; and an expression that does not read is refused naming the letters.
+TEST_F(RasterAlgorithms, CalculatorMatchesGdalCalc)
+{
+    Grid g = Sized(70, 40, 2, "Float64");
+    g.hasNoData = true;
+    g.noData = -1;
+    const QString a = Make("a.tif", g, [](int b, int x, int y) { return x == 3 && y == 5 ? -1 : 50 + b * x + 0.37 * y; });
+    const QString b = Make("b.tif", g, [](int b, int x, int y) { return y == 7 ? -1 : 20 + 3.1 * b + 0.5 * std::sin(x * y); });
+    struct Case { const char* name; QJsonObject params; QStringList calc; };
+    const std::vector<Case> cases = {
+        {"a normalised difference with no-data", {{"In Files", a + ";" + b}, {"Expression", "(A - B) / (A + B)"}, {"Data Type", "Float64"}, {"NoData", "-9999"}},
+         {"-A", a, "-B", b, "--calc=(A-B)/(A+B)", "--type=Float64", "--NoDataValue=-9999"}},
+        {"chosen bands into bytes", {{"In Files", a + ";" + b}, {"Bands", "2,1"}, {"Expression", "A > 100 && B < 23.5 ? 7 : 1"}, {"Data Type", "Byte"}, {"NoData", "0"}},
+         {"-A", a, "--A_band=2", "-B", b, "--B_band=1", "--calc=where((A>100)*(B<23.5),7,1)", "--type=Byte", "--NoDataValue=0"}},
+        {"functions of one input", {{"In Files", b}, {"Expression", "sqrt(abs(A)) + abs(A - 21)"}, {"Data Type", "Float64"}, {"NoData", "-5"}},
+         {"-A", b, "--calc=sqrt(abs(A))+abs(A-21)", "--type=Float64", "--NoDataValue=-5"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        QJsonObject params = c.params;
+        const QString out = Path("calc.tif"), ref = Path("ref.tif");
+        QFile::remove(ref);
+        params["Out File"] = out;
+        const RunResult r = RunAlgorithm("raster.calculator", params);
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        ASSERT_EQ(RunProgram("/usr/bin/python3", QStringList{"/usr/bin/gdal_calc.py", "--quiet", "--outfile=" + ref} + c.calc), 0);
+        ExpectSameAsReference(out, ref, Same::Pixels);
+    }
+    const RunResult bad = RunAlgorithm("raster.calculator", {{"In Files", a + ";" + b}, {"Expression", "A + C"}, {"Out File", Path("bad.tif")}});
+    EXPECT_EQ(bad.code, 20);
+    EXPECT_TRUE(bad.message.contains("Expression 'A + C': Unexpected token \"C\"") && bad.message.contains("the inputs are A to B"))
+        << bad.message.toStdString();
+}
+
 TEST_F(RasterAlgorithms, NdviFromChosenBandsWithNoData)
 {
     const double none = -9999;
