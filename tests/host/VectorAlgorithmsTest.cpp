@@ -237,3 +237,48 @@ TEST_F(VectorAlgorithms, LayerOptionsAndSwitchesReachTheOutput)
             EXPECT_FALSE(text.contains(s.toUtf8())) << s.toStdString() << "\n" << text.left(600).constData();
     }
 }
+
+// Each algorithm gives the features ogr2ogr gives with the same options.
+TEST_F(VectorAlgorithms, Ogr2ogrGivesTheSameFeatures)
+{
+    const QString parcels = Path("parcels.shp");
+    ASSERT_TRUE(WriteVector(parcels, 32633, {{"class", Field::Integer}},
+                            {{Box(500000, 4000000, 500050, 4000100), {{"class", 1}}},
+                             {Box(500050, 4000000, 500100, 4000100), {{"class", 1}}},
+                             {Box(500100, 4000000, 500160, 4000080), {{"class", 2}}}}));
+    const QString more = Path("more.geojson");
+    ASSERT_TRUE(WriteVector(more, 32633, {{"name", Field::String}}, {{"POINT (500500 4000500)", {{"name", "F"}}}}));
+    const char* sql = "SELECT name, pop * 2 AS twice FROM towns WHERE pop > 100 ORDER BY pop";
+    const QString centroids = "SELECT ST_Centroid(\"GEOMETRY\") AS geometry, \"class\" FROM \"parcels\"";
+    const QString dissolve = "SELECT ST_Union(\"GEOMETRY\") AS geometry, \"class\" FROM \"parcels\" GROUP BY \"class\" ORDER BY \"class\"";
+    struct Case { const char* algorithm; QJsonObject params; QStringList args; QStringList then; size_t features; };
+    const std::vector<Case> cases = {
+        {"vector.reproject", {{"In File", towns}, {"Target SRS", "EPSG:4326"}}, {"-t_srs", "EPSG:4326", "%ref", towns}, {}, 5},
+        {"vector.sql", {{"In File", towns}, {"SQL", sql}}, {"-dialect", "SQLite", "-sql", sql, "%ref", towns}, {}, 3},
+        {"vector.centroids", {{"In File", parcels}}, {"-dialect", "SQLite", "-sql", centroids, "%ref", parcels}, {}, 3},
+        {"vector.dissolve", {{"In File", parcels}, {"Field", "class"}}, {"-dialect", "SQLite", "-sql", dissolve, "%ref", parcels}, {}, 2},
+        {"vector.spatialFilter", {{"In File", towns}, {"Extent", "500050,3999990,500250,4000150"}},
+         {"-spat", "500050", "3999990", "500250", "4000150", "%ref", towns}, {}, 2},
+        {"vector.spatialFilter", {{"In File", parcels}, {"Extent", "500025 3999990 500120 4000050"}, {"Clip", "1"}},
+         {"-spat", "500025", "3999990", "500120", "4000050", "-clipsrc", "spat_extent", "%ref", parcels}, {}, 3},
+        {"vector.merge", {{"In Files", towns + ";" + more}}, {"-nlt", "PROMOTE_TO_MULTI", "-nln", "merged", "%ref", towns},
+         {"-append", "-nlt", "PROMOTE_TO_MULTI", "-nln", "merged", "%ref", more}, 6},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.algorithm);
+        QJsonObject params = c.params;
+        const QString out = Path("out.gpkg"), ref = Path("ref.gpkg");
+        QFile::remove(ref);
+        params["Out File"] = out;
+        const RunResult r = RunAlgorithm(c.algorithm, params);
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        for (QStringList args : {c.args, c.then}) {
+            if (args.isEmpty())
+                continue;
+            args.replaceInStrings("%ref", ref);
+            ASSERT_EQ(RunProgram("ogr2ogr", args), 0) << args.join(' ').toStdString();
+        }
+        ExpectSameAsReference(out, ref, Same::Features);
+        EXPECT_EQ(ReadVector(out).features.size(), c.features);
+    }
+}
