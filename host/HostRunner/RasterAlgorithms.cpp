@@ -3,6 +3,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include <gdal_alg.h>
 #include <gdal_utils.h>
@@ -588,6 +589,214 @@ bool runInfo(GdalJob& job)
     return true;
 }
 
+// A one-band output on the grid of src, of type, through target.
+GDALDatasetUniquePtr createLike(GdalJob& job, RasterTarget& target, GDALDataset& src, GDALDataType type)
+{
+    if (!target.Prepare(job, kOut))
+        return nullptr;
+    GDALDatasetUniquePtr out = target.Create(job, src.GetRasterXSize(), src.GetRasterYSize(), 1, type);
+    if (!out)
+        return nullptr;
+    double gt[6];
+    if (src.GetGeoTransform(gt) == CE_None)
+        out->SetGeoTransform(gt);
+    if (const OGRSpatialReference* srs = src.GetSpatialRef())
+        out->SetSpatialRef(srs);
+    return out;
+}
+
+// Opens In File and its band from parameter Band; null (the job failed) when either is missing.
+GDALRasterBand* inputBand(GdalJob& job, GDALDatasetUniquePtr& src)
+{
+    src = job.OpenRaster(job.Text(kIn));
+    int band = 1;
+    if (!src || !job.Int(kBand, &band) || !job.CheckBand(*src, kBand, band))
+        return nullptr;
+    return src->GetRasterBand(band);
+}
+
+// Copies band into target line by line, in band's own type.
+bool copyBand(GdalJob& job, GDALRasterBand& band, GDALRasterBand& target)
+{
+    const int width = band.GetXSize();
+    std::vector<double> line(static_cast<size_t>(width));
+    for (int y = 0; y < band.GetYSize(); ++y)
+        if (band.RasterIO(GF_Read, 0, y, width, 1, line.data(), width, 1, GDT_Float64, 0, 0) != CE_None
+            || target.RasterIO(GF_Write, 0, y, width, 1, line.data(), width, 1, GDT_Float64, 0, 0) != CE_None)
+            return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot copy line %1").arg(y));
+    return true;
+}
+
+bool runProximity(GdalJob& job)
+{
+    GDALDatasetUniquePtr src;
+    GDALRasterBand* band = inputBand(job, src);
+    if (!band)
+        return false;
+    QString units;
+    if (!job.OneOf(QStringLiteral("Units"), {"PIXEL", "GEO"}, &units))
+        return false;
+    CPLStringList options;
+    options.SetNameValue("DISTUNITS", units.toLatin1().constData());
+    if (job.Has(QStringLiteral("Values"))) {
+        std::vector<double> values;
+        const QStringList parts = job.Text(QStringLiteral("Values")).split(QRegularExpression(QStringLiteral("[,\\s]+")), Qt::SkipEmptyParts);
+        if (!job.Doubles(QStringLiteral("Values"), parts.size(), &values))
+            return false;
+        options.SetNameValue("VALUES", parts.join(QLatin1Char(',')).toLatin1().constData());
+    }
+    double number = 0;
+    if (job.Has(QStringLiteral("Max Distance"))) {
+        if (!job.Double(QStringLiteral("Max Distance"), &number))
+            return false;
+        options.SetNameValue("MAXDIST", QByteArray::number(number, 'g', 17).constData());
+    }
+    bool hasNoData = false;
+    if (job.Has(QStringLiteral("NoData"))) {
+        if (!job.Double(QStringLiteral("NoData"), &number))
+            return false;
+        options.SetNameValue("NODATA", QByteArray::number(number, 'g', 17).constData());
+        hasNoData = true;
+    }
+    RasterTarget target;
+    GDALDatasetUniquePtr out = createLike(job, target, *src, GDT_Float32);
+    if (!out)
+        return false;
+    if (hasNoData)
+        out->GetRasterBand(1)->SetNoDataValue(number);
+    GdalProgress progress(job, QStringLiteral("Proximity"), 0.0, 90.0);
+    if (GDALComputeProximity(GDALRasterBand::ToHandle(band), GDALRasterBand::ToHandle(out->GetRasterBand(1)), options.List(),
+                             &GdalProgress::Function, &progress) != CE_None)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("Proximity failed"));
+    return target.Commit(job, std::move(out));
+}
+
+bool runSieve(GdalJob& job)
+{
+    GDALDatasetUniquePtr src;
+    GDALRasterBand* band = inputBand(job, src);
+    if (!band)
+        return false;
+    int threshold = 2;
+    QString connectedness;
+    if (!job.Int(QStringLiteral("Threshold"), &threshold, 1) || !job.OneOf(QStringLiteral("Connectedness"), {"4", "8"}, &connectedness))
+        return false;
+    RasterTarget target;
+    GDALDatasetUniquePtr out = createLike(job, target, *src, band->GetRasterDataType());
+    if (!out)
+        return false;
+    int hasNoData = FALSE;
+    const double noData = band->GetNoDataValue(&hasNoData);
+    if (hasNoData)
+        out->GetRasterBand(1)->SetNoDataValue(noData);
+    GdalProgress progress(job, QStringLiteral("Sieving"), 0.0, 90.0);
+    if (GDALSieveFilter(GDALRasterBand::ToHandle(band), GDALRasterBand::ToHandle(band->GetMaskBand()),
+                        GDALRasterBand::ToHandle(out->GetRasterBand(1)), threshold, connectedness.toInt(), nullptr,
+                        &GdalProgress::Function, &progress) != CE_None)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("Sieving failed"));
+    return target.Commit(job, std::move(out));
+}
+
+bool runFillNoData(GdalJob& job)
+{
+    GDALDatasetUniquePtr src;
+    GDALRasterBand* band = inputBand(job, src);
+    if (!band)
+        return false;
+    double distance = 100;
+    int smoothing = 0;
+    if (!job.Double(QStringLiteral("Max Distance"), &distance) || !job.Int(QStringLiteral("Smoothing"), &smoothing, 0, 100))
+        return false;
+    if (distance <= 0)
+        return job.Fail(kBadParameter, QStringLiteral("Max Distance must be positive, not %1").arg(distance));
+    RasterTarget target;
+    GDALDatasetUniquePtr out = createLike(job, target, *src, band->GetRasterDataType());
+    if (!out)
+        return false;
+    GDALRasterBand* filled = out->GetRasterBand(1);
+    int hasNoData = FALSE;
+    const double noData = band->GetNoDataValue(&hasNoData);
+    if (hasNoData)
+        filled->SetNoDataValue(noData);
+    if (!copyBand(job, *band, *filled))
+        return false;
+    GdalProgress progress(job, QStringLiteral("Filling no-data"), 0.0, 90.0);
+    if (GDALFillNodata(GDALRasterBand::ToHandle(filled), GDALRasterBand::ToHandle(filled->GetMaskBand()), distance, 0,
+                       smoothing, nullptr, &GdalProgress::Function, &progress) != CE_None)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("Filling no-data failed"));
+    return target.Commit(job, std::move(out));
+}
+
+// Contour lines (or, with polygons, the areas between them) of the band of In File.
+bool contour(GdalJob& job, bool polygons)
+{
+    GDALDatasetUniquePtr src;
+    GDALRasterBand* band = inputBand(job, src);
+    if (!band)
+        return false;
+    double interval = 0, base = 0;
+    if (!job.Double(QStringLiteral("Interval"), &interval) || !job.Double(QStringLiteral("Base"), &base))
+        return false;
+    if (interval <= 0)
+        return job.Fail(kBadParameter, QStringLiteral("Interval must be positive, not %1").arg(interval));
+    const OutputFile* output = job.PrepareOutput(kOut, OutputKind::Vector);
+    if (!output)
+        return false;
+    GDALDatasetUniquePtr ds = CreateVectorOutput(job, *output);
+    if (!ds)
+        return false;
+    // Named and laid out as gdal_contour writes them.
+    OGRLayer* layer = ds->CreateLayer("contour", const_cast<OGRSpatialReference*>(src->GetSpatialRef()),
+                                      polygons ? wkbMultiPolygon : wkbLineString, LayerOptionsFor(job, output->Driver()).List());
+    if (!layer)
+        return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create layer in %1").arg(output->Path()));
+    QStringList fields{QStringLiteral("ID")};
+    if (polygons)
+        fields << job.Text(QStringLiteral("Min Field")) << job.Text(QStringLiteral("Max Field"));
+    else
+        fields << job.Text(QStringLiteral("Field"));
+    for (int i = 0; i < fields.size(); ++i) {
+        OGRFieldDefn field(fields[i].toUtf8().constData(), i == 0 ? OFTInteger : OFTReal);
+        field.SetWidth(i == 0 ? 8 : 12);
+        field.SetPrecision(i == 0 ? 0 : 3);
+        if (layer->CreateField(&field) != OGRERR_NONE)
+            return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create field %1 in %2").arg(fields[i], output->Path()));
+    }
+    CPLStringList options;
+    options.SetNameValue("LEVEL_INTERVAL", QByteArray::number(interval, 'g', 17).constData());
+    options.SetNameValue("LEVEL_BASE", QByteArray::number(base, 'g', 17).constData());
+    options.SetNameValue("ID_FIELD", "0");
+    if (polygons) {
+        options.SetNameValue("ELEV_FIELD_MIN", "1");
+        options.SetNameValue("ELEV_FIELD_MAX", "2");
+        options.SetNameValue("POLYGONIZE", "YES");
+    } else {
+        options.SetNameValue("ELEV_FIELD", "1");
+    }
+    int hasNoData = FALSE;
+    const double noData = band->GetNoDataValue(&hasNoData);
+    if (hasNoData)
+        options.SetNameValue("NODATA", QByteArray::number(noData, 'g', 17).constData());
+    GdalProgress progress(job, QStringLiteral("Contours"), 0.0, 95.0);
+    const bool transaction = ds->StartTransaction() == OGRERR_NONE;
+    if (GDALContourGenerateEx(GDALRasterBand::ToHandle(band), OGRLayer::ToHandle(layer), options.List(),
+                              &GdalProgress::Function, &progress) != CE_None)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("Contouring failed"));
+    if (transaction && ds->CommitTransaction() != OGRERR_NONE)
+        return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot write %1").arg(output->Path()));
+    return job.CloseOutput(ds, output->Path());
+}
+
+bool runContour(GdalJob& job)
+{
+    return contour(job, false);
+}
+
+bool runContourPolygons(GdalJob& job)
+{
+    return contour(job, true);
+}
+
 // Exact statistics of one band over its valid pixels (mask and no-data respected).
 struct BandStats
 {
@@ -854,6 +1063,62 @@ void RegisterRasterAlgorithms()
                                   QStringLiteral("CSV table, one line per band: band,valid_pixels,nodata_pixels,min,max,mean,stddev,sum"),
                                   QString::fromLatin1(kTableOutputFilter))}),
         runBandStatistics);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.proximity", "Proximity",
+                     "Computes for every pixel the distance to the nearest pixel of chosen values, as gdal_proximity does.",
+                     {inRaster(), bandParam(), outRaster("Distances, Float32"),
+                      Optional(InputParam(QStringLiteral("Values"), QStringLiteral("string"),
+                                          QStringLiteral("Target pixel values, e.g. 1,2; empty takes every non-zero pixel"))),
+                      WithDefault(InputParam(QStringLiteral("Units"), QStringLiteral("string"),
+                                             QStringLiteral("PIXEL counts pixels, GEO uses georeferenced units")),
+                                  QStringLiteral("PIXEL")),
+                      Optional(number("Max Distance", "float", "Distance beyond which pixels get NoData; empty has none")),
+                      Optional(number("NoData", "float", "Value beyond Max Distance"))}),
+        runProximity);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.sieve", "Sieve",
+                     "Replaces areas of fewer pixels than a threshold by the value of their largest neighbour, as gdal_sieve does.",
+                     {inRaster(), bandParam(), outRaster("Sieved raster, the input's type"),
+                      number("Threshold", "int", "Smallest area, in pixels, that stays", "2"),
+                      WithDefault(InputParam(QStringLiteral("Connectedness"), QStringLiteral("int"),
+                                             QStringLiteral("4 joins pixels by edges, 8 also by corners")),
+                                  QStringLiteral("4"))}),
+        runSieve);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.fillNoData", "Fill no-data",
+                     "Fills no-data pixels by interpolating from the valid pixels around them, as gdal_fillnodata does.",
+                     {inRaster(), bandParam(), outRaster("Filled raster, the input's type"),
+                      number("Max Distance", "float", "How far, in pixels, to search for valid values", "100"),
+                      number("Smoothing", "int", "Smoothing passes over the filled areas", "0")}),
+        runFillNoData);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.contour", "Contour lines", "Draws contour lines of an elevation model at a fixed interval, as gdal_contour does.",
+                     {inRaster("Elevation model"), bandParam(),
+                      OutputParam(kOut, QStringLiteral("file"), QStringLiteral("Lines with fields ID and the elevation"),
+                                  QString::fromLatin1(kVectorOutputFilter)),
+                      number("Interval", "float", "Elevation between two lines"),
+                      number("Base", "float", "Elevation one line passes through", "0"),
+                      WithDefault(InputParam(QStringLiteral("Field"), QStringLiteral("string"), QStringLiteral("Field of the elevation")),
+                                  QStringLiteral("elev"))}),
+        runContour);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.contourPolygons", "Contour polygons",
+                     "Turns the bands between contour lines of an elevation model into polygons, as gdal_contour -p does.",
+                     {inRaster("Elevation model"), bandParam(),
+                      OutputParam(kOut, QStringLiteral("file"), QStringLiteral("Polygons with fields ID and the band's lower and upper elevation"),
+                                  QString::fromLatin1(kVectorOutputFilter)),
+                      number("Interval", "float", "Elevation between two lines"),
+                      number("Base", "float", "Elevation one line passes through", "0"),
+                      WithDefault(InputParam(QStringLiteral("Min Field"), QStringLiteral("string"), QStringLiteral("Field of the lower elevation")),
+                                  QStringLiteral("amin")),
+                      WithDefault(InputParam(QStringLiteral("Max Field"), QStringLiteral("string"), QStringLiteral("Field of the upper elevation")),
+                                  QStringLiteral("amax"))}),
+        runContourPolygons);
 
     RegisterGdalAlgorithm(
         rasterConfig("raster.buildVrt", "Build virtual raster",

@@ -406,6 +406,23 @@ bool runSpatialFilter(GdalJob& job)
     return vectorTranslateInto(job, *src, *layer, std::move(args), QStringLiteral("Filtering %1").arg(layerName(*layer)));
 }
 
+bool runClipExtent(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src;
+    OGRLayer* layer = openLayer(job, in, src);
+    if (!layer)
+        return false;
+    std::vector<double> e;
+    if (!job.Doubles(QStringLiteral("Extent"), 4, &e))
+        return false;
+    if (e[0] >= e[2] || e[1] >= e[3])
+        return job.Fail(kBadParameter, QStringLiteral("Extent must be xmin,ymin,xmax,ymax with min below max"));
+    ToolArgs args;
+    args << "-clipsrc" << e[0] << e[1] << e[2] << e[3];
+    return vectorTranslateInto(job, *src, *layer, std::move(args), QStringLiteral("Clipping %1").arg(layerName(*layer)));
+}
+
 bool runMerge(GdalJob& job)
 {
     const QStringList paths = SplitPaths(job.Text(QStringLiteral("In Files")));
@@ -557,6 +574,15 @@ void RegisterVectorAlgorithms()
                       WithDefault(value("Clip", "int", "1 cuts the geometries to the rectangle"), QStringLiteral("0")),
                       layerParam()}),
         runSpatialFilter, GdalTool::VectorTranslate);
+
+    RegisterGdalAlgorithm(
+        vectorConfig("vector.clipExtent", "Clip vector layer by extent",
+                     "Cuts the geometries of a vector layer to a rectangle; features outside it are dropped.",
+                     {inVector(),
+                      InputParam(QStringLiteral("Extent"), QStringLiteral("string"),
+                                 QStringLiteral("Rectangle as xmin,ymin,xmax,ymax in the layer's coordinates")),
+                      outVector("Clipped features"), layerParam()}),
+        runClipExtent, GdalTool::VectorTranslate);
 
     RegisterGdalAlgorithm(
         vectorConfig("vector.merge", "Merge vector layers",

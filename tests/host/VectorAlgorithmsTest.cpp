@@ -261,6 +261,8 @@ TEST_F(VectorAlgorithms, Ogr2ogrGivesTheSameFeatures)
          {"-spat", "500050", "3999990", "500250", "4000150", "%ref", towns}, {}, 2},
         {"vector.spatialFilter", {{"In File", parcels}, {"Extent", "500025 3999990 500120 4000050"}, {"Clip", "1"}},
          {"-spat", "500025", "3999990", "500120", "4000050", "-clipsrc", "spat_extent", "%ref", parcels}, {}, 3},
+        {"vector.clipExtent", {{"In File", parcels}, {"Extent", "500025,3999990,500120,4000050"}},
+         {"-clipsrc", "500025", "3999990", "500120", "4000050", "%ref", parcels}, {}, 3},
         {"vector.merge", {{"In Files", towns + ";" + more}}, {"-nlt", "PROMOTE_TO_MULTI", "-nln", "merged", "%ref", towns},
          {"-append", "-nlt", "PROMOTE_TO_MULTI", "-nln", "merged", "%ref", more}, 6},
     };
