@@ -69,7 +69,20 @@ QStringList Preflight::Problems(Plugin::APCModel& model, const QString& path)
         return QStringList{bad->GetDescription() + QStringLiteral(" is wrong!\n")} + WhyInvalid(bad, path);
     if (model.GetProcesses().isEmpty())
         return {QStringLiteral("can not run an empty model!\n")};
-    return BrokenStructure(model) + InvalidExpressions(model);
+    return BrokenStructure(model) + InvalidExpressions(model) + RefusedParameters(model);
+}
+
+QStringList Preflight::RefusedParameters(Plugin::APCModel& model)
+{
+    QStringList lines;
+    for (Plugin::APCProcess* p : model.GetProcesses())
+        if (auto* algo = dynamic_cast<Plugin::APCAlgo*>(p)) {
+            const QStringList problem = algo->ParameterProblem();
+            if (problem.size() == 2)
+                lines << QStringLiteral("mbrun: the parameter %1 of %2 is refused: %3\n")
+                             .arg(quoted(problem[0]), quoted(p->GetDescription()), problem[1]);
+        }
+    return lines;
 }
 
 QStringList Preflight::BrokenStructure(Plugin::APCModel& model)
@@ -117,13 +130,6 @@ QStringList Preflight::WhyInvalid(Plugin::APCObject* object, const QString& path
             line += QStringLiteral(" (%1)").arg(p.description);
         lines << line + QLatin1Char('\n');
     }
-    if (lines.isEmpty())
-        if (auto* algo = dynamic_cast<Plugin::APCAlgo*>(process)) {
-            const QStringList problem = algo->ParameterProblem();
-            if (problem.size() == 2)
-                lines << QStringLiteral("mbrun: the parameter %1 of %2 is refused: %3\n")
-                             .arg(quoted(problem[0]), quoted(process->GetDescription()), problem[1]);
-        }
     if (lines.isEmpty())
         if (auto* nested = dynamic_cast<Plugin::APCModelFile*>(process))
             lines << QStringLiteral("mbrun: %1 runs the model %2, which %3\n")

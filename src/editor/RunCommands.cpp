@@ -6,7 +6,6 @@
 #include "editor/RunCommand.h"
 #include "editor/StopCommand.h"
 #include "editor/ValidateCommand.h"
-#include "engine/APCAlgo.h"
 #include "engine/ModelRun.h"
 #include "engine/SequenceControl.h"
 #include "model/APCModel.h"
@@ -36,14 +35,8 @@ bool reportInvalid(ModelControler* window, const char* context)
     APCObject* invalid = window->GetDocument()->FindInvalidObject();
     if (!invalid)
         return false;
-    QString text = invalid->GetDescription() + QCoreApplication::translate(context, " is wrong!");
-    // The host's reason, when it refused a value before the run: the parameter and GDAL's words.
-    if (auto* algo = dynamic_cast<APCAlgo*>(invalid)) {
-        const QStringList problem = algo->ParameterProblem();
-        if (problem.size() == 2)
-            text += QStringLiteral("\n%1: %2").arg(problem[0], problem[1]);
-    }
-    QMessageBox::information(window, QCoreApplication::translate(context, "Error"), text,
+    QMessageBox::information(window, QCoreApplication::translate(context, "Error"),
+                             invalid->GetDescription() + QCoreApplication::translate(context, " is wrong!"),
                              QCoreApplication::translate(context, "OK"));
     return true;
 }

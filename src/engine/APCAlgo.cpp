@@ -47,7 +47,7 @@ bool APCAlgo::Check()
     for (const APCParameter& p : GetParameters())
         if (p.value.isEmpty() && !p.isOptional)
             return false;
-    return ParameterProblem().isEmpty();
+    return true;
 }
 
 QStringList APCAlgo::ParameterProblem() const

@@ -26,11 +26,12 @@ public:
     void WriteXml(QXmlStreamWriter& writer, bool withElement) override;
     // A copy with a run record of its own.
     APCObject* Clone() override;
-    // Every parameter has a value or is optional, and the host accepts the values
-    // it can judge before a run (see ParameterProblem).
+    // Every parameter has a value or is optional.
     bool Check() override;
-    // What the host refuses of the parameters before any run, as
-    // {parameter name, reason}; empty when it accepts them.
+    // What the host refuses of the parameters before any run (creation options the
+    // output format does not take, switches its utility does not read), as
+    // {parameter name, reason}; empty when it accepts them. Vars without a run value
+    // yet count with their own value.
     QStringList ParameterProblem() const;
     // Takes name, display text and parameter settings from the catalogue; stored
     // values stay. Nothing changes for an algorithm the catalogue does not know.
