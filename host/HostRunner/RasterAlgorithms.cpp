@@ -11,6 +11,7 @@
 #include <ogrsf_frmts.h>
 
 #include <algorithm>
+#include <functional>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -97,8 +98,10 @@ bool inRasterCoordinates(OGRLayer& layer, GDALDataset& raster, double box[4])
     return true;
 }
 
-// Copies source into the output parameter with GDALTranslate and args (format added).
-bool translateInto(GdalJob& job, GDALDataset& source, ToolArgs args, const QString& what)
+// Copies source into the output parameter with GDALTranslate and args (format added);
+// then, when given, runs after on the written dataset before it is closed.
+bool translateInto(GdalJob& job, GDALDataset& source, ToolArgs args, const QString& what,
+                   const std::function<bool(GDALDataset&)>& after = {})
 {
     RasterTarget target;
     if (!target.Prepare(job, kOut, false))
@@ -115,6 +118,8 @@ bool translateInto(GdalJob& job, GDALDataset& source, ToolArgs args, const QStri
         GDALTranslate(target.ToolPath().constData(), GDALDataset::ToHandle(&source), options.get(), &usageError)));
     if (!result)
         return job.FailGdal(kProcessingFailed, QStringLiteral("%1 into %2 failed").arg(what, target.Path()));
+    if (after && !after(*result))
+        return false;
     return target.Commit(job, std::move(result));
 }
 
@@ -797,6 +802,35 @@ bool runContourPolygons(GdalJob& job)
     return contour(job, true);
 }
 
+bool runOverviews(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src = job.OpenRaster(in);
+    if (!src)
+        return false;
+    QString resampling;
+    if (!job.OneOf(QStringLiteral("Resampling"), {"nearest", "average", "bilinear", "cubic", "cubicspline", "lanczos", "mode", "gauss", "rms"},
+                   &resampling))
+        return false;
+    std::vector<int> levels;
+    for (const QString& part : job.Text(QStringLiteral("Levels")).split(QRegularExpression(QStringLiteral("[,;\\s]+")), Qt::SkipEmptyParts)) {
+        bool ok = false;
+        const int level = part.toInt(&ok);
+        if (!ok || level < 2)
+            return job.Fail(kBadParameter, QStringLiteral("Levels: '%1' is not a factor of 2 or more").arg(part));
+        levels.push_back(level);
+    }
+    if (levels.empty())
+        return job.Fail(kBadParameter, QStringLiteral("Levels lists no factor, e.g. 2 4 8"));
+    return translateInto(job, *src, ToolArgs(), QStringLiteral("Copying %1").arg(fileName(in)), [&](GDALDataset& out) {
+        GdalProgress progress(job, QStringLiteral("Overviews of %1").arg(fileName(in)), 50.0, 95.0);
+        if (out.BuildOverviews(resampling.toUpper().toLatin1().constData(), int(levels.size()), levels.data(), 0, nullptr,
+                               &GdalProgress::Function, &progress, nullptr) != CE_None)
+            return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot build the overviews of %1").arg(fileName(in)));
+        return true;
+    });
+}
+
 // Exact statistics of one band over its valid pixels (mask and no-data respected).
 struct BandStats
 {
@@ -1119,6 +1153,18 @@ void RegisterRasterAlgorithms()
                       WithDefault(InputParam(QStringLiteral("Max Field"), QStringLiteral("string"), QStringLiteral("Field of the upper elevation")),
                                   QStringLiteral("amax"))}),
         runContourPolygons);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.overviews", "Build overviews",
+                     "Copies a raster with reduced-resolution overviews inside (or beside, for formats without), as gdal_translate then gdaladdo do.",
+                     {inRaster(), outRaster("Copy with overviews"),
+                      WithDefault(InputParam(QStringLiteral("Levels"), QStringLiteral("string"),
+                                             QStringLiteral("Reduction factors, e.g. 2 4 8 16")),
+                                  QStringLiteral("2 4 8")),
+                      WithDefault(InputParam(QStringLiteral("Resampling"), QStringLiteral("string"),
+                                             QStringLiteral("nearest, average, bilinear, cubic, cubicspline, lanczos, mode, gauss or rms")),
+                                  QStringLiteral("nearest"))}),
+        runOverviews, GdalTool::Translate);
 
     RegisterGdalAlgorithm(
         rasterConfig("raster.buildVrt", "Build virtual raster",

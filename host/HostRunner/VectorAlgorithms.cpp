@@ -30,12 +30,17 @@ struct VectorTranslateOptionsDeleter
 {
     void operator()(GDALVectorTranslateOptions* o) const { GDALVectorTranslateOptionsFree(o); }
 };
+struct GridOptionsDeleter
+{
+    void operator()(GDALGridOptions* o) const { GDALGridOptionsFree(o); }
+};
 struct RasterizeOptionsDeleter
 {
     void operator()(GDALRasterizeOptions* o) const { GDALRasterizeOptionsFree(o); }
 };
 using VectorTranslateOptions = std::unique_ptr<GDALVectorTranslateOptions, VectorTranslateOptionsDeleter>;
 using RasterizeOptions = std::unique_ptr<GDALRasterizeOptions, RasterizeOptionsDeleter>;
+using GridOptions = std::unique_ptr<GDALGridOptions, GridOptionsDeleter>;
 
 AlgoConfig vectorConfig(const char* name, const char* displayText, const char* help, QList<Param> params)
 {
@@ -423,6 +428,66 @@ bool runClipExtent(GdalJob& job)
     return vectorTranslateInto(job, *src, *layer, std::move(args), QStringLiteral("Clipping %1").arg(layerName(*layer)));
 }
 
+bool runClipByPolygons(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src;
+    OGRLayer* layer = openLayer(job, in, src);
+    if (!layer)
+        return false;
+    const QString maskPath = job.Text(QStringLiteral("Mask File"));
+    GDALDatasetUniquePtr mask = job.OpenVector(maskPath); // guards it against the output too
+    if (!mask)
+        return false;
+    if (mask->GetLayerCount() == 0)
+        return job.Fail(kCannotOpenInput, QStringLiteral("%1 holds no vector layer").arg(maskPath));
+    ToolArgs args;
+    args << "-clipsrc" << QFile::encodeName(maskPath) << "-clipsrclayer" << QByteArray(mask->GetLayer(0)->GetName());
+    return vectorTranslateInto(job, *src, *layer, std::move(args), QStringLiteral("Clipping %1").arg(layerName(*layer)));
+}
+
+bool runGrid(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src;
+    OGRLayer* layer = openLayer(job, in, src);
+    if (!layer)
+        return false;
+    QString algorithm;
+    int width = 0, height = 0;
+    GDALDataType type = GDT_Unknown;
+    if (!job.OneOf(QStringLiteral("Method"), {"invdist", "average", "nearest", "linear"}, &algorithm)
+        || !job.Int(QStringLiteral("Width"), &width, 1, int(kMaxRasterSide)) || !job.Int(QStringLiteral("Height"), &height, 1, int(kMaxRasterSide))
+        || !job.DataType(QStringLiteral("Data Type"), &type))
+        return false;
+    ToolArgs args;
+    args << "-l" << QByteArray(layer->GetName()) << "-a" << algorithm << "-outsize" << double(width) << double(height)
+         << "-ot" << GDALGetDataTypeName(type);
+    const QString field = job.Text(QStringLiteral("Field"));
+    if (!field.isEmpty()) {
+        if (layer->GetLayerDefn()->GetFieldIndex(field.toUtf8().constData()) < 0)
+            return job.Fail(kBadParameter, QStringLiteral("Field: no field '%1' in layer %2 (fields: %3)")
+                                               .arg(field, layerName(*layer), fieldNames(*layer).join(QLatin1String(", "))));
+        args << "-zfield" << field;
+    }
+    RasterTarget target;
+    if (!target.Prepare(job, kOut))
+        return false;
+    target.AddFormat(args);
+    args << job.Switches();
+    GridOptions options(GDALGridOptionsNew(args.Argv(), nullptr));
+    if (!options)
+        return job.FailGdal(kBadParameter, QStringLiteral("Grid: invalid options"));
+    GdalProgress progress(job, QStringLiteral("Interpolating %1").arg(layerName(*layer)), 0.0, 90.0);
+    GDALGridOptionsSetProgress(options.get(), &GdalProgress::Function, &progress);
+    int usageError = FALSE;
+    GDALDatasetUniquePtr result(GDALDataset::FromHandle(
+        GDALGrid(target.ToolPath().constData(), GDALDataset::ToHandle(src.get()), options.get(), &usageError)));
+    if (!result)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("Interpolating %1 into %2 failed").arg(in, target.Path()));
+    return target.Commit(job, std::move(result));
+}
+
 bool runMerge(GdalJob& job)
 {
     const QStringList paths = SplitPaths(job.Text(QStringLiteral("In Files")));
@@ -583,6 +648,31 @@ void RegisterVectorAlgorithms()
                                  QStringLiteral("Rectangle as xmin,ymin,xmax,ymax in the layer's coordinates")),
                       outVector("Clipped features"), layerParam()}),
         runClipExtent, GdalTool::VectorTranslate);
+
+    RegisterGdalAlgorithm(
+        vectorConfig("vector.clipByPolygons", "Clip vector layer by polygons",
+                     "Cuts the geometries of a vector layer to the polygons of another; features outside them are dropped.",
+                     {inVector(),
+                      InputParam(QStringLiteral("Mask File"), QStringLiteral("file"),
+                                 QStringLiteral("Vector file whose first layer holds the polygons to keep"),
+                                 QString::fromLatin1(kVectorInputFilter)),
+                      outVector("Clipped features"), layerParam()}),
+        runClipByPolygons, GdalTool::VectorTranslate);
+
+    RegisterGdalAlgorithm(
+        vectorConfig("vector.grid", "Interpolate points to a grid",
+                     "Interpolates the values of points into a raster covering them, as gdal_grid does.",
+                     {inVector("Points"),
+                      OutputParam(kOut, QStringLiteral("file"), QStringLiteral("Raster to create; the extension picks the format"),
+                                  QString::fromLatin1(kRasterOutputFilter)),
+                      Optional(InputParam(QStringLiteral("Field"), QStringLiteral("string"),
+                                          QStringLiteral("Numeric field to interpolate; empty takes the points' Z"))),
+                      value("Method", "string", "invdist (inverse distance), average, nearest or linear", "invdist"),
+                      value("Width", "int", "Columns of the raster", "256"),
+                      value("Height", "int", "Rows of the raster", "256"),
+                      value("Data Type", "string", "Byte, UInt16, Int16, UInt32, Int32, Float32 or Float64", "Float64"),
+                      layerParam()}),
+        runGrid, GdalTool::Grid);
 
     RegisterGdalAlgorithm(
         vectorConfig("vector.merge", "Merge vector layers",

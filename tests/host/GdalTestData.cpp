@@ -140,6 +140,8 @@ RasterInfo ReadRasterInfo(const QString& path)
     info.layout = QString::fromLatin1(ds->GetMetadataItem("LAYOUT", "IMAGE_STRUCTURE"));
     int blockHeight = 0;
     ds->GetRasterBand(1)->GetBlockSize(&info.blockWidth, &blockHeight);
+    for (int i = 0; i < ds->GetRasterBand(1)->GetOverviewCount(); ++i)
+        info.overviewWidths.push_back(ds->GetRasterBand(1)->GetOverview(i)->GetXSize());
     return info;
 }
 

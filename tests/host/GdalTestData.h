@@ -51,6 +51,7 @@ struct RasterInfo
     QString compression; // of the image structure: DEFLATE, LZW, ...; empty when none
     QString layout;      // COG for a cloud-optimised GeoTIFF
     int blockWidth = 0;  // of band 1
+    std::vector<int> overviewWidths; // of band 1
 };
 RasterInfo ReadRasterInfo(const QString& path);
 // Band values row by row; empty when the file or band does not open.

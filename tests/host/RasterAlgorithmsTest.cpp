@@ -437,6 +437,17 @@ TEST_F(RasterAlgorithms, AnalysesMatchTheGdalPrograms)
         ExpectSameAsReference(out, ref, c.same);
     }
     EXPECT_GT(ReadVector(Path("out-lines.gpkg")).features.size(), 3u);
+
+    // Overviews as gdaladdo builds them, on a copy of the input.
+    const QString copy = Path("ovr.tif"), ref = Path("ovr-ref.tif");
+    const RunResult r = RunAlgorithm("raster.overviews", {{"In File", dem}, {"Out File", copy}, {"Levels", "2 4"}, {"Resampling", "average"}});
+    ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+    ASSERT_EQ(RunProgram("gdal_translate", {"-q", dem, ref}), 0);
+    ASSERT_EQ(RunProgram("gdaladdo", {"-q", "-r", "average", ref, "2", "4"}), 0);
+    ExpectSameAsReference(copy, ref, Same::Pixels);
+    EXPECT_EQ(ReadRasterInfo(copy).overviewWidths, (std::vector<int>{30, 15}));
+    EXPECT_EQ(ReadRasterInfo(copy).overviewWidths, ReadRasterInfo(ref).overviewWidths);
+    EXPECT_EQ(ReadBand(dem, 1), ReadBand(copy, 1));
 }
 
 TEST_F(RasterAlgorithms, NdviFromChosenBandsWithNoData)

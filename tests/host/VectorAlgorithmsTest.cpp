@@ -263,6 +263,7 @@ TEST_F(VectorAlgorithms, Ogr2ogrGivesTheSameFeatures)
          {"-spat", "500025", "3999990", "500120", "4000050", "-clipsrc", "spat_extent", "%ref", parcels}, {}, 3},
         {"vector.clipExtent", {{"In File", parcels}, {"Extent", "500025,3999990,500120,4000050"}},
          {"-clipsrc", "500025", "3999990", "500120", "4000050", "%ref", parcels}, {}, 3},
+        {"vector.clipByPolygons", {{"In File", parcels}, {"Mask File", halves}}, {"-clipsrc", halves, "-clipsrclayer", "halves", "%ref", parcels}, {}, 2},
         {"vector.merge", {{"In Files", towns + ";" + more}}, {"-nlt", "PROMOTE_TO_MULTI", "-nln", "merged", "%ref", towns},
          {"-append", "-nlt", "PROMOTE_TO_MULTI", "-nln", "merged", "%ref", more}, 6},
     };
@@ -283,4 +284,12 @@ TEST_F(VectorAlgorithms, Ogr2ogrGivesTheSameFeatures)
         ExpectSameAsReference(out, ref, Same::Features);
         EXPECT_EQ(ReadVector(out).features.size(), c.features);
     }
+    // Points into a grid, as gdal_grid interpolates them.
+    const QString grid = Path("grid.tif"), ref = Path("grid-ref.tif");
+    const RunResult r = RunAlgorithm("vector.grid", {{"In File", towns}, {"Out File", grid}, {"Field", "pop"}, {"Width", "20"}, {"Height", "15"},
+                                                     {"Additional options", "-txe 500000 500400 -tye 4000300 4000000"}});
+    ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+    ASSERT_EQ(RunProgram("gdal_grid", {"-q", "-l", "towns", "-a", "invdist", "-outsize", "20", "15", "-ot", "Float64", "-zfield", "pop",
+                                       "-txe", "500000", "500400", "-tye", "4000300", "4000000", towns, ref}), 0);
+    ExpectSameAsReference(grid, ref, Same::Bytes);
 }
