@@ -575,6 +575,15 @@ TEST_F(RasterAlgorithms, BadInputGivesCodeAndMessageAndNoOutput)
         {"folder is a file", "raster.ndvi", {{"In File", other}, {"Red Band", "1"}, {"NIR Band", "2"}, {"Out File", text + "/x.tif"}}, 22, {"is not a folder"}},
         {"output is the input", "raster.translate", {{"In File", in}, {"Out File", in}}, 20, {"also an input"}},
         {"format refuses the bands", "raster.translate", {{"In File", other}, {"Out File", Path("out.asc")}}, 23, {"out.asc", "band"}},
+        {"calculator over unlike sizes", "raster.calculator", {{"In Files", in + ";" + Make("big.tif", Sized(5, 4), Where)}, {"Expression", "A + B"}},
+         20, {"is 5 x 4 pixels", "the same size"}},
+        {"calculator band past the end", "raster.calculator", {{"In Files", in + ";" + other}, {"Bands", "1,3"}, {"Expression", "A"}}, 20, {"Band 3 of B"}},
+        {"colour table missing", "raster.colorRelief", {{"In File", in}, {"Color Table", Path("none.txt")}}, 21, {"colour table", Path("none.txt")}},
+        {"contour interval zero", "raster.contour", {{"In File", in}, {"Interval", "0"}, {"Out File", Path("c.gpkg")}}, 20, {"Interval must be positive"}},
+        {"cutline that is no vector", "raster.warp", {{"In File", in}, {"Target SRS", "EPSG:4326"}, {"Cutline", text}}, 21, {"Cannot open vector layer", text}},
+        {"virtual raster of a missing file", "raster.buildVrt", {{"In Files", Path("gone.tif")}, {"Out File", Path("v.vrt")}}, 21, {Path("gone.tif")}},
+        {"virtual raster as a GeoTIFF", "raster.buildVrt", {{"In Files", in}}, 20, {".tif is not a virtual raster format", ".vrt"}},
+        {"report as a raster", "raster.info", {{"In File", in}}, 20, {".tif is not a report format", ".json, .txt"}},
     };
     const QByteArray original = TestSupport::ReadAll(in);
     ExpectFailures(cases, out, {out, Path("out.asc")});

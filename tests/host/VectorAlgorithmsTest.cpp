@@ -173,6 +173,7 @@ TEST_F(VectorAlgorithms, ReplacesAnExistingOutput)
 
 TEST_F(VectorAlgorithms, BadInputGivesCodeAndMessageAndNoOutput)
 {
+    ASSERT_TRUE(WriteVector(Path("wgs.geojson"), 4326, {}, {{"POINT (15 36)", {}}}));
     const QString bare = Path("bare.shp");
     ASSERT_TRUE(WriteVector(bare, 0, {}, {{"POINT (1 2)", {}}}));
     const QString empty = Path("empty.gpkg");
@@ -197,6 +198,10 @@ TEST_F(VectorAlgorithms, BadInputGivesCodeAndMessageAndNoOutput)
         {"empty layer", "vector.rasterize", {{"In File", empty}, {"Resolution", "10"}, {"Out File", Path("out.tif")}}, 21, {"nothing to rasterize"}},
         {"folder cannot be made", "vector.buffer", {{"In File", towns}, {"Distance", "1"}, {"Out File", raster + "/sub/out.shp"}}, 22, {"cannot create folder", raster + "/sub"}},
         {"output is the input", "vector.translate", {{"In File", towns}, {"Out File", towns}}, 20, {"also an input"}},
+        {"SQL that does not run", "vector.sql", {{"In File", towns}, {"SQL", "SELECT nothing FROM towns"}}, 20, {"SQL: the statement does not run", "nothing"}},
+        {"dissolve by a missing field", "vector.dissolve", {{"In File", halves}, {"Field", "kind"}}, 20, {"no field 'kind'", "class"}},
+        {"merge of unlike projections", "vector.merge", {{"In Files", towns + ";" + Path("wgs.geojson")}}, 20, {"spatial references differ"}},
+        {"extent upside down", "vector.spatialFilter", {{"In File", towns}, {"Extent", "2,0,1,1"}}, 20, {"min below max"}},
     };
     const QByteArray original = TestSupport::ReadAll(towns);
     ExpectFailures(cases, out, {out, Path("out.tif")});
