@@ -10,6 +10,8 @@
 #include <muParser.h>
 
 #include <algorithm>
+#include <memory>
+#include <thread>
 #include <cmath>
 #include <vector>
 
@@ -30,13 +32,14 @@ QString variableName(int index)
     return QString(QChar('A' + index));
 }
 
-// Binds every letter the inputs name to a buffer and compiles the expression; false
-// with muparser's reason in *error.
-bool compile(mu::Parser& parser, const QString& expression, std::vector<std::vector<double>>& buffers, QString* error)
+// Binds every letter the inputs name to its buffer from offset and compiles the
+// expression; false with muparser's reason in *error.
+bool compile(mu::Parser& parser, const QString& expression, std::vector<std::vector<double>>& buffers, size_t offset,
+             QString* error)
 {
     try {
         for (size_t i = 0; i < buffers.size(); ++i)
-            parser.DefineVar(variableName(int(i)).toStdString(), buffers[i].data());
+            parser.DefineVar(variableName(int(i)).toStdString(), buffers[i].data() + offset);
         parser.SetExpr(expression.toStdString());
         parser.Eval(); // compiles it, and finds unknown names and syntax errors
     } catch (const mu::Parser::exception_type& e) {
@@ -100,10 +103,19 @@ bool runCalculator(GdalJob& job)
     std::vector<std::vector<double>> values(inputs.size(), std::vector<double>(chunk));
     std::vector<std::vector<GByte>> valid(inputs.size(), std::vector<GByte>(chunk));
     std::vector<double> result(chunk);
-    mu::Parser parser;
+    // One parser per core, each over its own slice of every chunk: muparser evaluates
+    // one value at a time, and a parser is not to be shared between threads.
+    const size_t workers = std::max(1u, std::min(4u, std::thread::hardware_concurrency()));
+    const size_t slice = (chunk + workers - 1) / workers;
+    std::vector<std::unique_ptr<mu::Parser>> parsers;
     QString error;
     const QString expression = job.Text(QStringLiteral("Expression"));
-    if (!compile(parser, expression, values, &error))
+    bool compiled = true;
+    for (size_t w = 0; w < workers && compiled; ++w) {
+        parsers.push_back(std::make_unique<mu::Parser>());
+        compiled = compile(*parsers.back(), expression, values, w * slice, &error);
+    }
+    if (!compiled)
         return job.Fail(kBadParameter, QStringLiteral("Expression '%1': %2 (the inputs are %3)")
                                            .arg(expression, error,
                                                 paths.size() == 1 ? QStringLiteral("A")
@@ -134,11 +146,26 @@ bool runCalculator(GdalJob& job)
                                                                     GDT_Byte, 0, 0) != CE_None))
                 return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot read lines %1 to %2 of %3").arg(y).arg(y + lines).arg(paths[int(i)]));
         }
-        try {
-            parser.Eval(result.data(), count);
-        } catch (const mu::Parser::exception_type& e) {
-            return job.Fail(kProcessingFailed, QStringLiteral("Expression '%1': %2").arg(expression, QString::fromStdString(e.GetMsg())));
-        }
+        std::vector<QString> failures(workers);
+        const auto evaluate = [&](size_t w) {
+            const size_t from = w * slice;
+            if (from >= size_t(count))
+                return;
+            try {
+                parsers[w]->Eval(result.data() + from, int(std::min(slice, size_t(count) - from)));
+            } catch (const mu::Parser::exception_type& e) {
+                failures[w] = QString::fromStdString(e.GetMsg());
+            }
+        };
+        std::vector<std::thread> threads;
+        for (size_t w = 1; w < workers; ++w)
+            threads.emplace_back(evaluate, w);
+        evaluate(0);
+        for (std::thread& t : threads)
+            t.join();
+        for (const QString& failure : failures)
+            if (!failure.isEmpty())
+                return job.Fail(kProcessingFailed, QStringLiteral("Expression '%1': %2").arg(expression, failure));
         if (hasNoData) {
             for (int p = 0; p < count; ++p) {
                 bool ok = std::isfinite(result[size_t(p)]);
