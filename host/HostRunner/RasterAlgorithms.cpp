@@ -226,6 +226,26 @@ bool runWarp(GdalJob& job)
                     QStringLiteral("Reprojecting %1").arg(fileName(in)));
 }
 
+bool runResample(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src = job.OpenRaster(in);
+    if (!src)
+        return false;
+    double resolution = 0;
+    QString resampling;
+    if (!job.Double(QStringLiteral("Resolution"), &resolution)
+        || !job.OneOf(QStringLiteral("Resampling"),
+                      {"near", "bilinear", "cubic", "cubicspline", "lanczos", "average", "mode", "min", "max", "med", "q1", "q3", "sum"},
+                      &resampling))
+        return false;
+    if (resolution <= 0)
+        return job.Fail(kBadParameter, QStringLiteral("Resolution must be positive, not %1").arg(resolution));
+    ToolArgs args;
+    args << "-tr" << resolution << resolution << "-r" << resampling;
+    return warpInto(job, {GDALDataset::ToHandle(src.get())}, std::move(args), QStringLiteral("Resampling %1").arg(fileName(in)));
+}
+
 bool runClipExtent(GdalJob& job)
 {
     const QString in = job.Text(kIn);
@@ -990,6 +1010,14 @@ void RegisterRasterAlgorithms()
                                           QStringLiteral("Polygons outside which pixels become no-data; empty keeps all"),
                                           QString::fromLatin1(kVectorInputFilter)))}),
         runWarp, GdalTool::Warp);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.resample", "Resample raster", "Changes the pixel size of a raster, keeping its spatial reference.",
+                     {inRaster(), number("Resolution", "float", "New pixel size in the raster's units"), outRaster("Resampled raster"),
+                      WithDefault(InputParam(QStringLiteral("Resampling"), QStringLiteral("string"),
+                                             QStringLiteral("near, bilinear, cubic, cubicspline, lanczos, average, mode, min, max, med, q1, q3 or sum")),
+                                  QStringLiteral("near"))}),
+        runResample, GdalTool::Warp);
 
     RegisterGdalAlgorithm(
         rasterConfig("raster.clipExtent", "Clip raster by extent",

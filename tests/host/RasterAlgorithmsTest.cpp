@@ -330,6 +330,8 @@ TEST_F(RasterAlgorithms, GdalProgramsGiveTheSameContent)
                                            "-a_nodata", "0", dem, "%ref"}, Same::Bytes},
         {"raster.warp", {{"Target SRS", "EPSG:4326"}, {"Resampling", "bilinear"}, {"Cutline", cutline}}, "warped.tif", "gdalwarp",
          {"-t_srs", "EPSG:4326", "-r", "bilinear", "-cutline", cutline, dem, "%ref"}, Same::Pixels},
+        {"raster.resample", {{"Resolution", "25"}, {"Resampling", "average"}}, "coarse.tif", "gdalwarp",
+         {"-tr", "25", "25", "-r", "average", dem, "%ref"}, Same::Bytes},
         {"raster.buildVrt", {{"In Files", west + ";" + east}}, "both.vrt", "gdalbuildvrt", {"-resolution", "average", "%ref", west, east}, Same::Pixels},
         {"raster.buildVrt", {{"In Files", west + ";" + east}, {"Separate", "1"}}, "bands.vrt", "gdalbuildvrt",
          {"-separate", "%ref", west, east}, Same::Pixels},
