@@ -7,8 +7,10 @@ packages=(
   qtbase5-dev qtbase5-dev-tools libqt5xml5 qttools5-dev qttools5-dev-tools libqt5svg5-dev
   libboost-dev
   libgdal-dev gdal-bin
+  libmuparser-dev
   libgraphviz-dev
   libgtest-dev googletest
+  python3-gdal
 )
 if [ "${WITH_FUZZ:-0}" = 1 ]; then packages+=(clang libclang-rt-14-dev); fi
 if [ "${WITH_COVERAGE:-0}" = 1 ]; then packages+=(gcovr); fi

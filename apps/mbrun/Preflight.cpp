@@ -1,5 +1,6 @@
 #include "Preflight.h"
 
+#include "engine/APCAlgo.h"
 #include "engine/APCModelFile.h"
 #include "functions/APCFun.h"
 #include "functions/FunctionInfo.h"
@@ -68,7 +69,20 @@ QStringList Preflight::Problems(Plugin::APCModel& model, const QString& path)
         return QStringList{bad->GetDescription() + QStringLiteral(" is wrong!\n")} + WhyInvalid(bad, path);
     if (model.GetProcesses().isEmpty())
         return {QStringLiteral("can not run an empty model!\n")};
-    return BrokenStructure(model) + InvalidExpressions(model);
+    return BrokenStructure(model) + InvalidExpressions(model) + RefusedParameters(model);
+}
+
+QStringList Preflight::RefusedParameters(Plugin::APCModel& model)
+{
+    QStringList lines;
+    for (Plugin::APCProcess* p : model.GetProcesses())
+        if (auto* algo = dynamic_cast<Plugin::APCAlgo*>(p)) {
+            const QStringList problem = algo->ParameterProblem();
+            if (problem.size() == 2)
+                lines << QStringLiteral("mbrun: the parameter %1 of %2 is refused: %3\n")
+                             .arg(quoted(problem[0]), quoted(p->GetDescription()), problem[1]);
+        }
+    return lines;
 }
 
 QStringList Preflight::BrokenStructure(Plugin::APCModel& model)

@@ -30,6 +30,9 @@ private:
     // Duplicate ids, and arrows whose ends the model does not have.
     static QStringList BrokenStructure(Plugin::APCModel& model);
     static QStringList InvalidExpressions(Plugin::APCModel& model);
+    // The values the host refuses before any run, such as creation options the
+    // output format does not take, each naming the step, the parameter and why.
+    static QStringList RefusedParameters(Plugin::APCModel& model);
 };
 
 } // namespace Mbrun

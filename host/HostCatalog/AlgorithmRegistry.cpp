@@ -8,7 +8,7 @@ AlgorithmRegistry& AlgorithmRegistry::Instance()
     return registry;
 }
 
-void AlgorithmRegistry::Register(const AlgoConfig& config, RunFn run)
+void AlgorithmRegistry::Register(const AlgoConfig& config, RunFn run, CheckFn check)
 {
     std::lock_guard<std::mutex> lock(m_mutex);
     auto& slot = m_entries[config.name];
@@ -17,6 +17,7 @@ void AlgorithmRegistry::Register(const AlgoConfig& config, RunFn run)
     }
     slot->config = config;
     slot->run = std::move(run);
+    slot->check = std::move(check);
 }
 
 void AlgorithmRegistry::AddSource(std::function<void()> source)
@@ -53,6 +54,14 @@ AlgorithmRegistry::RunFn AlgorithmRegistry::Runner(const QString& name) const
     std::lock_guard<std::mutex> lock(m_mutex);
     auto it = m_entries.find(name);
     return it == m_entries.end() ? RunFn() : it->second->run;
+}
+
+AlgorithmRegistry::CheckFn AlgorithmRegistry::Checker(const QString& name) const
+{
+    RunSources();
+    std::lock_guard<std::mutex> lock(m_mutex);
+    auto it = m_entries.find(name);
+    return it == m_entries.end() ? CheckFn() : it->second->check;
 }
 
 QStringList AlgorithmRegistry::Names() const

@@ -12,6 +12,7 @@ void RegisterBuiltinAlgorithms()
     static std::once_flag once;
     std::call_once(once, [] {
         RegisterRasterAlgorithms();
+        RegisterRasterCalculator();
         RegisterVectorAlgorithms();
     });
 }

@@ -38,6 +38,29 @@ const char* ExcuteAlgoMessage()
     return t_wholeMessage.constData();
 }
 
+bool CheckParameters(const QString& name, const QString& parametersJson, QString* parameter, QString* reason)
+{
+    const Plugin::AlgorithmRegistry::CheckFn check = Plugin::AlgorithmRegistry::Instance().Checker(name);
+    if (!check)
+        return true;
+    const QJsonDocument doc = QJsonDocument::fromJson(parametersJson.toUtf8());
+    if (!doc.isObject())
+        return true; // the run says why the text does not read
+    QStringList problem;
+    try {
+        problem = check(doc.object());
+    } catch (...) {
+        return true; // the run meets it again and reports it
+    }
+    if (problem.size() < 2)
+        return true;
+    if (parameter)
+        *parameter = problem[0];
+    if (reason)
+        *reason = problem[1];
+    return false;
+}
+
 int ExcuteAlgo(const char* name, const char* parameters, RunRecord* record)
 {
     if (!record)

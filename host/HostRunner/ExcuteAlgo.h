@@ -2,6 +2,8 @@
 
 #include "HostRunner/RunRecord.h"
 
+#include <QString>
+
 namespace HostRunner {
 
 // Runs the named algorithm synchronously on the calling thread. parameters is a
@@ -14,6 +16,14 @@ int ExcuteAlgo(const char* name, const char* parameters, RunRecord* record);
 // calling thread, of which the record holds only the first 259 bytes; "" after a
 // success. Valid until the next ExcuteAlgo on this thread.
 const char* ExcuteAlgoMessage();
+
+// Judges the parameters of a step of the named algorithm before any run, as far as
+// they can be judged without reading a file: the output format's creation options
+// against the list its GDAL driver gives, a utility's switches by its own parser.
+// parametersJson is the object text ExcuteAlgo takes. False when something is
+// refused: *parameter names it and *reason gives GDAL's words. True for an unknown
+// algorithm, which its run reports.
+bool CheckParameters(const QString& name, const QString& parametersJson, QString* parameter, QString* reason);
 
 // Makes sure the built-in algorithms are in the registry (they also register
 // themselves on the registry's first lookup). Idempotent and thread-safe.

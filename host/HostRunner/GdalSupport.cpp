@@ -37,6 +37,8 @@ const char* const kVectorInputFilter = "Vector layers (*.shp *.gpkg *.geojson *.
 const char* const kVectorOutputFilter = "Shapefile (*.shp);;GeoPackage (*.gpkg);;GeoJSON (*.geojson *.json);;"
                                         "CSV (*.csv);;FlatGeobuf (*.fgb)";
 const char* const kTableOutputFilter = "CSV (*.csv);;Text (*.txt)";
+const char* const kVrtOutputFilter = "Virtual raster (*.vrt)";
+const char* const kReportOutputFilter = "JSON (*.json);;Text (*.txt)";
 
 namespace {
 
@@ -60,6 +62,8 @@ const ExtensionDriver kVectorDrivers[] = {
 };
 
 const ExtensionDriver kTableDrivers[] = {{"csv", nullptr}, {"txt", nullptr}};
+const ExtensionDriver kVrtDrivers[] = {{"vrt", "VRT"}};
+const ExtensionDriver kReportDrivers[] = {{"json", nullptr}, {"txt", nullptr}};
 
 struct OutputFormats
 {
@@ -74,11 +78,16 @@ OutputFormats formatsFor(OutputKind kind)
         return {"raster", std::begin(kRasterDrivers), std::end(kRasterDrivers)};
     if (kind == OutputKind::Vector)
         return {"vector", std::begin(kVectorDrivers), std::end(kVectorDrivers)};
+    if (kind == OutputKind::Vrt)
+        return {"virtual raster", std::begin(kVrtDrivers), std::end(kVrtDrivers)};
+    if (kind == OutputKind::Report)
+        return {"report", std::begin(kReportDrivers), std::end(kReportDrivers)};
     return {"table", std::begin(kTableDrivers), std::end(kTableDrivers)};
 }
 
-// The driver of path's extension, or false with *error telling the known extensions.
-bool driverFor(const QString& path, OutputKind kind, QString* driver, QString* error)
+} // namespace
+
+bool DriverForPath(const QString& path, OutputKind kind, QString* driver, QString* error)
 {
     const OutputFormats formats = formatsFor(kind);
     const QString suffix = QFileInfo(path).suffix().toLower();
@@ -96,6 +105,8 @@ bool driverFor(const QString& path, OutputKind kind, QString* driver, QString* e
     *error = QStringLiteral("Cannot write %1: %2; use one of %3").arg(path, why, known.join(QLatin1String(", ")));
     return false;
 }
+
+namespace {
 
 QByteArray encoded(const QString& path)
 {
@@ -208,11 +219,6 @@ bool moveInto(const QString& from, const QString& to)
 #endif
 }
 
-void ensureGdalRegistered()
-{
-    static std::once_flag once;
-    std::call_once(once, [] { GDALAllRegister(); });
-}
 
 Plugin::Param makeParam(const QString& name, const QString& type, int direction, const QString& description,
                         const QString& filter)
@@ -230,6 +236,12 @@ Plugin::Param makeParam(const QString& name, const QString& type, int direction,
 }
 
 } // namespace
+
+void EnsureGdalRegistered()
+{
+    static std::once_flag once;
+    std::call_once(once, [] { GDALAllRegister(); });
+}
 
 QStringList SplitPaths(const QString& value)
 {
@@ -280,11 +292,21 @@ GDALDatasetUniquePtr CreateVectorOutput(GdalJob& job, const OutputFile& output)
     return ds;
 }
 
-CPLStringList LayerOptionsFor(const QString& driver)
+CPLStringList LayerOptionsFor(const GdalJob& job, const QString& driver)
 {
     CPLStringList options;
     if (driver == QLatin1String("CSV"))
-        options.AddString("GEOMETRY=AS_WKT");
+        options.SetNameValue("GEOMETRY", "AS_WKT");
+    CPLStringList own;
+    QString error; // checked before the run
+    ParseOptionList(job.Text(QString::fromLatin1(kLayerCreationOptions)), &own, &error);
+    for (int i = 0; i < own.Count(); ++i) {
+        char* key = nullptr;
+        const char* value = CPLParseNameValue(own[i], &key);
+        if (key)
+            options.SetNameValue(key, value);
+        CPLFree(key);
+    }
     return options;
 }
 
@@ -653,7 +675,7 @@ const OutputFile* GdalJob::PrepareOutput(const QString& name, OutputKind kind)
         return nullptr;
     }
     QString driver, error;
-    if (!driverFor(text, kind, &driver, &error)) {
+    if (!DriverForPath(text, kind, &driver, &error)) {
         Fail(kBadParameter, error);
         return nullptr;
     }
@@ -765,7 +787,10 @@ bool RasterTarget::Prepare(GdalJob& job, const QString& name, bool allowStaging)
         return false;
     m_path = output->Path();
     m_writePath = output->WritePath();
-    m_driver = output->Driver();
+    QString error; // checked before the run
+    m_options.Clear();
+    ParseOptionList(job.Text(QString::fromLatin1(kCreationOptions)), &m_options, &error);
+    m_driver = RasterWriter(output->Driver(), &m_options);
     GDALDriver* driver = GetGDALDriverManager()->GetDriverByName(m_driver.toLatin1().constData());
     if (!driver)
         return job.Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: format %2 is not available").arg(m_path, m_driver));
@@ -783,11 +808,20 @@ QByteArray RasterTarget::ToolPath() const
     return m_staged ? QByteArray() : encoded(m_writePath);
 }
 
+void RasterTarget::AddFormat(ToolArgs& args) const
+{
+    args << "-of" << ToolFormat();
+    if (m_staged)
+        return; // the options go to the copy into the file
+    for (int i = 0; i < m_options.Count(); ++i)
+        args << "-co" << m_options[i];
+}
+
 GDALDatasetUniquePtr RasterTarget::Create(GdalJob& job, int width, int height, int bands, GDALDataType type)
 {
     const QByteArray format = ToolFormat();
     GDALDriver* driver = GetGDALDriverManager()->GetDriverByName(format.constData());
-    GDALDatasetUniquePtr ds(driver ? driver->Create(ToolPath().constData(), width, height, bands, type, nullptr) : nullptr);
+    GDALDatasetUniquePtr ds(driver ? driver->Create(ToolPath().constData(), width, height, bands, type, m_staged ? nullptr : m_options.List()) : nullptr);
     if (!ds)
         job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create %1").arg(m_path));
     return ds;
@@ -811,7 +845,7 @@ bool RasterTarget::Commit(GdalJob& job, GDALDatasetUniquePtr dataset, double fro
         GDALDriver* driver = GetGDALDriverManager()->GetDriverByName(m_driver.toLatin1().constData());
         GdalProgress progress(job, QStringLiteral("Writing %1").arg(QFileInfo(m_path).fileName()), from, to);
         const QByteArray name = encoded(m_writePath);
-        GDALDatasetUniquePtr copy(driver->CreateCopy(name.constData(), dataset.get(), FALSE, nullptr,
+        GDALDatasetUniquePtr copy(driver->CreateCopy(name.constData(), dataset.get(), FALSE, m_options.List(),
                                                      &GdalProgress::Function, &progress));
         dataset.reset();
         if (!copy)
@@ -851,6 +885,13 @@ ToolArgs& ToolArgs::operator<<(double value)
     return *this;
 }
 
+ToolArgs& ToolArgs::operator<<(const CPLStringList& list)
+{
+    for (int i = 0; i < list.Count(); ++i)
+        m_args.emplace_back(list[i]);
+    return *this;
+}
+
 char** ToolArgs::Argv()
 {
     m_argv.clear();
@@ -862,21 +903,82 @@ char** ToolArgs::Argv()
 
 // ---------------------------------------------------------------------------------
 
-void RegisterGdalAlgorithm(const Plugin::AlgoConfig& config, GdalRunFn run)
+namespace {
+
+bool hasParam(const Plugin::AlgoConfig& config, const QString& name)
 {
+    return std::any_of(config.params.begin(), config.params.end(), [&](const Plugin::Param& p) { return p.name == name; });
+}
+
+// What GDAL refuses of the options before anything runs: {parameter, reason}.
+QStringList optionProblem(const Plugin::AlgoConfig& config, GdalTool tool, const QJsonObject& params)
+{
+    const auto text = [&params](const QString& name) { return params.value(name).toString().trimmed(); };
+    const QString creation = QString::fromLatin1(kCreationOptions);
+    const QString layer = QString::fromLatin1(kLayerCreationOptions);
+    for (const Plugin::Param& p : config.params) {
+        if (p.direction != 1)
+            continue;
+        QString problem, name;
+        if (p.typeParam.contains(QLatin1String("GeoTIFF")) && !text(creation).isEmpty()) {
+            name = creation;
+            problem = CreationOptionsProblem(text(p.name), text(creation));
+        } else if (p.typeParam.contains(QLatin1String("Shapefile")) && !text(layer).isEmpty()) {
+            name = layer;
+            problem = LayerCreationOptionsProblem(text(p.name), text(layer));
+        }
+        if (!problem.isEmpty())
+            return {name, problem};
+    }
+    const QString additional = QString::fromLatin1(kAdditionalOptions);
+    const QString problem = SwitchesProblem(tool, text(additional));
+    return problem.isEmpty() ? QStringList() : QStringList{additional, problem};
+}
+
+} // namespace
+
+void RegisterGdalAlgorithm(Plugin::AlgoConfig config, GdalRunFn run, GdalTool tool)
+{
+    // Added after the algorithm's own parameters: saved models keep theirs in order.
+    for (const Plugin::Param& p : QList<Plugin::Param>(config.params)) {
+        if (p.direction != 1)
+            continue;
+        if (p.typeParam.contains(QLatin1String("GeoTIFF")) && !hasParam(config, kCreationOptions))
+            config.params << Optional(InputParam(kCreationOptions, QStringLiteral("string"),
+                                                 QStringLiteral("Options of the output format as KEY=VALUE;KEY=VALUE, e.g. "
+                                                                "COMPRESS=DEFLATE;TILED=YES; COG=YES writes a .tif as a "
+                                                                "cloud-optimised GeoTIFF; empty takes GDAL's defaults")));
+        else if (p.typeParam.contains(QLatin1String("Shapefile")) && !hasParam(config, kLayerCreationOptions))
+            config.params << Optional(InputParam(kLayerCreationOptions, QStringLiteral("string"),
+                                                 QStringLiteral("Layer options of the output format as KEY=VALUE;KEY=VALUE, "
+                                                                "e.g. SPATIAL_INDEX=NO; empty takes GDAL's defaults")));
+    }
+    if (tool != GdalTool::None && !hasParam(config, kAdditionalOptions))
+        config.params << Optional(InputParam(kAdditionalOptions, QStringLiteral("string"),
+                                             QStringLiteral("More switches of the GDAL utility, as on its command line, "
+                                                            "e.g. -r cubic; empty adds none")));
+    auto check = [config, tool](const QJsonObject& params) { return optionProblem(config, tool, params); };
     Plugin::AlgorithmRegistry::Instance().Register(
-        config, [config, run](const QJsonObject& params, Plugin::AlgoRunContext& ctx) {
-            ensureGdalRegistered();
+        config,
+        [config, run, check](const QJsonObject& params, Plugin::AlgoRunContext& ctx) {
+            EnsureGdalRegistered();
             GdalJob job(config, params, ctx);
             job.Progress(0.0, config.displayText);
-            if (!job.CheckRequired() || !run(job) || !job.Finish()) {
+            bool ok = job.CheckRequired();
+            if (ok) {
+                const QStringList problem = check(params);
+                if (!problem.isEmpty())
+                    ok = job.Fail(kBadParameter, QStringLiteral("%1: %2").arg(problem[0], problem[1]));
+            }
+            if (!ok || !run(job) || !job.Finish()) {
                 job.RemoveOutputs();
                 return false;
             }
             if (job.LastProgress() < 100.0)
                 job.Progress(100.0, QStringLiteral("Done"));
             return true;
-        });
+        },
+        check);
 }
 
 int RemoveStaleStaging(const QString& path)

@@ -44,13 +44,59 @@ extern const char* const kRasterOutputFilter;
 extern const char* const kVectorInputFilter;
 extern const char* const kVectorOutputFilter;
 extern const char* const kTableOutputFilter;
+extern const char* const kVrtOutputFilter;
+extern const char* const kReportOutputFilter;
 
 // What an output parameter receives; each kind has its own known extensions.
 enum class OutputKind {
     Raster, // .tif, .img, .asc, .png, ... written by GDAL
     Vector, // .shp, .gpkg, .geojson, .csv, ... written by GDAL
     Table,  // .csv or .txt written by the algorithm itself
+    Vrt,    // .vrt: a virtual raster naming its sources
+    Report, // .json or .txt written by the algorithm itself
 };
+
+// The option parameters of the writing algorithms, alike in every one of them. An
+// empty value writes exactly what the algorithm writes without it.
+extern const char* const kCreationOptions;      // raster outputs: KEY=VALUE;KEY=VALUE
+extern const char* const kLayerCreationOptions; // vector outputs: KEY=VALUE;KEY=VALUE
+extern const char* const kAdditionalOptions;    // the utility's own switches
+
+// The GDAL utility an algorithm is built on: its option parser reads the algorithm's
+// Additional options.
+enum class GdalTool {
+    None,
+    Translate,
+    Warp,
+    DemProcessing,
+    VectorTranslate,
+    Rasterize,
+    BuildVrt,
+    Nearblack,
+    Info,
+    Grid,
+};
+
+// The items of "KEY=VALUE;KEY=VALUE", blanks around them dropped; false with *error
+// naming the first item that is not KEY=VALUE.
+bool ParseOptionList(const QString& text, CPLStringList* out, QString* error);
+// The switches of text as a shell would split them (quotes group words).
+CPLStringList SplitSwitches(const QString& text);
+// The driver that writes a raster of extension driver with options: a GeoTIFF asked
+// for with COG=YES is written by the cloud-optimised GeoTIFF driver, which then gets
+// the options without COG.
+QString RasterWriter(const QString& driver, CPLStringList* options);
+// Why GDAL refuses options for the output at path of the given kind, or empty.
+QString CreationOptionsProblem(const QString& path, const QString& text);
+QString LayerCreationOptionsProblem(const QString& path, const QString& text);
+// Why the utility's parser refuses switches, or empty.
+QString SwitchesProblem(GdalTool tool, const QString& text);
+
+// The driver of path's extension for kind (empty for a table the algorithm writes),
+// or false with *error telling the known extensions.
+bool DriverForPath(const QString& path, OutputKind kind, QString* driver, QString* error);
+// Registers GDAL's drivers once per process.
+void EnsureGdalRegistered();
 
 // The paths of a "multiFile" value: separated by ';', blanks dropped.
 QStringList SplitPaths(const QString& value);
@@ -98,6 +144,7 @@ private:
 };
 
 class GdalJob;
+class ToolArgs;
 
 // An output of a run while it is written: GDAL writes WritePath(), inside a hidden
 // folder beside Path(), and Commit() moves every file written there (a shapefile's
@@ -212,6 +259,9 @@ public:
     // Drops the outputs PrepareOutput handed out, so a failed run leaves no half file.
     void RemoveOutputs();
 
+    // The Additional options, split; empty when there are none.
+    CPLStringList Switches() const { return SplitSwitches(Text(QString::fromLatin1(kAdditionalOptions))); }
+
     // Reports progress, never going backwards.
     void Progress(double percent, const QString& text = QString());
     double LastProgress() const { return m_lastPercent; }
@@ -244,6 +294,8 @@ public:
     // What a GDAL utility writes with: the file's format and path, or MEM when staged.
     QByteArray ToolFormat() const;
     QByteArray ToolPath() const;
+    // Adds -of and, when the utility writes the file itself, -co for each creation option.
+    void AddFormat(ToolArgs& args) const;
     GDALDatasetUniquePtr Create(GdalJob& job, int width, int height, int bands, GDALDataType type);
     // Writes out a dataset made by Create or by a utility given ToolFormat/ToolPath,
     // and closes it; a staged one is copied with progress in [from, to].
@@ -253,6 +305,7 @@ private:
     QString m_path;
     QString m_writePath;
     QString m_driver;
+    CPLStringList m_options; // the creation options
     bool m_staged = false;
 };
 
@@ -264,8 +317,9 @@ bool RasterExtent(GDALDataset& raster, double box[4]);
 // of its extension; null (and the job failed) when the format cannot be created.
 GDALDatasetUniquePtr CreateVectorOutput(GdalJob& job, const OutputFile& output);
 
-// Layer creation options a vector format needs for our outputs (CSV keeps geometry).
-CPLStringList LayerOptionsFor(const QString& driver);
+// Layer creation options a vector format needs for our outputs (CSV keeps geometry),
+// then the job's Layer creation options, which win.
+CPLStringList LayerOptionsFor(const GdalJob& job, const QString& driver);
 
 // Runs a GDAL utility's arguments; owns the strings. Values may be QStrings (UTF-8).
 class ToolArgs
@@ -275,6 +329,7 @@ public:
     ToolArgs& operator<<(const QString& text);
     ToolArgs& operator<<(const QByteArray& text);
     ToolArgs& operator<<(double value);
+    ToolArgs& operator<<(const CPLStringList& list);
     // A null-terminated argv for the *OptionsNew functions; valid while this lives.
     char** Argv();
 
@@ -287,7 +342,10 @@ using GdalRunFn = std::function<bool(GdalJob& job)>;
 
 // Registers an algorithm whose runs get a GdalJob: GDAL's drivers registered, errors
 // captured for the call, required parameters checked, the outputs moved into place
-// by GdalJob::Finish, and 100 % reported on success.
-void RegisterGdalAlgorithm(const Plugin::AlgoConfig& config, GdalRunFn run);
+// by GdalJob::Finish, and 100 % reported on success. Each raster output gets the
+// optional Creation options, each vector output Layer creation options, and an
+// algorithm built on a tool Additional options, all after the given parameters;
+// they are checked before the run as the registry's check does.
+void RegisterGdalAlgorithm(Plugin::AlgoConfig config, GdalRunFn run, GdalTool tool = GdalTool::None);
 
 } // namespace HostRunner

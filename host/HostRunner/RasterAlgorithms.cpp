@@ -3,6 +3,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include <gdal_alg.h>
 #include <gdal_utils.h>
@@ -10,6 +11,7 @@
 #include <ogrsf_frmts.h>
 
 #include <algorithm>
+#include <functional>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -37,6 +39,8 @@ struct OptionsDeleter
 using TranslateOptions = std::unique_ptr<GDALTranslateOptions, OptionsDeleter<GDALTranslateOptions, GDALTranslateOptionsFree>>;
 using WarpOptions = std::unique_ptr<GDALWarpAppOptions, OptionsDeleter<GDALWarpAppOptions, GDALWarpAppOptionsFree>>;
 using DemOptions = std::unique_ptr<GDALDEMProcessingOptions, OptionsDeleter<GDALDEMProcessingOptions, GDALDEMProcessingOptionsFree>>;
+using NearblackOptions = std::unique_ptr<GDALNearblackOptions, OptionsDeleter<GDALNearblackOptions, GDALNearblackOptionsFree>>;
+using InfoOptions = std::unique_ptr<GDALInfoOptions, OptionsDeleter<GDALInfoOptions, GDALInfoOptionsFree>>;
 using BuildVrtOptions = std::unique_ptr<GDALBuildVRTOptions, OptionsDeleter<GDALBuildVRTOptions, GDALBuildVRTOptionsFree>>;
 
 AlgoConfig rasterConfig(const char* name, const char* displayText, const char* help, QList<Param> params)
@@ -94,13 +98,16 @@ bool inRasterCoordinates(OGRLayer& layer, GDALDataset& raster, double box[4])
     return true;
 }
 
-// Copies source into the output parameter with GDALTranslate and args (format added).
-bool translateInto(GdalJob& job, GDALDataset& source, ToolArgs args, const QString& what)
+// Copies source into the output parameter with GDALTranslate and args (format added);
+// then, when given, runs after on the written dataset before it is closed.
+bool translateInto(GdalJob& job, GDALDataset& source, ToolArgs args, const QString& what,
+                   const std::function<bool(GDALDataset&)>& after = {})
 {
     RasterTarget target;
     if (!target.Prepare(job, kOut, false))
         return false;
-    args << "-of" << target.ToolFormat();
+    target.AddFormat(args);
+    args << job.Switches();
     TranslateOptions options(GDALTranslateOptionsNew(args.Argv(), nullptr));
     if (!options)
         return job.FailGdal(kBadParameter, QStringLiteral("%1: invalid options").arg(what));
@@ -111,6 +118,8 @@ bool translateInto(GdalJob& job, GDALDataset& source, ToolArgs args, const QStri
         GDALTranslate(target.ToolPath().constData(), GDALDataset::ToHandle(&source), options.get(), &usageError)));
     if (!result)
         return job.FailGdal(kProcessingFailed, QStringLiteral("%1 into %2 failed").arg(what, target.Path()));
+    if (after && !after(*result))
+        return false;
     return target.Commit(job, std::move(result));
 }
 
@@ -120,7 +129,8 @@ bool warpInto(GdalJob& job, std::vector<GDALDatasetH> sources, ToolArgs args, co
     RasterTarget target;
     if (!target.Prepare(job, kOut))
         return false;
-    args << "-of" << target.ToolFormat();
+    target.AddFormat(args);
+    args << job.Switches();
     WarpOptions options(GDALWarpAppOptionsNew(args.Argv(), nullptr));
     if (!options)
         return job.FailGdal(kBadParameter, QStringLiteral("%1: invalid options").arg(what));
@@ -205,8 +215,35 @@ bool runWarp(GdalJob& job)
             return job.Fail(kBadParameter, QStringLiteral("Resolution must be positive, not %1").arg(resolution));
         args << "-tr" << resolution << resolution;
     }
+    if (job.Has(QStringLiteral("Cutline"))) {
+        const QString cutline = job.Text(QStringLiteral("Cutline"));
+        GDALDatasetUniquePtr polygons = job.OpenVector(cutline); // fails early, and guards it against the output
+        if (!polygons)
+            return false;
+        args << "-cutline" << encoded(cutline);
+    }
     return warpInto(job, {GDALDataset::ToHandle(src.get())}, std::move(args),
                     QStringLiteral("Reprojecting %1").arg(fileName(in)));
+}
+
+bool runResample(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src = job.OpenRaster(in);
+    if (!src)
+        return false;
+    double resolution = 0;
+    QString resampling;
+    if (!job.Double(QStringLiteral("Resolution"), &resolution)
+        || !job.OneOf(QStringLiteral("Resampling"),
+                      {"near", "bilinear", "cubic", "cubicspline", "lanczos", "average", "mode", "min", "max", "med", "q1", "q3", "sum"},
+                      &resampling))
+        return false;
+    if (resolution <= 0)
+        return job.Fail(kBadParameter, QStringLiteral("Resolution must be positive, not %1").arg(resolution));
+    ToolArgs args;
+    args << "-tr" << resolution << resolution << "-r" << resampling;
+    return warpInto(job, {GDALDataset::ToHandle(src.get())}, std::move(args), QStringLiteral("Resampling %1").arg(fileName(in)));
 }
 
 bool runClipExtent(GdalJob& job)
@@ -323,19 +360,23 @@ bool runMosaic(GdalJob& job)
 }
 
 // Runs one gdaldem mode on the band of parameter Band.
-bool runDem(GdalJob& job, const char* mode, ToolArgs args, const QString& what)
+bool runDem(GdalJob& job, const char* mode, ToolArgs args, const QString& what, const QString& colorTable = QString())
 {
     const QString in = job.Text(kIn);
     GDALDatasetUniquePtr src = job.OpenRaster(in);
     if (!src)
         return false;
+    if (!colorTable.isEmpty() && !QFileInfo(colorTable).isFile())
+        return job.Fail(kCannotOpenInput, QStringLiteral("Cannot open colour table %1: no such file").arg(colorTable));
     int band = 1;
     if (!job.Int(kBand, &band) || !job.CheckBand(*src, kBand, band))
         return false;
     RasterTarget target;
     if (!target.Prepare(job, kOut, false))
         return false;
-    args << "-b" << double(band) << "-compute_edges" << "-of" << target.ToolFormat();
+    args << "-b" << double(band) << "-compute_edges";
+    target.AddFormat(args);
+    args << job.Switches();
     DemOptions options(GDALDEMProcessingOptionsNew(args.Argv(), nullptr));
     if (!options)
         return job.FailGdal(kBadParameter, QStringLiteral("%1: invalid options").arg(what));
@@ -343,7 +384,8 @@ bool runDem(GdalJob& job, const char* mode, ToolArgs args, const QString& what)
     GDALDEMProcessingOptionsSetProgress(options.get(), &GdalProgress::Function, &progress);
     int usageError = FALSE;
     GDALDatasetUniquePtr result(GDALDataset::FromHandle(GDALDEMProcessing(
-        target.ToolPath().constData(), GDALDataset::ToHandle(src.get()), mode, nullptr, options.get(), &usageError)));
+        target.ToolPath().constData(), GDALDataset::ToHandle(src.get()), mode,
+        colorTable.isEmpty() ? nullptr : encoded(colorTable).constData(), options.get(), &usageError)));
     if (!result)
         return job.FailGdal(kProcessingFailed, QStringLiteral("%1 of %2 failed").arg(what, in));
     return target.Commit(job, std::move(result));
@@ -382,6 +424,41 @@ bool runSlope(GdalJob& job)
 bool runAspect(GdalJob& job)
 {
     return runDem(job, "aspect", ToolArgs(), QStringLiteral("Aspect"));
+}
+
+bool runColorRelief(GdalJob& job)
+{
+    QString matching;
+    if (!job.OneOf(QStringLiteral("Matching"), {"interpolate", "exact", "nearest"}, &matching))
+        return false;
+    ToolArgs args;
+    if (matching == QLatin1String("exact"))
+        args << "-exact_color_entry";
+    else if (matching == QLatin1String("nearest"))
+        args << "-nearest_color_entry";
+    if (job.Text(QStringLiteral("Alpha")) == QLatin1String("1"))
+        args << "-alpha";
+    return runDem(job, "color-relief", std::move(args), QStringLiteral("Colour relief"), job.Text(QStringLiteral("Color Table")));
+}
+
+bool runTri(GdalJob& job)
+{
+    QString method;
+    if (!job.OneOf(QStringLiteral("Method"), {"Riley", "Wilson"}, &method))
+        return false;
+    ToolArgs args;
+    args << "-alg" << method;
+    return runDem(job, "TRI", std::move(args), QStringLiteral("Terrain ruggedness"));
+}
+
+bool runTpi(GdalJob& job)
+{
+    return runDem(job, "TPI", ToolArgs(), QStringLiteral("Topographic position"));
+}
+
+bool runRoughness(GdalJob& job)
+{
+    return runDem(job, "roughness", ToolArgs(), QStringLiteral("Roughness"));
 }
 
 bool runNdvi(GdalJob& job)
@@ -430,6 +507,348 @@ bool runNdvi(GdalJob& job)
         progress.Report((y + 1.0) / height);
     }
     return target.Commit(job, std::move(out));
+}
+
+bool runBuildVrt(GdalJob& job)
+{
+    const QStringList paths = SplitPaths(job.Text(QStringLiteral("In Files")));
+    if (paths.isEmpty())
+        return job.Fail(kBadParameter, QStringLiteral("In Files lists no raster"));
+    std::vector<GDALDatasetUniquePtr> sources;
+    std::vector<GDALDatasetH> handles;
+    for (const QString& path : paths) {
+        GDALDatasetUniquePtr ds = job.OpenRaster(path);
+        if (!ds)
+            return false;
+        handles.push_back(GDALDataset::ToHandle(ds.get()));
+        sources.push_back(std::move(ds));
+    }
+    QString resolution;
+    if (!job.OneOf(QStringLiteral("Resolution"), {"average", "highest", "lowest"}, &resolution))
+        return false;
+    ToolArgs args;
+    args << "-resolution" << resolution;
+    if (job.Text(QStringLiteral("Separate")) == QLatin1String("1"))
+        args << "-separate";
+    args << job.Switches();
+    const OutputFile* output = job.PrepareOutput(kOut, OutputKind::Vrt);
+    if (!output)
+        return false;
+    BuildVrtOptions options(GDALBuildVRTOptionsNew(args.Argv(), nullptr));
+    if (!options)
+        return job.FailGdal(kBadParameter, QStringLiteral("Build virtual raster: invalid options"));
+    GdalProgress progress(job, QStringLiteral("Building %1").arg(fileName(output->Path())));
+    GDALBuildVRTOptionsSetProgress(options.get(), &GdalProgress::Function, &progress);
+    int usageError = FALSE;
+    // Sources by name: the file then names them as given, as gdalbuildvrt writes them.
+    std::vector<QByteArray> names;
+    std::vector<const char*> namePointers;
+    for (const QString& path : paths)
+        names.push_back(encoded(path));
+    for (const QByteArray& name : names)
+        namePointers.push_back(name.constData());
+    sources.clear();
+    GDALDatasetUniquePtr vrt(GDALDataset::FromHandle(GDALBuildVRT(encoded(output->WritePath()).constData(), int(names.size()),
+                                                                  nullptr, namePointers.data(), options.get(), &usageError)));
+    if (!vrt)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot build %1").arg(output->Path()));
+    return job.CloseOutput(vrt, output->Path());
+}
+
+bool runNearblack(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src = job.OpenRaster(in);
+    if (!src)
+        return false;
+    QString color;
+    int near = 15;
+    if (!job.OneOf(QStringLiteral("Color"), {"black", "white"}, &color) || !job.Int(QStringLiteral("Near"), &near, 0, 255))
+        return false;
+    ToolArgs args;
+    if (color == QLatin1String("white"))
+        args << "-white";
+    args << "-near" << double(near);
+    RasterTarget target;
+    if (!target.Prepare(job, kOut))
+        return false;
+    target.AddFormat(args);
+    args << job.Switches();
+    NearblackOptions options(GDALNearblackOptionsNew(args.Argv(), nullptr));
+    if (!options)
+        return job.FailGdal(kBadParameter, QStringLiteral("Nearblack: invalid options"));
+    GdalProgress progress(job, QStringLiteral("Clearing the edges of %1").arg(fileName(in)), 0.0, 90.0);
+    GDALNearblackOptionsSetProgress(options.get(), &GdalProgress::Function, &progress);
+    int usageError = FALSE;
+    GDALDatasetUniquePtr result(GDALDataset::FromHandle(
+        GDALNearblack(target.ToolPath().constData(), nullptr, GDALDataset::ToHandle(src.get()), options.get(), &usageError)));
+    if (!result)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("Clearing the edges of %1 into %2 failed").arg(in, target.Path()));
+    return target.Commit(job, std::move(result));
+}
+
+bool runInfo(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src = job.OpenRaster(in);
+    if (!src)
+        return false;
+    const OutputFile* out = job.PrepareOutput(kOut, OutputKind::Report);
+    if (!out)
+        return false;
+    ToolArgs args;
+    if (QFileInfo(out->Path()).suffix().compare(QLatin1String("json"), Qt::CaseInsensitive) == 0)
+        args << "-json";
+    args << job.Switches();
+    InfoOptions options(GDALInfoOptionsNew(args.Argv(), nullptr));
+    if (!options)
+        return job.FailGdal(kBadParameter, QStringLiteral("Raster information: invalid options"));
+    char* text = GDALInfo(GDALDataset::ToHandle(src.get()), options.get());
+    if (!text)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot describe %1").arg(in));
+    const QByteArray report(text);
+    CPLFree(text);
+    QFile file(out->WritePath());
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(report) != report.size() || !file.flush())
+        return job.Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: %2").arg(out->Path(), file.errorString()));
+    return true;
+}
+
+// A one-band output on the grid of src, of type, through target.
+GDALDatasetUniquePtr createLike(GdalJob& job, RasterTarget& target, GDALDataset& src, GDALDataType type)
+{
+    if (!target.Prepare(job, kOut))
+        return nullptr;
+    GDALDatasetUniquePtr out = target.Create(job, src.GetRasterXSize(), src.GetRasterYSize(), 1, type);
+    if (!out)
+        return nullptr;
+    double gt[6];
+    if (src.GetGeoTransform(gt) == CE_None)
+        out->SetGeoTransform(gt);
+    if (const OGRSpatialReference* srs = src.GetSpatialRef())
+        out->SetSpatialRef(srs);
+    return out;
+}
+
+// Opens In File and its band from parameter Band; null (the job failed) when either is missing.
+GDALRasterBand* inputBand(GdalJob& job, GDALDatasetUniquePtr& src)
+{
+    src = job.OpenRaster(job.Text(kIn));
+    int band = 1;
+    if (!src || !job.Int(kBand, &band) || !job.CheckBand(*src, kBand, band))
+        return nullptr;
+    return src->GetRasterBand(band);
+}
+
+// Copies band into target line by line, in band's own type.
+bool copyBand(GdalJob& job, GDALRasterBand& band, GDALRasterBand& target)
+{
+    const int width = band.GetXSize();
+    std::vector<double> line(static_cast<size_t>(width));
+    for (int y = 0; y < band.GetYSize(); ++y)
+        if (band.RasterIO(GF_Read, 0, y, width, 1, line.data(), width, 1, GDT_Float64, 0, 0) != CE_None
+            || target.RasterIO(GF_Write, 0, y, width, 1, line.data(), width, 1, GDT_Float64, 0, 0) != CE_None)
+            return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot copy line %1").arg(y));
+    return true;
+}
+
+bool runProximity(GdalJob& job)
+{
+    GDALDatasetUniquePtr src;
+    GDALRasterBand* band = inputBand(job, src);
+    if (!band)
+        return false;
+    QString units;
+    if (!job.OneOf(QStringLiteral("Units"), {"PIXEL", "GEO"}, &units))
+        return false;
+    CPLStringList options;
+    options.SetNameValue("DISTUNITS", units.toLatin1().constData());
+    if (job.Has(QStringLiteral("Values"))) {
+        std::vector<double> values;
+        const QStringList parts = job.Text(QStringLiteral("Values")).split(QRegularExpression(QStringLiteral("[,\\s]+")), Qt::SkipEmptyParts);
+        if (!job.Doubles(QStringLiteral("Values"), parts.size(), &values))
+            return false;
+        options.SetNameValue("VALUES", parts.join(QLatin1Char(',')).toLatin1().constData());
+    }
+    double number = 0;
+    if (job.Has(QStringLiteral("Max Distance"))) {
+        if (!job.Double(QStringLiteral("Max Distance"), &number))
+            return false;
+        options.SetNameValue("MAXDIST", QByteArray::number(number, 'g', 17).constData());
+    }
+    bool hasNoData = false;
+    if (job.Has(QStringLiteral("NoData"))) {
+        if (!job.Double(QStringLiteral("NoData"), &number))
+            return false;
+        options.SetNameValue("NODATA", QByteArray::number(number, 'g', 17).constData());
+        hasNoData = true;
+    }
+    RasterTarget target;
+    GDALDatasetUniquePtr out = createLike(job, target, *src, GDT_Float32);
+    if (!out)
+        return false;
+    if (hasNoData)
+        out->GetRasterBand(1)->SetNoDataValue(number);
+    GdalProgress progress(job, QStringLiteral("Proximity"), 0.0, 90.0);
+    if (GDALComputeProximity(GDALRasterBand::ToHandle(band), GDALRasterBand::ToHandle(out->GetRasterBand(1)), options.List(),
+                             &GdalProgress::Function, &progress) != CE_None)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("Proximity failed"));
+    return target.Commit(job, std::move(out));
+}
+
+bool runSieve(GdalJob& job)
+{
+    GDALDatasetUniquePtr src;
+    GDALRasterBand* band = inputBand(job, src);
+    if (!band)
+        return false;
+    int threshold = 2;
+    QString connectedness;
+    if (!job.Int(QStringLiteral("Threshold"), &threshold, 1) || !job.OneOf(QStringLiteral("Connectedness"), {"4", "8"}, &connectedness))
+        return false;
+    RasterTarget target;
+    GDALDatasetUniquePtr out = createLike(job, target, *src, band->GetRasterDataType());
+    if (!out)
+        return false;
+    int hasNoData = FALSE;
+    const double noData = band->GetNoDataValue(&hasNoData);
+    if (hasNoData)
+        out->GetRasterBand(1)->SetNoDataValue(noData);
+    GdalProgress progress(job, QStringLiteral("Sieving"), 0.0, 90.0);
+    if (GDALSieveFilter(GDALRasterBand::ToHandle(band), GDALRasterBand::ToHandle(band->GetMaskBand()),
+                        GDALRasterBand::ToHandle(out->GetRasterBand(1)), threshold, connectedness.toInt(), nullptr,
+                        &GdalProgress::Function, &progress) != CE_None)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("Sieving failed"));
+    return target.Commit(job, std::move(out));
+}
+
+bool runFillNoData(GdalJob& job)
+{
+    GDALDatasetUniquePtr src;
+    GDALRasterBand* band = inputBand(job, src);
+    if (!band)
+        return false;
+    double distance = 100;
+    int smoothing = 0;
+    if (!job.Double(QStringLiteral("Max Distance"), &distance) || !job.Int(QStringLiteral("Smoothing"), &smoothing, 0, 100))
+        return false;
+    if (distance <= 0)
+        return job.Fail(kBadParameter, QStringLiteral("Max Distance must be positive, not %1").arg(distance));
+    RasterTarget target;
+    GDALDatasetUniquePtr out = createLike(job, target, *src, band->GetRasterDataType());
+    if (!out)
+        return false;
+    GDALRasterBand* filled = out->GetRasterBand(1);
+    int hasNoData = FALSE;
+    const double noData = band->GetNoDataValue(&hasNoData);
+    if (hasNoData)
+        filled->SetNoDataValue(noData);
+    if (!copyBand(job, *band, *filled))
+        return false;
+    GdalProgress progress(job, QStringLiteral("Filling no-data"), 0.0, 90.0);
+    if (GDALFillNodata(GDALRasterBand::ToHandle(filled), GDALRasterBand::ToHandle(filled->GetMaskBand()), distance, 0,
+                       smoothing, nullptr, &GdalProgress::Function, &progress) != CE_None)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("Filling no-data failed"));
+    return target.Commit(job, std::move(out));
+}
+
+// Contour lines (or, with polygons, the areas between them) of the band of In File.
+bool contour(GdalJob& job, bool polygons)
+{
+    GDALDatasetUniquePtr src;
+    GDALRasterBand* band = inputBand(job, src);
+    if (!band)
+        return false;
+    double interval = 0, base = 0;
+    if (!job.Double(QStringLiteral("Interval"), &interval) || !job.Double(QStringLiteral("Base"), &base))
+        return false;
+    if (interval <= 0)
+        return job.Fail(kBadParameter, QStringLiteral("Interval must be positive, not %1").arg(interval));
+    const OutputFile* output = job.PrepareOutput(kOut, OutputKind::Vector);
+    if (!output)
+        return false;
+    GDALDatasetUniquePtr ds = CreateVectorOutput(job, *output);
+    if (!ds)
+        return false;
+    // Named and laid out as gdal_contour writes them.
+    OGRLayer* layer = ds->CreateLayer("contour", const_cast<OGRSpatialReference*>(src->GetSpatialRef()),
+                                      polygons ? wkbMultiPolygon : wkbLineString, LayerOptionsFor(job, output->Driver()).List());
+    if (!layer)
+        return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create layer in %1").arg(output->Path()));
+    QStringList fields{QStringLiteral("ID")};
+    if (polygons)
+        fields << job.Text(QStringLiteral("Min Field")) << job.Text(QStringLiteral("Max Field"));
+    else
+        fields << job.Text(QStringLiteral("Field"));
+    for (int i = 0; i < fields.size(); ++i) {
+        OGRFieldDefn field(fields[i].toUtf8().constData(), i == 0 ? OFTInteger : OFTReal);
+        field.SetWidth(i == 0 ? 8 : 12);
+        field.SetPrecision(i == 0 ? 0 : 3);
+        if (layer->CreateField(&field) != OGRERR_NONE)
+            return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create field %1 in %2").arg(fields[i], output->Path()));
+    }
+    CPLStringList options;
+    options.SetNameValue("LEVEL_INTERVAL", QByteArray::number(interval, 'g', 17).constData());
+    options.SetNameValue("LEVEL_BASE", QByteArray::number(base, 'g', 17).constData());
+    options.SetNameValue("ID_FIELD", "0");
+    if (polygons) {
+        options.SetNameValue("ELEV_FIELD_MIN", "1");
+        options.SetNameValue("ELEV_FIELD_MAX", "2");
+        options.SetNameValue("POLYGONIZE", "YES");
+    } else {
+        options.SetNameValue("ELEV_FIELD", "1");
+    }
+    int hasNoData = FALSE;
+    const double noData = band->GetNoDataValue(&hasNoData);
+    if (hasNoData)
+        options.SetNameValue("NODATA", QByteArray::number(noData, 'g', 17).constData());
+    GdalProgress progress(job, QStringLiteral("Contours"), 0.0, 95.0);
+    const bool transaction = ds->StartTransaction() == OGRERR_NONE;
+    if (GDALContourGenerateEx(GDALRasterBand::ToHandle(band), OGRLayer::ToHandle(layer), options.List(),
+                              &GdalProgress::Function, &progress) != CE_None)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("Contouring failed"));
+    if (transaction && ds->CommitTransaction() != OGRERR_NONE)
+        return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot write %1").arg(output->Path()));
+    return job.CloseOutput(ds, output->Path());
+}
+
+bool runContour(GdalJob& job)
+{
+    return contour(job, false);
+}
+
+bool runContourPolygons(GdalJob& job)
+{
+    return contour(job, true);
+}
+
+bool runOverviews(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src = job.OpenRaster(in);
+    if (!src)
+        return false;
+    QString resampling;
+    if (!job.OneOf(QStringLiteral("Resampling"), {"nearest", "average", "bilinear", "cubic", "cubicspline", "lanczos", "mode", "gauss", "rms"},
+                   &resampling))
+        return false;
+    std::vector<int> levels;
+    for (const QString& part : job.Text(QStringLiteral("Levels")).split(QRegularExpression(QStringLiteral("[,;\\s]+")), Qt::SkipEmptyParts)) {
+        bool ok = false;
+        const int level = part.toInt(&ok);
+        if (!ok || level < 2)
+            return job.Fail(kBadParameter, QStringLiteral("Levels: '%1' is not a factor of 2 or more").arg(part));
+        levels.push_back(level);
+    }
+    if (levels.empty())
+        return job.Fail(kBadParameter, QStringLiteral("Levels lists no factor, e.g. 2 4 8"));
+    return translateInto(job, *src, ToolArgs(), QStringLiteral("Copying %1").arg(fileName(in)), [&](GDALDataset& out) {
+        GdalProgress progress(job, QStringLiteral("Overviews of %1").arg(fileName(in)), 50.0, 95.0);
+        if (out.BuildOverviews(resampling.toUpper().toLatin1().constData(), int(levels.size()), levels.data(), 0, nullptr,
+                               &GdalProgress::Function, &progress, nullptr) != CE_None)
+            return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot build the overviews of %1").arg(fileName(in)));
+        return true;
+    });
 }
 
 // Exact statistics of one band over its valid pixels (mask and no-data respected).
@@ -541,7 +960,7 @@ bool runPolygonize(GdalJob& job)
     // CreateLayer clones the spatial reference; it only lacks the const.
     OGRLayer* layer = ds->CreateLayer(QFileInfo(out).completeBaseName().toUtf8().constData(),
                                       const_cast<OGRSpatialReference*>(src->GetSpatialRef()),
-                                      wkbPolygon, LayerOptionsFor(output->Driver()).List());
+                                      wkbPolygon, LayerOptionsFor(job, output->Driver()).List());
     OGRFieldDefn field(fieldName.toUtf8().constData(), floating ? OFTReal : OFTInteger);
     if (!layer || layer->CreateField(&field) != OGRERR_NONE)
         return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create layer in %1").arg(out));
@@ -575,7 +994,7 @@ void RegisterRasterAlgorithms()
                                           QStringLiteral("Window to keep as xmin,ymin,xmax,ymax in the raster's coordinates"))),
                       Optional(InputParam(QStringLiteral("Data Type"), QStringLiteral("string"),
                                           QStringLiteral("Output data type: Byte, UInt16, Int16, UInt32, Int32, Float32 or Float64; values outside its range are clipped")))}),
-        runTranslate);
+        runTranslate, GdalTool::Translate);
 
     RegisterGdalAlgorithm(
         rasterConfig("raster.warp", "Reproject raster", "Reprojects a raster into another spatial reference.",
@@ -586,8 +1005,19 @@ void RegisterRasterAlgorithms()
                       Optional(number("Resolution", "float", "Output pixel size in target units; empty lets GDAL choose")),
                       WithDefault(InputParam(QStringLiteral("Resampling"), QStringLiteral("string"),
                                              QStringLiteral("near, bilinear, cubic, cubicspline, lanczos, average, mode, min, max, med, q1, q3 or sum")),
+                                  QStringLiteral("near")),
+                      Optional(InputParam(QStringLiteral("Cutline"), QStringLiteral("file"),
+                                          QStringLiteral("Polygons outside which pixels become no-data; empty keeps all"),
+                                          QString::fromLatin1(kVectorInputFilter)))}),
+        runWarp, GdalTool::Warp);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.resample", "Resample raster", "Changes the pixel size of a raster, keeping its spatial reference.",
+                     {inRaster(), number("Resolution", "float", "New pixel size in the raster's units"), outRaster("Resampled raster"),
+                      WithDefault(InputParam(QStringLiteral("Resampling"), QStringLiteral("string"),
+                                             QStringLiteral("near, bilinear, cubic, cubicspline, lanczos, average, mode, min, max, med, q1, q3 or sum")),
                                   QStringLiteral("near"))}),
-        runWarp);
+        runResample, GdalTool::Warp);
 
     RegisterGdalAlgorithm(
         rasterConfig("raster.clipExtent", "Clip raster by extent",
@@ -595,7 +1025,7 @@ void RegisterRasterAlgorithms()
                      {inRaster(), number("X Min", "float", "West edge of the rectangle"),
                       number("Y Min", "float", "South edge of the rectangle"), number("X Max", "float", "East edge of the rectangle"),
                       number("Y Max", "float", "North edge of the rectangle"), outRaster("Clipped raster")}),
-        runClipExtent);
+        runClipExtent, GdalTool::Translate);
 
     RegisterGdalAlgorithm(
         rasterConfig("raster.clipByPolygon", "Clip raster by polygons",
@@ -608,7 +1038,7 @@ void RegisterRasterAlgorithms()
                                           QStringLiteral("Layer of the mask file; empty takes the first"))),
                       Optional(number("NoData", "float",
                                       "Value of pixels outside the polygons; empty takes the raster's no-data value, else 0"))}),
-        runClipByPolygon);
+        runClipByPolygon, GdalTool::Warp);
 
     RegisterGdalAlgorithm(
         rasterConfig("raster.mosaic", "Mosaic rasters",
@@ -617,7 +1047,7 @@ void RegisterRasterAlgorithms()
                                  QStringLiteral("Rasters to merge, separated by ';'"), QString::fromLatin1(kRasterInputFilter)),
                       outRaster("Merged raster"),
                       Optional(number("NoData", "float", "Value treated as empty in the inputs and written where none covers"))}),
-        runMosaic);
+        runMosaic, GdalTool::Translate);
 
     RegisterGdalAlgorithm(
         rasterConfig("raster.hillshade", "Hillshade", "Computes a shaded relief (0-255) from an elevation model.",
@@ -626,7 +1056,7 @@ void RegisterRasterAlgorithms()
                       number("Scale", "float", "Horizontal units per vertical unit; 111120 for degrees over metres", "1"),
                       number("Azimuth", "float", "Direction of the light in degrees clockwise from north", "315"),
                       number("Altitude", "float", "Height of the light above the horizon in degrees", "45")}),
-        runHillshade);
+        runHillshade, GdalTool::DemProcessing);
 
     RegisterGdalAlgorithm(
         rasterConfig("raster.slope", "Slope", "Computes the slope of an elevation model in degrees or percent.",
@@ -634,13 +1064,50 @@ void RegisterRasterAlgorithms()
                       WithDefault(InputParam(QStringLiteral("Units"), QStringLiteral("string"), QStringLiteral("degrees or percent")),
                                   QStringLiteral("degrees")),
                       number("Scale", "float", "Horizontal units per vertical unit; 111120 for degrees over metres", "1")}),
-        runSlope);
+        runSlope, GdalTool::DemProcessing);
 
     RegisterGdalAlgorithm(
         rasterConfig("raster.aspect", "Aspect",
                      "Computes the direction each cell of an elevation model faces, in degrees clockwise from north.",
                      {inRaster("Elevation model"), bandParam(), outRaster("Aspect, Float32; flat cells are no-data")}),
-        runAspect);
+        runAspect, GdalTool::DemProcessing);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.colorRelief", "Colour relief",
+                     "Colours an elevation model by a table of elevations and colours, as gdaldem color-relief does.",
+                     {inRaster("Elevation model"), bandParam(),
+                      InputParam(QStringLiteral("Color Table"), QStringLiteral("file"),
+                                 QStringLiteral("Text file of lines 'elevation red green blue [alpha]'; elevations may be "
+                                                "percentages (50%) or nv for no-data"),
+                                 QStringLiteral("Colour tables (*.txt *.csv);;All files (*)")),
+                      outRaster("Coloured relief, three Byte bands (four with Alpha)"),
+                      WithDefault(InputParam(QStringLiteral("Matching"), QStringLiteral("string"),
+                                             QStringLiteral("interpolate between entries, exact entries only (else black), "
+                                                            "or the nearest entry")),
+                                  QStringLiteral("interpolate")),
+                      WithDefault(number("Alpha", "int", "1 adds an alpha band"), QStringLiteral("0"))}),
+        runColorRelief, GdalTool::DemProcessing);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.tri", "Terrain ruggedness index",
+                     "Computes the terrain ruggedness index of an elevation model: how much each cell differs from its eight neighbours.",
+                     {inRaster("Elevation model"), bandParam(), outRaster("TRI, Float32"),
+                      WithDefault(InputParam(QStringLiteral("Method"), QStringLiteral("string"),
+                                             QStringLiteral("Riley (for terrain) or Wilson (for bathymetry)")),
+                                  QStringLiteral("Riley"))}),
+        runTri, GdalTool::DemProcessing);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.tpi", "Topographic position index",
+                     "Computes the topographic position index: each cell's elevation minus the mean of its eight neighbours.",
+                     {inRaster("Elevation model"), bandParam(), outRaster("TPI, Float32")}),
+        runTpi, GdalTool::DemProcessing);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.roughness", "Roughness",
+                     "Computes the roughness of an elevation model: the largest difference within each cell's 3x3 window.",
+                     {inRaster("Elevation model"), bandParam(), outRaster("Roughness, Float32")}),
+        runRoughness, GdalTool::DemProcessing);
 
     RegisterGdalAlgorithm(
         rasterConfig("raster.ndvi", "NDVI",
@@ -658,6 +1125,104 @@ void RegisterRasterAlgorithms()
                                   QStringLiteral("CSV table, one line per band: band,valid_pixels,nodata_pixels,min,max,mean,stddev,sum"),
                                   QString::fromLatin1(kTableOutputFilter))}),
         runBandStatistics);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.proximity", "Proximity",
+                     "Computes for every pixel the distance to the nearest pixel of chosen values, as gdal_proximity does.",
+                     {inRaster(), bandParam(), outRaster("Distances, Float32"),
+                      Optional(InputParam(QStringLiteral("Values"), QStringLiteral("string"),
+                                          QStringLiteral("Target pixel values, e.g. 1,2; empty takes every non-zero pixel"))),
+                      WithDefault(InputParam(QStringLiteral("Units"), QStringLiteral("string"),
+                                             QStringLiteral("PIXEL counts pixels, GEO uses georeferenced units")),
+                                  QStringLiteral("PIXEL")),
+                      Optional(number("Max Distance", "float", "Distance beyond which pixels get NoData; empty has none")),
+                      Optional(number("NoData", "float", "Value beyond Max Distance"))}),
+        runProximity);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.sieve", "Sieve",
+                     "Replaces areas of fewer pixels than a threshold by the value of their largest neighbour, as gdal_sieve does.",
+                     {inRaster(), bandParam(), outRaster("Sieved raster, the input's type"),
+                      number("Threshold", "int", "Smallest area, in pixels, that stays", "2"),
+                      WithDefault(InputParam(QStringLiteral("Connectedness"), QStringLiteral("int"),
+                                             QStringLiteral("4 joins pixels by edges, 8 also by corners")),
+                                  QStringLiteral("4"))}),
+        runSieve);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.fillNoData", "Fill no-data",
+                     "Fills no-data pixels by interpolating from the valid pixels around them, as gdal_fillnodata does.",
+                     {inRaster(), bandParam(), outRaster("Filled raster, the input's type"),
+                      number("Max Distance", "float", "How far, in pixels, to search for valid values", "100"),
+                      number("Smoothing", "int", "Smoothing passes over the filled areas", "0")}),
+        runFillNoData);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.contour", "Contour lines", "Draws contour lines of an elevation model at a fixed interval, as gdal_contour does.",
+                     {inRaster("Elevation model"), bandParam(),
+                      OutputParam(kOut, QStringLiteral("file"), QStringLiteral("Lines with fields ID and the elevation"),
+                                  QString::fromLatin1(kVectorOutputFilter)),
+                      number("Interval", "float", "Elevation between two lines"),
+                      number("Base", "float", "Elevation one line passes through", "0"),
+                      WithDefault(InputParam(QStringLiteral("Field"), QStringLiteral("string"), QStringLiteral("Field of the elevation")),
+                                  QStringLiteral("elev"))}),
+        runContour);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.contourPolygons", "Contour polygons",
+                     "Turns the bands between contour lines of an elevation model into polygons, as gdal_contour -p does.",
+                     {inRaster("Elevation model"), bandParam(),
+                      OutputParam(kOut, QStringLiteral("file"), QStringLiteral("Polygons with fields ID and the band's lower and upper elevation"),
+                                  QString::fromLatin1(kVectorOutputFilter)),
+                      number("Interval", "float", "Elevation between two lines"),
+                      number("Base", "float", "Elevation one line passes through", "0"),
+                      WithDefault(InputParam(QStringLiteral("Min Field"), QStringLiteral("string"), QStringLiteral("Field of the lower elevation")),
+                                  QStringLiteral("amin")),
+                      WithDefault(InputParam(QStringLiteral("Max Field"), QStringLiteral("string"), QStringLiteral("Field of the upper elevation")),
+                                  QStringLiteral("amax"))}),
+        runContourPolygons);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.overviews", "Build overviews",
+                     "Copies a raster with reduced-resolution overviews inside (or beside, for formats without), as gdal_translate then gdaladdo do.",
+                     {inRaster(), outRaster("Copy with overviews"),
+                      WithDefault(InputParam(QStringLiteral("Levels"), QStringLiteral("string"),
+                                             QStringLiteral("Reduction factors, e.g. 2 4 8 16")),
+                                  QStringLiteral("2 4 8")),
+                      WithDefault(InputParam(QStringLiteral("Resampling"), QStringLiteral("string"),
+                                             QStringLiteral("nearest, average, bilinear, cubic, cubicspline, lanczos, mode, gauss or rms")),
+                                  QStringLiteral("nearest"))}),
+        runOverviews, GdalTool::Translate);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.buildVrt", "Build virtual raster",
+                     "Writes a virtual raster (.vrt) that shows several rasters as one mosaic, or as the bands of one raster, without copying them.",
+                     {InputParam(QStringLiteral("In Files"), QStringLiteral("multiFile"),
+                                 QStringLiteral("Rasters to combine, separated by ';'"), QString::fromLatin1(kRasterInputFilter)),
+                      OutputParam(kOut, QStringLiteral("file"), QStringLiteral("Virtual raster naming its sources"),
+                                  QString::fromLatin1(kVrtOutputFilter)),
+                      WithDefault(InputParam(QStringLiteral("Resolution"), QStringLiteral("string"),
+                                             QStringLiteral("Pixel size when the sources differ: average, highest or lowest")),
+                                  QStringLiteral("average")),
+                      WithDefault(number("Separate", "int", "1 puts each source into a band of its own"), QStringLiteral("0"))}),
+        runBuildVrt, GdalTool::BuildVrt);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.nearblack", "Clear near-black edges",
+                     "Turns the nearly black (or white) collars of a scanned or warped image into exact black (or white), as nearblack does.",
+                     {inRaster(), outRaster("Image with clean edges"),
+                      WithDefault(InputParam(QStringLiteral("Color"), QStringLiteral("string"), QStringLiteral("black or white")),
+                                  QStringLiteral("black")),
+                      number("Near", "int", "How far from black (or white) a value may be, 0 to 255", "15")}),
+        runNearblack, GdalTool::Nearblack);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.info", "Raster information",
+                     "Writes what gdalinfo tells of a raster to a file: JSON for a .json output, text for .txt.",
+                     {inRaster(),
+                      OutputParam(kOut, QStringLiteral("file"), QStringLiteral("Report; .json writes gdalinfo -json"),
+                                  QString::fromLatin1(kReportOutputFilter))}),
+        runInfo, GdalTool::Info);
 
     RegisterGdalAlgorithm(
         rasterConfig("raster.polygonize", "Polygonize raster",

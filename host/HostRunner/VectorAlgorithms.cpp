@@ -30,12 +30,17 @@ struct VectorTranslateOptionsDeleter
 {
     void operator()(GDALVectorTranslateOptions* o) const { GDALVectorTranslateOptionsFree(o); }
 };
+struct GridOptionsDeleter
+{
+    void operator()(GDALGridOptions* o) const { GDALGridOptionsFree(o); }
+};
 struct RasterizeOptionsDeleter
 {
     void operator()(GDALRasterizeOptions* o) const { GDALRasterizeOptionsFree(o); }
 };
 using VectorTranslateOptions = std::unique_ptr<GDALVectorTranslateOptions, VectorTranslateOptionsDeleter>;
 using RasterizeOptions = std::unique_ptr<GDALRasterizeOptions, RasterizeOptionsDeleter>;
+using GridOptions = std::unique_ptr<GDALGridOptions, GridOptionsDeleter>;
 
 AlgoConfig vectorConfig(const char* name, const char* displayText, const char* help, QList<Param> params)
 {
@@ -88,8 +93,10 @@ QByteArray wktOf(const OGRSpatialReference& srs)
 }
 
 // Copies one layer of source into the output parameter with GDALVectorTranslate and
-// args (format, layer options and the layer's name added).
-bool vectorTranslateInto(GdalJob& job, GDALDataset& source, OGRLayer& layer, ToolArgs args, const QString& what)
+// args (format, layer options and the layer's name added; no name when args hold
+// an SQL statement, whose result is the layer).
+bool vectorTranslateInto(GdalJob& job, GDALDataset& source, OGRLayer& layer, ToolArgs args, const QString& what,
+                         bool byName = true)
 {
     const OutputFile* output = job.PrepareOutput(kOut, OutputKind::Vector);
     if (!output)
@@ -97,10 +104,12 @@ bool vectorTranslateInto(GdalJob& job, GDALDataset& source, OGRLayer& layer, Too
     const QString& out = output->Path();
     const QString& driver = output->Driver();
     args << "-f" << driver;
-    const CPLStringList layerOptions = LayerOptionsFor(driver);
+    const CPLStringList layerOptions = LayerOptionsFor(job, driver);
     for (int i = 0; i < layerOptions.Count(); ++i)
         args << "-lco" << layerOptions[i];
-    args << QByteArray(layer.GetName());
+    args << job.Switches();
+    if (byName)
+        args << QByteArray(layer.GetName());
     VectorTranslateOptions options(GDALVectorTranslateOptionsNew(args.Argv(), nullptr));
     if (!options)
         return job.FailGdal(kBadParameter, QStringLiteral("%1: invalid options").arg(what));
@@ -186,7 +195,7 @@ bool runBuffer(GdalJob& job)
     // Multi-polygons throughout: a buffer may split or merge parts, and some formats
     // refuse a multi-polygon in a polygon layer.
     OGRLayer* target = ds->CreateLayer(QFileInfo(out).completeBaseName().toUtf8().constData(), layer->GetSpatialRef(),
-                                       wkbMultiPolygon, LayerOptionsFor(output->Driver()).List());
+                                       wkbMultiPolygon, LayerOptionsFor(job, output->Driver()).List());
     if (!target)
         return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create layer in %1").arg(out));
     OGRFeatureDefn* sourceDefn = layer->GetLayerDefn();
@@ -268,7 +277,9 @@ bool runRasterize(GdalJob& job)
         return false;
     args << "-l" << QByteArray(layer->GetName()) << "-te" << extent.MinX << extent.MaxY - rows * resolution
          << extent.MinX + columns * resolution << extent.MaxY << "-tr" << resolution << resolution << "-a_nodata" << noData
-         << "-init" << noData << "-ot" << GDALGetDataTypeName(type) << "-of" << target.ToolFormat();
+         << "-init" << noData << "-ot" << GDALGetDataTypeName(type);
+    target.AddFormat(args);
+    args << job.Switches();
     RasterizeOptions options(GDALRasterizeOptionsNew(args.Argv(), nullptr));
     if (!options)
         return job.FailGdal(kBadParameter, QStringLiteral("Rasterize: invalid options"));
@@ -282,6 +293,264 @@ bool runRasterize(GdalJob& job)
     return target.Commit(job, std::move(result));
 }
 
+// An SQL identifier, quoted for the SQLite dialect.
+QByteArray quotedName(const QByteArray& name)
+{
+    return '"' + QByteArray(name).replace('"', "\"\"") + '"';
+}
+
+// The geometry column of layer as the SQLite dialect names it.
+QByteArray geometryColumn(OGRLayer& layer)
+{
+    const char* name = layer.GetGeometryColumn();
+    return quotedName(name && *name ? QByteArray(name) : QByteArray("GEOMETRY"));
+}
+
+// Writes the result of statement (SQLite dialect) over layer into the output, as a
+// layer named after the output.
+bool sqlInto(GdalJob& job, GDALDataset& source, OGRLayer& layer, const QByteArray& statement, const QString& what)
+{
+    ToolArgs args;
+    args << "-dialect" << "SQLite" << "-sql" << statement << "-nln"
+         << QFileInfo(job.Text(kOut)).completeBaseName();
+    return vectorTranslateInto(job, source, layer, std::move(args), what, false);
+}
+
+bool runReproject(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src;
+    OGRLayer* layer = openLayer(job, in, src);
+    if (!layer)
+        return false;
+    OGRSpatialReference target;
+    if (!job.SpatialRef(QStringLiteral("Target SRS"), &target))
+        return false;
+    if (!layer->GetSpatialRef())
+        return job.Fail(kCannotOpenInput, QStringLiteral("Layer %1 of %2 has no spatial reference, so it cannot be reprojected")
+                                              .arg(layerName(*layer), in));
+    ToolArgs args;
+    args << "-t_srs" << wktOf(target);
+    return vectorTranslateInto(job, *src, *layer, std::move(args), QStringLiteral("Reprojecting %1").arg(layerName(*layer)));
+}
+
+bool runSql(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src;
+    OGRLayer* layer = openLayer(job, in, src);
+    if (!layer)
+        return false;
+    // Try the statement here first: the converter would only say that it failed.
+    const QByteArray statement = job.Text(QStringLiteral("SQL")).toUtf8();
+    const int failures = job.Errors().FailureCount();
+    OGRLayer* result = src->ExecuteSQL(statement.constData(), nullptr, "SQLite");
+    if (!result || job.Errors().FailureCount() > failures) {
+        if (result)
+            src->ReleaseResultSet(result);
+        return job.FailGdal(kBadParameter, QStringLiteral("SQL: the statement does not run over %1 (layers: %2)")
+                                               .arg(in, layerName(*layer)));
+    }
+    src->ReleaseResultSet(result);
+    return sqlInto(job, *src, *layer, statement, QStringLiteral("Querying %1").arg(layerName(*layer)));
+}
+
+bool runCentroids(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src;
+    OGRLayer* layer = openLayer(job, in, src);
+    if (!layer)
+        return false;
+    QByteArray columns;
+    OGRFeatureDefn* defn = layer->GetLayerDefn();
+    for (int i = 0; i < defn->GetFieldCount(); ++i)
+        columns += ", " + quotedName(defn->GetFieldDefn(i)->GetNameRef());
+    const QByteArray statement = "SELECT ST_Centroid(" + geometryColumn(*layer) + ") AS geometry" + columns + " FROM " +
+                                 quotedName(layer->GetName());
+    return sqlInto(job, *src, *layer, statement, QStringLiteral("Centroids of %1").arg(layerName(*layer)));
+}
+
+bool runDissolve(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src;
+    OGRLayer* layer = openLayer(job, in, src);
+    if (!layer)
+        return false;
+    QByteArray statement = "SELECT ST_Union(" + geometryColumn(*layer) + ") AS geometry";
+    const QString field = job.Text(QStringLiteral("Field"));
+    if (!field.isEmpty()) {
+        if (layer->GetLayerDefn()->GetFieldIndex(field.toUtf8().constData()) < 0)
+            return job.Fail(kBadParameter, QStringLiteral("Field: no field '%1' in layer %2 (fields: %3)")
+                                               .arg(field, layerName(*layer), fieldNames(*layer).join(QLatin1String(", "))));
+        const QByteArray column = quotedName(field.toUtf8());
+        statement += ", " + column + " FROM " + quotedName(layer->GetName()) + " GROUP BY " + column + " ORDER BY " + column;
+    } else {
+        statement += " FROM " + quotedName(layer->GetName());
+    }
+    return sqlInto(job, *src, *layer, statement, QStringLiteral("Dissolving %1").arg(layerName(*layer)));
+}
+
+bool runSpatialFilter(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src;
+    OGRLayer* layer = openLayer(job, in, src);
+    if (!layer)
+        return false;
+    std::vector<double> e;
+    if (!job.Doubles(QStringLiteral("Extent"), 4, &e))
+        return false;
+    if (e[0] >= e[2] || e[1] >= e[3])
+        return job.Fail(kBadParameter, QStringLiteral("Extent must be xmin,ymin,xmax,ymax with min below max"));
+    ToolArgs args;
+    args << "-spat" << e[0] << e[1] << e[2] << e[3];
+    if (job.Text(QStringLiteral("Clip")) == QLatin1String("1"))
+        args << "-clipsrc" << "spat_extent";
+    return vectorTranslateInto(job, *src, *layer, std::move(args), QStringLiteral("Filtering %1").arg(layerName(*layer)));
+}
+
+bool runClipExtent(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src;
+    OGRLayer* layer = openLayer(job, in, src);
+    if (!layer)
+        return false;
+    std::vector<double> e;
+    if (!job.Doubles(QStringLiteral("Extent"), 4, &e))
+        return false;
+    if (e[0] >= e[2] || e[1] >= e[3])
+        return job.Fail(kBadParameter, QStringLiteral("Extent must be xmin,ymin,xmax,ymax with min below max"));
+    ToolArgs args;
+    args << "-clipsrc" << e[0] << e[1] << e[2] << e[3];
+    return vectorTranslateInto(job, *src, *layer, std::move(args), QStringLiteral("Clipping %1").arg(layerName(*layer)));
+}
+
+bool runClipByPolygons(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src;
+    OGRLayer* layer = openLayer(job, in, src);
+    if (!layer)
+        return false;
+    const QString maskPath = job.Text(QStringLiteral("Mask File"));
+    GDALDatasetUniquePtr mask = job.OpenVector(maskPath); // guards it against the output too
+    if (!mask)
+        return false;
+    if (mask->GetLayerCount() == 0)
+        return job.Fail(kCannotOpenInput, QStringLiteral("%1 holds no vector layer").arg(maskPath));
+    ToolArgs args;
+    args << "-clipsrc" << QFile::encodeName(maskPath) << "-clipsrclayer" << QByteArray(mask->GetLayer(0)->GetName());
+    return vectorTranslateInto(job, *src, *layer, std::move(args), QStringLiteral("Clipping %1").arg(layerName(*layer)));
+}
+
+bool runGrid(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src;
+    OGRLayer* layer = openLayer(job, in, src);
+    if (!layer)
+        return false;
+    QString algorithm;
+    int width = 0, height = 0;
+    GDALDataType type = GDT_Unknown;
+    if (!job.OneOf(QStringLiteral("Method"), {"invdist", "average", "nearest", "linear"}, &algorithm)
+        || !job.Int(QStringLiteral("Width"), &width, 1, int(kMaxRasterSide)) || !job.Int(QStringLiteral("Height"), &height, 1, int(kMaxRasterSide))
+        || !job.DataType(QStringLiteral("Data Type"), &type))
+        return false;
+    ToolArgs args;
+    args << "-l" << QByteArray(layer->GetName()) << "-a" << algorithm << "-outsize" << double(width) << double(height)
+         << "-ot" << GDALGetDataTypeName(type);
+    const QString field = job.Text(QStringLiteral("Field"));
+    if (!field.isEmpty()) {
+        if (layer->GetLayerDefn()->GetFieldIndex(field.toUtf8().constData()) < 0)
+            return job.Fail(kBadParameter, QStringLiteral("Field: no field '%1' in layer %2 (fields: %3)")
+                                               .arg(field, layerName(*layer), fieldNames(*layer).join(QLatin1String(", "))));
+        args << "-zfield" << field;
+    }
+    RasterTarget target;
+    if (!target.Prepare(job, kOut))
+        return false;
+    target.AddFormat(args);
+    args << job.Switches();
+    GridOptions options(GDALGridOptionsNew(args.Argv(), nullptr));
+    if (!options)
+        return job.FailGdal(kBadParameter, QStringLiteral("Grid: invalid options"));
+    GdalProgress progress(job, QStringLiteral("Interpolating %1").arg(layerName(*layer)), 0.0, 90.0);
+    GDALGridOptionsSetProgress(options.get(), &GdalProgress::Function, &progress);
+    int usageError = FALSE;
+    GDALDatasetUniquePtr result(GDALDataset::FromHandle(
+        GDALGrid(target.ToolPath().constData(), GDALDataset::ToHandle(src.get()), options.get(), &usageError)));
+    if (!result)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("Interpolating %1 into %2 failed").arg(in, target.Path()));
+    return target.Commit(job, std::move(result));
+}
+
+bool runMerge(GdalJob& job)
+{
+    const QStringList paths = SplitPaths(job.Text(QStringLiteral("In Files")));
+    if (paths.isEmpty())
+        return job.Fail(kBadParameter, QStringLiteral("In Files lists no vector layer"));
+    std::vector<GDALDatasetUniquePtr> sources;
+    std::vector<OGRLayer*> layers;
+    for (const QString& path : paths) {
+        GDALDatasetUniquePtr ds = job.OpenVector(path);
+        if (!ds)
+            return false;
+        if (ds->GetLayerCount() == 0)
+            return job.Fail(kCannotOpenInput, QStringLiteral("%1 holds no vector layer").arg(path));
+        OGRLayer* layer = ds->GetLayer(0);
+        if (!layers.empty()) {
+            const OGRSpatialReference* a = layers.front()->GetSpatialRef();
+            const OGRSpatialReference* b = layer->GetSpatialRef();
+            if ((a == nullptr) != (b == nullptr) || (a && !a->IsSame(b)))
+                return job.Fail(kBadParameter, QStringLiteral("Cannot merge %1 with %2: their spatial references differ; reproject first")
+                                                   .arg(path, paths.front()));
+        }
+        layers.push_back(layer);
+        sources.push_back(std::move(ds));
+    }
+    const OutputFile* output = job.PrepareOutput(kOut, OutputKind::Vector);
+    if (!output)
+        return false;
+    const QString& out = output->Path();
+    const QByteArray name = QFileInfo(out).completeBaseName().toUtf8();
+    GDALDatasetH target = nullptr;
+    GdalProgress progress(job, QStringLiteral("Merging %1 layers").arg(paths.size()));
+    for (size_t i = 0; i < layers.size(); ++i) {
+        ToolArgs args;
+        if (i == 0) {
+            args << "-f" << output->Driver();
+            const CPLStringList layerOptions = LayerOptionsFor(job, output->Driver());
+            for (int o = 0; o < layerOptions.Count(); ++o)
+                args << "-lco" << layerOptions[o];
+            // Every part's geometries go into one layer: its type must take them all.
+            args << "-nlt" << "PROMOTE_TO_MULTI";
+        } else {
+            args << "-append" << "-nlt" << "PROMOTE_TO_MULTI";
+        }
+        args << "-nln" << name << job.Switches() << QByteArray(layers[i]->GetName());
+        VectorTranslateOptions options(GDALVectorTranslateOptionsNew(args.Argv(), nullptr));
+        if (!options)
+            return job.FailGdal(kBadParameter, QStringLiteral("Merge: invalid options"));
+        GDALDatasetH sourceHandle = GDALDataset::ToHandle(sources[i].get());
+        int usageError = FALSE;
+        const QByteArray path = QFile::encodeName(output->WritePath());
+        GDALDatasetH result = GDALVectorTranslate(target ? nullptr : path.constData(), target, 1, &sourceHandle, options.get(), &usageError);
+        if (!result) {
+            if (target)
+                GDALClose(target);
+            return job.FailGdal(kProcessingFailed, QStringLiteral("Merging %1 into %2 failed").arg(paths[int(i)], out));
+        }
+        target = result;
+        progress.Report(double(i + 1) / double(layers.size()));
+    }
+    GDALDatasetUniquePtr merged(GDALDataset::FromHandle(target));
+    return job.CloseOutput(merged, out);
+}
+
 } // namespace
 
 void RegisterVectorAlgorithms()
@@ -293,7 +562,7 @@ void RegisterVectorAlgorithms()
                       Optional(InputParam(QStringLiteral("Target SRS"), QStringLiteral("spatialReference"),
                                           QStringLiteral("Spatial reference to reproject into; empty keeps the layer's"))),
                       layerParam()}),
-        runTranslate);
+        runTranslate, GdalTool::VectorTranslate);
 
     RegisterGdalAlgorithm(
         vectorConfig("vector.attributeFilter", "Select by attribute",
@@ -302,7 +571,7 @@ void RegisterVectorAlgorithms()
                       InputParam(QStringLiteral("Where"), QStringLiteral("string"),
                                  QStringLiteral("SQL where clause on the layer's fields, e.g. population > 1000 AND type = 'city'")),
                       outVector("Matching features"), layerParam()}),
-        runAttributeFilter);
+        runAttributeFilter, GdalTool::VectorTranslate);
 
     RegisterGdalAlgorithm(
         vectorConfig("vector.buffer", "Buffer",
@@ -326,7 +595,93 @@ void RegisterVectorAlgorithms()
                       value("NoData", "float", "Value of pixels no feature covers", "0"),
                       value("Data Type", "string", "Byte, UInt16, Int16, UInt32, Int32, Float32 or Float64", "Float32"),
                       layerParam()}),
-        runRasterize);
+        runRasterize, GdalTool::Rasterize);
+
+    RegisterGdalAlgorithm(
+        vectorConfig("vector.reproject", "Reproject vector layer", "Reprojects a vector layer into another spatial reference.",
+                     {inVector("Vector layer to reproject; it must have a spatial reference"),
+                      InputParam(QStringLiteral("Target SRS"), QStringLiteral("spatialReference"),
+                                 QStringLiteral("Spatial reference to reproject into: EPSG code (EPSG:4326), WKT or PROJ string")),
+                      outVector("Reprojected layer"), layerParam()}),
+        runReproject, GdalTool::VectorTranslate);
+
+    RegisterGdalAlgorithm(
+        vectorConfig("vector.sql", "Execute SQL",
+                     "Writes the result of an SQL statement over a vector layer, in the SQLite dialect with its spatial functions.",
+                     {inVector(),
+                      InputParam(QStringLiteral("SQL"), QStringLiteral("string"),
+                                 QStringLiteral("Statement naming the layer as its table, e.g. SELECT name, ST_Buffer(geometry, 10) "
+                                                "AS geometry FROM towns WHERE pop > 1000")),
+                      outVector("Result of the statement"), layerParam()}),
+        runSql, GdalTool::VectorTranslate);
+
+    RegisterGdalAlgorithm(
+        vectorConfig("vector.centroids", "Centroids", "Replaces every geometry of a vector layer by its centroid, keeping attributes.",
+                     {inVector(), outVector("Points"), layerParam()}),
+        runCentroids, GdalTool::VectorTranslate);
+
+    RegisterGdalAlgorithm(
+        vectorConfig("vector.dissolve", "Dissolve",
+                     "Merges the geometries of a vector layer into one, or into one per value of a field.",
+                     {inVector(), outVector("Dissolved geometries"),
+                      Optional(InputParam(QStringLiteral("Field"), QStringLiteral("string"),
+                                          QStringLiteral("Field whose equal values are merged; empty merges everything"))),
+                      layerParam()}),
+        runDissolve, GdalTool::VectorTranslate);
+
+    RegisterGdalAlgorithm(
+        vectorConfig("vector.spatialFilter", "Select by extent",
+                     "Copies the features of a vector layer that intersect a rectangle, optionally cut to it.",
+                     {inVector(),
+                      InputParam(QStringLiteral("Extent"), QStringLiteral("string"),
+                                 QStringLiteral("Rectangle as xmin,ymin,xmax,ymax in the layer's coordinates")),
+                      outVector("Features inside"),
+                      WithDefault(value("Clip", "int", "1 cuts the geometries to the rectangle"), QStringLiteral("0")),
+                      layerParam()}),
+        runSpatialFilter, GdalTool::VectorTranslate);
+
+    RegisterGdalAlgorithm(
+        vectorConfig("vector.clipExtent", "Clip vector layer by extent",
+                     "Cuts the geometries of a vector layer to a rectangle; features outside it are dropped.",
+                     {inVector(),
+                      InputParam(QStringLiteral("Extent"), QStringLiteral("string"),
+                                 QStringLiteral("Rectangle as xmin,ymin,xmax,ymax in the layer's coordinates")),
+                      outVector("Clipped features"), layerParam()}),
+        runClipExtent, GdalTool::VectorTranslate);
+
+    RegisterGdalAlgorithm(
+        vectorConfig("vector.clipByPolygons", "Clip vector layer by polygons",
+                     "Cuts the geometries of a vector layer to the polygons of another; features outside them are dropped.",
+                     {inVector(),
+                      InputParam(QStringLiteral("Mask File"), QStringLiteral("file"),
+                                 QStringLiteral("Vector file whose first layer holds the polygons to keep"),
+                                 QString::fromLatin1(kVectorInputFilter)),
+                      outVector("Clipped features"), layerParam()}),
+        runClipByPolygons, GdalTool::VectorTranslate);
+
+    RegisterGdalAlgorithm(
+        vectorConfig("vector.grid", "Interpolate points to a grid",
+                     "Interpolates the values of points into a raster covering them, as gdal_grid does.",
+                     {inVector("Points"),
+                      OutputParam(kOut, QStringLiteral("file"), QStringLiteral("Raster to create; the extension picks the format"),
+                                  QString::fromLatin1(kRasterOutputFilter)),
+                      Optional(InputParam(QStringLiteral("Field"), QStringLiteral("string"),
+                                          QStringLiteral("Numeric field to interpolate; empty takes the points' Z"))),
+                      value("Method", "string", "invdist (inverse distance), average, nearest or linear", "invdist"),
+                      value("Width", "int", "Columns of the raster", "256"),
+                      value("Height", "int", "Rows of the raster", "256"),
+                      value("Data Type", "string", "Byte, UInt16, Int16, UInt32, Int32, Float32 or Float64", "Float64"),
+                      layerParam()}),
+        runGrid, GdalTool::Grid);
+
+    RegisterGdalAlgorithm(
+        vectorConfig("vector.merge", "Merge vector layers",
+                     "Copies the first layer of several files into one layer; fields are matched by name.",
+                     {InputParam(QStringLiteral("In Files"), QStringLiteral("multiFile"),
+                                 QStringLiteral("Vector files with the same spatial reference, separated by ';'"),
+                                 QString::fromLatin1(kVectorInputFilter)),
+                      outVector("Merged layer")}),
+        runMerge, GdalTool::VectorTranslate);
 }
 
 } // namespace HostRunner

@@ -50,6 +50,26 @@ bool APCAlgo::Check()
     return true;
 }
 
+QStringList APCAlgo::ParameterProblem() const
+{
+    // Before a run a var has no run value yet: its own value (a constant, a free input
+    // that was set) tells the output's format as well.
+    APCModel* model = GetModel();
+    QJsonObject values;
+    for (const APCParameter& p : GetParameters()) {
+        QString value = RunValueOf(model, p.value);
+        if (value.isEmpty())
+            if (const APCVar* var = ReferencedVar(model, p.value))
+                value = var->GetValue();
+        values.insert(p.name, value);
+    }
+    const QString text = QString::fromUtf8(QJsonDocument(values).toJson(QJsonDocument::Compact));
+    QString parameter, reason;
+    if (HostRunner::CheckParameters(GetProcessName(), text, &parameter, &reason))
+        return {};
+    return {parameter, reason};
+}
+
 void APCAlgo::ReadXml(const QDomNode& node)
 {
     if (node.isNull())

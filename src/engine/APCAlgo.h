@@ -2,6 +2,8 @@
 
 #include "model/APCProcess.h"
 
+#include <QStringList>
+
 #include <memory>
 
 namespace HostRunner {
@@ -26,6 +28,11 @@ public:
     APCObject* Clone() override;
     // Every parameter has a value or is optional.
     bool Check() override;
+    // What the host refuses of the parameters before any run (creation options the
+    // output format does not take, switches its utility does not read), as
+    // {parameter name, reason}; empty when it accepts them. Vars without a run value
+    // yet count with their own value.
+    QStringList ParameterProblem() const;
     // Takes name, display text and parameter settings from the catalogue; stored
     // values stay. Nothing changes for an algorithm the catalogue does not know.
     void SetProcessName(const QString& name) override;

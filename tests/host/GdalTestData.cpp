@@ -6,12 +6,14 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
+#include <QProcess>
 #include <gtest/gtest.h>
 
 #include <gdal_priv.h>
 #include <ogr_spatialref.h>
 #include <ogrsf_frmts.h>
 
+#include <cmath>
 #include <cstring>
 #include <memory>
 #include <mutex>
@@ -134,6 +136,12 @@ RasterInfo ReadRasterInfo(const QString& path)
     int hasNoData = FALSE;
     info.noData = ds->GetRasterBand(1)->GetNoDataValue(&hasNoData);
     info.hasNoData = hasNoData != 0;
+    info.compression = QString::fromLatin1(ds->GetMetadataItem("COMPRESSION", "IMAGE_STRUCTURE"));
+    info.layout = QString::fromLatin1(ds->GetMetadataItem("LAYOUT", "IMAGE_STRUCTURE"));
+    int blockHeight = 0;
+    ds->GetRasterBand(1)->GetBlockSize(&info.blockWidth, &blockHeight);
+    for (int i = 0; i < ds->GetRasterBand(1)->GetOverviewCount(); ++i)
+        info.overviewWidths.push_back(ds->GetRasterBand(1)->GetOverview(i)->GetXSize());
     return info;
 }
 
@@ -285,6 +293,64 @@ void ExpectFailures(const std::vector<BadInputCase>& cases, const QString& out, 
             EXPECT_TRUE(r.message.contains(part)) << r.message.toStdString() << " lacks " << part.toStdString();
         for (const QString& path : mustNotExist)
             EXPECT_FALSE(QFileInfo::exists(path)) << path.toStdString();
+    }
+}
+
+} // namespace GdalTestData
+
+namespace GdalTestData {
+
+int RunProgram(const QString& program, const QStringList& args, QByteArray* out)
+{
+    QProcess process;
+    process.start(program, args);
+    if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit)
+        return -1;
+    if (out)
+        *out = process.readAllStandardOutput();
+    return process.exitCode();
+}
+
+void ExpectSameAsReference(const QString& output, const QString& reference, Same how)
+{
+    if (how == Same::Bytes) {
+        QFile a(output), b(reference);
+        ASSERT_TRUE(a.open(QIODevice::ReadOnly) && b.open(QIODevice::ReadOnly));
+        const QByteArray x = a.readAll(), y = b.readAll();
+        int at = 0;
+        while (at < x.size() && at < y.size() && x[at] == y[at])
+            ++at;
+        EXPECT_TRUE(x == y) << output.toStdString() << " differs from " << reference.toStdString() << " at byte " << at << ": "
+                            << x.mid(std::max(0, at - 40), 80).toStdString() << " against " << y.mid(std::max(0, at - 40), 80).toStdString();
+        return;
+    }
+    if (how == Same::Features) {
+        const VectorInfo a = ReadVector(output), b = ReadVector(reference);
+        ASSERT_TRUE(a.ok && b.ok);
+        EXPECT_EQ(a.epsg, b.epsg);
+        ASSERT_EQ(a.features.size(), b.features.size());
+        for (size_t i = 0; i < a.features.size(); ++i) {
+            EXPECT_EQ(a.features[i].wkt, b.features[i].wkt) << i;
+            EXPECT_EQ(a.features[i].attributes, b.features[i].attributes) << i;
+        }
+        return;
+    }
+    const RasterInfo a = ReadRasterInfo(output), b = ReadRasterInfo(reference);
+    ASSERT_TRUE(a.ok && b.ok);
+    EXPECT_EQ(a.width, b.width);
+    EXPECT_EQ(a.height, b.height);
+    ASSERT_EQ(a.bands, b.bands);
+    EXPECT_EQ(a.dataType, b.dataType);
+    EXPECT_EQ(a.geoTransform, b.geoTransform);
+    EXPECT_EQ(a.epsg, b.epsg);
+    EXPECT_EQ(a.hasNoData, b.hasNoData);
+    for (int band = 1; band <= a.bands; ++band) {
+        const std::vector<double> va = ReadBand(output, band), vb = ReadBand(reference, band);
+        ASSERT_EQ(va.size(), vb.size());
+        size_t differ = 0;
+        for (size_t i = 0; i < va.size(); ++i)
+            differ += !(va[i] == vb[i] || (std::isnan(va[i]) && std::isnan(vb[i])));
+        EXPECT_EQ(differ, 0u) << "band " << band;
     }
 }
 

@@ -48,6 +48,10 @@ struct RasterInfo
     int epsg = 0;                     // 0 when none or not identifiable
     bool hasNoData = false;
     double noData = 0.0;
+    QString compression; // of the image structure: DEFLATE, LZW, ...; empty when none
+    QString layout;      // COG for a cloud-optimised GeoTIFF
+    int blockWidth = 0;  // of band 1
+    std::vector<int> overviewWidths; // of band 1
 };
 RasterInfo ReadRasterInfo(const QString& path);
 // Band values row by row; empty when the file or band does not open.
@@ -80,6 +84,16 @@ struct VectorInfo
     double extent[4] = {0, 0, 0, 0}; // xmin, ymin, xmax, ymax
 };
 VectorInfo ReadVector(const QString& path);
+
+// Runs one of GDAL's programs (gdaldem, gdal_translate, ...) and waits for it; its
+// exit code, -1 when it did not start or end. out gets its standard output.
+int RunProgram(const QString& program, const QStringList& args, QByteArray* out = nullptr);
+
+// What a reference comparison looks at: the files byte for byte, the rasters' size,
+// georeferencing and every band's values, or the vector layers' features.
+enum class Same { Bytes, Pixels, Features };
+// Expects the output of an algorithm to equal the reference a GDAL program wrote.
+void ExpectSameAsReference(const QString& output, const QString& reference, Same how);
 
 // A rectangle polygon as WKT.
 QString Box(double xmin, double ymin, double xmax, double ymax);

@@ -234,6 +234,224 @@ TEST_F(RasterAlgorithms, TerrainOfAnInclinedPlane)
     EXPECT_GT(ReadBand(Path("lit.tif"), 1)[40], ReadBand(Path("dark.tif"), 1)[40] + 20);
 }
 
+// Every algorithm that writes a raster passes its creation options to the format,
+// through a utility, a created file or a copy out of memory alike, and an empty
+// value writes what it wrote before.
+TEST_F(RasterAlgorithms, CreationOptionsReachEveryRasterOutput)
+{
+    const QString dem = Make("dem.tif", Sized(300, 300, 4), Where);
+    const QString vector = Path("box.gpkg");
+    ASSERT_TRUE(WriteVector(vector, 32633, {}, {{Box(500050, 3999650, 500300, 3999950), {}}}));
+    struct Case { const char* algorithm; QJsonObject params; };
+    const std::vector<Case> cases = {
+        {"raster.translate", {}},
+        {"raster.warp", {{"Target SRS", "EPSG:32633"}}},
+        {"raster.clipExtent", {{"X Min", "500000"}, {"Y Min", "3999800"}, {"X Max", "500200"}, {"Y Max", "4000000"}}},
+        {"raster.clipByPolygon", {{"Mask File", vector}}},
+        {"raster.mosaic", {{"In Files", dem}}},
+        {"raster.hillshade", {}},
+        {"raster.slope", {}},
+        {"raster.aspect", {}},
+        {"raster.ndvi", {}},
+        {"vector.rasterize", {{"In File", vector}, {"Resolution", "10"}}},
+    };
+    struct Options { const char* text; const char* extension; const char* compression; const char* layout; };
+    const Options options[] = {
+        {"", "tif", "", ""},
+        {"COMPRESS=DEFLATE;TILED=YES;BLOCKXSIZE=128;BLOCKYSIZE=128;NUM_THREADS=2", "tif", "DEFLATE", ""},
+        {"COG=YES;COMPRESS=LZW;BLOCKSIZE=128", "tif", "LZW", "COG"},
+        {"COMPRESS=LZW", "img", "", ""}, // HFA compresses by YES or NO only: refused before the run
+    };
+    for (const Case& c : cases) {
+        for (const Options& o : options) {
+            SCOPED_TRACE(std::string(c.algorithm) + " " + o.text);
+            QJsonObject params = c.params;
+            if (!params.contains("In File"))
+                params["In File"] = dem;
+            const QString out = Path(QStringLiteral("out-%1.%2").arg(c.algorithm, o.extension));
+            params["Out File"] = out;
+            params["Creation options"] = o.text;
+            const RunResult r = RunAlgorithm(c.algorithm, params);
+            if (QString(o.extension) == "img" && QString(o.text).size()) {
+                EXPECT_EQ(r.ok, 0);
+                EXPECT_TRUE(r.message.contains("Creation options: 'LZW' is an unexpected value for COMPRESS creation option of type boolean"))
+                    << r.message.toStdString();
+                EXPECT_FALSE(QFileInfo::exists(out));
+                continue;
+            }
+            ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+            const RasterInfo info = ReadRasterInfo(out);
+            EXPECT_EQ(info.compression, o.compression);
+            EXPECT_EQ(info.layout, o.layout);
+            if (QString(o.text).contains("128"))
+                EXPECT_EQ(info.blockWidth, 128);
+            else
+                EXPECT_NE(info.blockWidth, 128);
+        }
+    }
+}
+
+// Each algorithm built on a GDAL utility writes what the GDAL program writes given the
+// same options: byte for byte where GDAL writes deterministically.
+TEST_F(RasterAlgorithms, GdalProgramsGiveTheSameContent)
+{
+    const auto hills = [](int, int x, int y) { return 100 + 10 * std::sin(x / 7.0) * std::cos(y / 5.0) + 0.5 * x; };
+    const QString dem = Make("dem.tif", Sized(60, 50), hills);
+    Grid left = Sized(30, 50), right = Sized(30, 50);
+    right.originX += 300;
+    const QString west = Make("west.tif", left, hills);
+    const QString east = Make("east.tif", right, [&](int b, int x, int y) { return hills(b, x + 30, y); });
+    const QString image = Make("image.tif", Sized(60, 50, 3, "Byte"),
+                               [](int b, int x, int y) { return x < 4 || y > 45 ? 3 + b : 60 + x + y; });
+    // Without a spatial reference: how GDAL words one depends on what the process did before.
+    Grid unreferenced = Sized(6, 5);
+    unreferenced.epsg = 0;
+    const QString plain = Make("plain.tif", unreferenced, hills);
+    const QString table = Path("colours.txt");
+    ASSERT_TRUE(TestSupport::WriteAll(table, "90 0 0 255\n115 0 255 0\n140 255 0 0\nnv 0 0 0\n"));
+    const QString cutline = Path("cut.gpkg");
+    ASSERT_TRUE(WriteVector(cutline, 32633, {}, {{Box(500100, 3999600, 500450, 3999900), {}}}));
+    const QStringList dem1 = {"-b", "1", "-compute_edges"};
+    struct Case { const char* algorithm; QJsonObject params; const char* out; const char* program; QStringList args; Same same; };
+    const std::vector<Case> cases = {
+        {"raster.hillshade", {{"Z Factor", "2"}, {"Azimuth", "200"}}, "hs.tif", "gdaldem",
+         QStringList{"hillshade", dem, "%ref", "-z", "2", "-s", "1", "-az", "200", "-alt", "45"} + dem1, Same::Bytes},
+        {"raster.slope", {{"Units", "percent"}}, "slope.tif", "gdaldem", QStringList{"slope", dem, "%ref", "-s", "1", "-p"} + dem1, Same::Bytes},
+        {"raster.aspect", {}, "aspect.tif", "gdaldem", QStringList{"aspect", dem, "%ref"} + dem1, Same::Bytes},
+        {"raster.colorRelief", {{"Color Table", table}}, "relief.tif", "gdaldem", QStringList{"color-relief", dem, table, "%ref"} + dem1, Same::Bytes},
+        {"raster.colorRelief", {{"Color Table", table}, {"Matching", "nearest"}, {"Alpha", "1"}}, "nearest.tif", "gdaldem",
+         QStringList{"color-relief", dem, table, "%ref", "-nearest_color_entry", "-alpha"} + dem1, Same::Bytes},
+        {"raster.tri", {{"Method", "Wilson"}}, "tri.tif", "gdaldem", QStringList{"TRI", dem, "%ref", "-alg", "Wilson"} + dem1, Same::Bytes},
+        {"raster.tpi", {}, "tpi.tif", "gdaldem", QStringList{"TPI", dem, "%ref"} + dem1, Same::Bytes},
+        {"raster.roughness", {{"Creation options", "COMPRESS=DEFLATE"}}, "rough.tif", "gdaldem",
+         QStringList{"roughness", dem, "%ref"} + dem1 + QStringList{"-co", "COMPRESS=DEFLATE"}, Same::Bytes},
+        {"raster.translate", {{"Additional options", "-scale 90 140 1 255 -ot Byte -outsize 30 25 -r average -a_nodata 0"}},
+         "scaled.tif", "gdal_translate", {"-scale", "90", "140", "1", "255", "-ot", "Byte", "-outsize", "30", "25", "-r", "average",
+                                           "-a_nodata", "0", dem, "%ref"}, Same::Bytes},
+        {"raster.warp", {{"Target SRS", "EPSG:4326"}, {"Resampling", "bilinear"}, {"Cutline", cutline}}, "warped.tif", "gdalwarp",
+         {"-t_srs", "EPSG:4326", "-r", "bilinear", "-cutline", cutline, dem, "%ref"}, Same::Pixels},
+        {"raster.resample", {{"Resolution", "25"}, {"Resampling", "average"}}, "coarse.tif", "gdalwarp",
+         {"-tr", "25", "25", "-r", "average", dem, "%ref"}, Same::Bytes},
+        {"raster.buildVrt", {{"In Files", west + ";" + east}}, "both.vrt", "gdalbuildvrt", {"-resolution", "average", "%ref", west, east}, Same::Pixels},
+        {"raster.buildVrt", {{"In Files", west + ";" + east}, {"Separate", "1"}}, "bands.vrt", "gdalbuildvrt",
+         {"-separate", "%ref", west, east}, Same::Pixels},
+        {"raster.nearblack", {{"Near", "10"}}, "clean.tif", "nearblack", {"-near", "10", "-o", "%ref", image}, Same::Bytes},
+        {"raster.nearblack", {{"Color", "white"}, {"Additional options", "-setalpha"}}, "alpha.tif", "nearblack",
+         {"-white", "-near", "15", "-setalpha", "-o", "%ref", image}, Same::Bytes},
+        {"raster.info", {}, "info.json", "gdalinfo", {"-json", plain}, Same::Bytes},
+        {"raster.info", {{"Additional options", "-nomd -norat"}}, "info.txt", "gdalinfo", {"-nomd", "-norat", plain}, Same::Bytes},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.algorithm) + " " + c.out);
+        QJsonObject params = c.params;
+        if (!params.contains("In Files"))
+            params["In File"] = QString(c.algorithm) == "raster.nearblack" ? image : QString(c.algorithm) == "raster.info" ? plain : dem;
+        const QString out = Path(QString("out-") + c.out), ref = Path(QString("ref-") + c.out);
+        params["Out File"] = out;
+        const RunResult r = RunAlgorithm(c.algorithm, params);
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        QStringList args = c.args;
+        args.replaceInStrings("%ref", ref);
+        QByteArray printed;
+        ASSERT_EQ(RunProgram(c.program, args, &printed), 0) << args.join(' ').toStdString();
+        if (!args.contains(ref)) {
+            ASSERT_TRUE(TestSupport::WriteAll(ref, printed));
+        }
+        ExpectSameAsReference(out, ref, c.same);
+    }
+}
+
+// The calculator gives what gdal_calc.py gives for the same expression, bands, type
+// and no-data; and an expression that does not read is refused naming the letters.
+TEST_F(RasterAlgorithms, CalculatorMatchesGdalCalc)
+{
+    Grid g = Sized(70, 40, 2, "Float64");
+    g.hasNoData = true;
+    g.noData = -1;
+    const QString a = Make("a.tif", g, [](int b, int x, int y) { return x == 3 && y == 5 ? -1 : 50 + b * x + 0.37 * y; });
+    const QString b = Make("b.tif", g, [](int b, int x, int y) { return y == 7 ? -1 : 20 + 3.1 * b + 0.5 * std::sin(x * y); });
+    struct Case { const char* name; QJsonObject params; QStringList calc; };
+    const std::vector<Case> cases = {
+        {"a normalised difference with no-data", {{"In Files", a + ";" + b}, {"Expression", "(A - B) / (A + B)"}, {"Data Type", "Float64"}, {"NoData", "-9999"}},
+         {"-A", a, "-B", b, "--calc=(A-B)/(A+B)", "--type=Float64", "--NoDataValue=-9999"}},
+        {"chosen bands into bytes", {{"In Files", a + ";" + b}, {"Bands", "2,1"}, {"Expression", "A > 100 && B < 23.5 ? 7 : 1"}, {"Data Type", "Byte"}, {"NoData", "0"}},
+         {"-A", a, "--A_band=2", "-B", b, "--B_band=1", "--calc=where((A>100)*(B<23.5),7,1)", "--type=Byte", "--NoDataValue=0"}},
+        {"functions of one input", {{"In Files", b}, {"Expression", "sqrt(abs(A)) + abs(A - 21)"}, {"Data Type", "Float64"}, {"NoData", "-5"}},
+         {"-A", b, "--calc=sqrt(abs(A))+abs(A-21)", "--type=Float64", "--NoDataValue=-5"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        QJsonObject params = c.params;
+        const QString out = Path("calc.tif"), ref = Path("ref.tif");
+        QFile::remove(ref);
+        params["Out File"] = out;
+        const RunResult r = RunAlgorithm("raster.calculator", params);
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        ASSERT_EQ(RunProgram("/usr/bin/python3", QStringList{"/usr/bin/gdal_calc.py", "--quiet", "--outfile=" + ref} + c.calc), 0);
+        ExpectSameAsReference(out, ref, Same::Pixels);
+    }
+    const RunResult bad = RunAlgorithm("raster.calculator", {{"In Files", a + ";" + b}, {"Expression", "A + C"}, {"Out File", Path("bad.tif")}});
+    EXPECT_EQ(bad.code, 20);
+    EXPECT_TRUE(bad.message.contains("Expression 'A + C': Unexpected token \"C\"") && bad.message.contains("the inputs are A to B"))
+        << bad.message.toStdString();
+}
+
+// The algorithms of GDAL's analysis library give what its programs give.
+TEST_F(RasterAlgorithms, AnalysesMatchTheGdalPrograms)
+{
+    const auto hills = [](int, int x, int y) { return 100 + 10 * std::sin(x / 7.0) * std::cos(y / 5.0) + 0.5 * x; };
+    const QString dem = Make("dem.tif", Sized(60, 50), hills);
+    Grid classes = Sized(40, 30, 1, "Byte");
+    classes.hasNoData = true;
+    classes.noData = 0;
+    // Blocks of classes with specks, and holes of no-data.
+    const QString map = Make("classes.tif", classes, [](int, int x, int y) {
+        if ((x * 7 + y * 3) % 23 == 0)
+            return 9.0;
+        if (x > 30 && y > 20)
+            return 0.0;
+        return double(1 + x / 10 + (y / 10) % 2);
+    });
+    const QString py = "/usr/bin/python3";
+    struct Case { const char* algorithm; QJsonObject params; const char* out; QString program; QStringList args; Same same; };
+    const std::vector<Case> cases = {
+        {"raster.proximity", {{"In File", map}, {"Values", "9"}, {"Units", "GEO"}, {"Max Distance", "60"}}, "prox.tif", py,
+         {"/usr/bin/gdal_proximity.py", "-q", map, "%ref", "-values", "9", "-distunits", "GEO", "-maxdist", "60", "-ot", "Float32"}, Same::Pixels},
+        {"raster.sieve", {{"In File", map}, {"Threshold", "3"}, {"Connectedness", "8"}}, "sieve.tif", py,
+         {"/usr/bin/gdal_sieve.py", "-q", "-st", "3", "-8", map, "%ref"}, Same::Pixels},
+        {"raster.fillNoData", {{"In File", map}, {"Max Distance", "20"}, {"Smoothing", "1"}}, "filled.tif", py,
+         {"/usr/bin/gdal_fillnodata.py", "-q", "-md", "20", "-si", "1", map, "%ref"}, Same::Pixels},
+        {"raster.contour", {{"In File", dem}, {"Interval", "5"}, {"Base", "2"}}, "lines.gpkg", "gdal_contour",
+         {"-q", "-i", "5", "-off", "2", "-a", "elev", dem, "%ref"}, Same::Features},
+        {"raster.contourPolygons", {{"In File", dem}, {"Interval", "10"}}, "bands.gpkg", "gdal_contour",
+         {"-q", "-p", "-i", "10", "-amin", "amin", "-amax", "amax", dem, "%ref"}, Same::Features},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.algorithm);
+        QJsonObject params = c.params;
+        const QString out = Path(QString("out-") + c.out), ref = Path(QString("ref-") + c.out);
+        params["Out File"] = out;
+        const RunResult r = RunAlgorithm(c.algorithm, params);
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        QStringList args = c.args;
+        args.replaceInStrings("%ref", ref);
+        ASSERT_EQ(RunProgram(c.program, args), 0) << args.join(' ').toStdString();
+        ExpectSameAsReference(out, ref, c.same);
+    }
+    EXPECT_GT(ReadVector(Path("out-lines.gpkg")).features.size(), 3u);
+
+    // Overviews as gdaladdo builds them, on a copy of the input.
+    const QString copy = Path("ovr.tif"), ref = Path("ovr-ref.tif");
+    const RunResult r = RunAlgorithm("raster.overviews", {{"In File", dem}, {"Out File", copy}, {"Levels", "2 4"}, {"Resampling", "average"}});
+    ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+    ASSERT_EQ(RunProgram("gdal_translate", {"-q", dem, ref}), 0);
+    ASSERT_EQ(RunProgram("gdaladdo", {"-q", "-r", "average", ref, "2", "4"}), 0);
+    ExpectSameAsReference(copy, ref, Same::Pixels);
+    EXPECT_EQ(ReadRasterInfo(copy).overviewWidths, (std::vector<int>{30, 15}));
+    EXPECT_EQ(ReadRasterInfo(copy).overviewWidths, ReadRasterInfo(ref).overviewWidths);
+    EXPECT_EQ(ReadBand(dem, 1), ReadBand(copy, 1));
+}
+
 TEST_F(RasterAlgorithms, NdviFromChosenBandsWithNoData)
 {
     const double none = -9999;
@@ -359,6 +577,15 @@ TEST_F(RasterAlgorithms, BadInputGivesCodeAndMessageAndNoOutput)
         {"folder is a file", "raster.ndvi", {{"In File", other}, {"Red Band", "1"}, {"NIR Band", "2"}, {"Out File", text + "/x.tif"}}, 22, {"is not a folder"}},
         {"output is the input", "raster.translate", {{"In File", in}, {"Out File", in}}, 20, {"also an input"}},
         {"format refuses the bands", "raster.translate", {{"In File", other}, {"Out File", Path("out.asc")}}, 23, {"out.asc", "band"}},
+        {"calculator over unlike sizes", "raster.calculator", {{"In Files", in + ";" + Make("big.tif", Sized(5, 4), Where)}, {"Expression", "A + B"}},
+         20, {"is 5 x 4 pixels", "the same size"}},
+        {"calculator band past the end", "raster.calculator", {{"In Files", in + ";" + other}, {"Bands", "1,3"}, {"Expression", "A"}}, 20, {"Band 3 of B"}},
+        {"colour table missing", "raster.colorRelief", {{"In File", in}, {"Color Table", Path("none.txt")}}, 21, {"colour table", Path("none.txt")}},
+        {"contour interval zero", "raster.contour", {{"In File", in}, {"Interval", "0"}, {"Out File", Path("c.gpkg")}}, 20, {"Interval must be positive"}},
+        {"cutline that is no vector", "raster.warp", {{"In File", in}, {"Target SRS", "EPSG:4326"}, {"Cutline", text}}, 21, {"Cannot open vector layer", text}},
+        {"virtual raster of a missing file", "raster.buildVrt", {{"In Files", Path("gone.tif")}, {"Out File", Path("v.vrt")}}, 21, {Path("gone.tif")}},
+        {"virtual raster as a GeoTIFF", "raster.buildVrt", {{"In Files", in}}, 20, {".tif is not a virtual raster format", ".vrt"}},
+        {"report as a raster", "raster.info", {{"In File", in}}, 20, {".tif is not a report format", ".json, .txt"}},
     };
     const QByteArray original = TestSupport::ReadAll(in);
     ExpectFailures(cases, out, {out, Path("out.asc")});
@@ -418,6 +645,7 @@ TEST(AlgorithmCatalogue, EveryBuiltinIsDescribedConsistently)
         EXPECT_FALSE(c->displayText.isEmpty());
         EXPECT_TRUE(c->help.endsWith('.'));
         int outputs = 0;
+        bool rasterOut = false, vectorOut = false;
         QStringList seen;
         for (const Plugin::Param& p : c->params) {
             SCOPED_TRACE(p.name.toStdString());
@@ -430,8 +658,20 @@ TEST(AlgorithmCatalogue, EveryBuiltinIsDescribedConsistently)
             EXPECT_EQ(typeParam.contains("filter"), p.type == "file" || p.type == "multiFile");
             outputs += p.direction == 1;
             EXPECT_FALSE(p.direction == 1 && p.isOptional);
+            rasterOut |= p.direction == 1 && p.typeParam.contains("GeoTIFF");
+            vectorOut |= p.direction == 1 && p.typeParam.contains("Shapefile");
         }
         EXPECT_EQ(outputs, 1);
+        // Every raster output takes creation options, every vector output layer ones, as
+        // optional parameters after the algorithm's own, which saved models hold in order.
+        EXPECT_EQ(seen.contains("Creation options"), rasterOut);
+        EXPECT_EQ(seen.contains("Layer creation options"), vectorOut);
+        for (int i = 0; i < c->params.size(); ++i)
+            if (c->params[i].name.endsWith(" options")) {
+                SCOPED_TRACE(c->params[i].name.toStdString());
+                EXPECT_TRUE(c->params[i].isOptional && c->params[i].defaultValue.isEmpty());
+                EXPECT_GE(i, c->params.size() - 2);
+            }
     }
     EXPECT_GE(builtins, 12);
 }

@@ -173,6 +173,7 @@ TEST_F(VectorAlgorithms, ReplacesAnExistingOutput)
 
 TEST_F(VectorAlgorithms, BadInputGivesCodeAndMessageAndNoOutput)
 {
+    ASSERT_TRUE(WriteVector(Path("wgs.geojson"), 4326, {}, {{"POINT (15 36)", {}}}));
     const QString bare = Path("bare.shp");
     ASSERT_TRUE(WriteVector(bare, 0, {}, {{"POINT (1 2)", {}}}));
     const QString empty = Path("empty.gpkg");
@@ -197,9 +198,103 @@ TEST_F(VectorAlgorithms, BadInputGivesCodeAndMessageAndNoOutput)
         {"empty layer", "vector.rasterize", {{"In File", empty}, {"Resolution", "10"}, {"Out File", Path("out.tif")}}, 21, {"nothing to rasterize"}},
         {"folder cannot be made", "vector.buffer", {{"In File", towns}, {"Distance", "1"}, {"Out File", raster + "/sub/out.shp"}}, 22, {"cannot create folder", raster + "/sub"}},
         {"output is the input", "vector.translate", {{"In File", towns}, {"Out File", towns}}, 20, {"also an input"}},
+        {"SQL that does not run", "vector.sql", {{"In File", towns}, {"SQL", "SELECT nothing FROM towns"}}, 20, {"SQL: the statement does not run", "nothing"}},
+        {"dissolve by a missing field", "vector.dissolve", {{"In File", halves}, {"Field", "kind"}}, 20, {"no field 'kind'", "class"}},
+        {"merge of unlike projections", "vector.merge", {{"In Files", towns + ";" + Path("wgs.geojson")}}, 20, {"spatial references differ"}},
+        {"extent upside down", "vector.spatialFilter", {{"In File", towns}, {"Extent", "2,0,1,1"}}, 20, {"min below max"}},
     };
     const QByteArray original = TestSupport::ReadAll(towns);
     ExpectFailures(cases, out, {out, Path("out.tif")});
     EXPECT_EQ(TestSupport::ReadAll(towns), original);
     EXPECT_EQ(ReadVector(towns).features.size(), 5u);
+}
+
+// Every algorithm that writes a vector layer passes its layer creation options to the
+// format, and one built on ogr2ogr its switches to ogr2ogr's parser; CSV keeps its
+// geometry unless they ask otherwise.
+TEST_F(VectorAlgorithms, LayerOptionsAndSwitchesReachTheOutput)
+{
+    const QString raster = Path("grid.tif");
+    ASSERT_TRUE(WriteRaster(raster, Grid(), [](int, int x, int) { return double(x / 4); }));
+    struct Case { const char* algorithm; QJsonObject params; const char* options; const char* out; QStringList in, notIn; };
+    const std::vector<Case> cases = {
+        {"vector.translate", {{"In File", towns}}, "", "t.geojson", {"\"name\": \"t"}, {}},
+        {"vector.translate", {{"In File", towns}}, "WRITE_NAME=NO", "t.geojson", {"\"pop\": 1200"}, {"\"name\": \"t"}},
+        {"vector.attributeFilter", {{"In File", towns}, {"Where", "pop > 100"}}, "WRITE_NAME=NO", "t.geojson", {"\"C\""}, {"\"name\": \"t", "\"A\""}},
+        {"vector.buffer", {{"In File", towns}, {"Distance", "1"}}, "WRITE_NAME=NO", "t.geojson", {"MultiPolygon"}, {"\"name\": \"t"}},
+        {"raster.polygonize", {{"In File", raster}}, "WRITE_NAME=NO", "t.geojson", {"\"value\": 1"}, {"\"name\": \"t"}},
+        {"vector.buffer", {{"In File", towns}, {"Distance", "1"}}, "", "t.csv", {"WKT,name,pop", "\"MULTIPOLYGON (("}, {}},
+        {"vector.translate", {{"In File", towns}}, "GEOMETRY=AS_XY;SEPARATOR=SEMICOLON", "t.csv", {"X;Y;name;pop", "500100;4000000;B;"}, {"POINT"}},
+        {"vector.translate", {{"In File", towns}, {"Additional options", "-select pop -where \"name = 'E'\""}}, "", "t.geojson",
+         {"\"pop\": 300"}, {"\"name\": \"E\"", "\"D\""}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.algorithm) + " " + c.options + " " + c.out);
+        QJsonObject params = c.params;
+        params["Out File"] = Path(c.out);
+        params["Layer creation options"] = c.options;
+        const RunResult r = RunAlgorithm(c.algorithm, params);
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        const QByteArray text = TestSupport::ReadAll(Path(c.out));
+        for (const QString& s : c.in)
+            EXPECT_TRUE(text.contains(s.toUtf8())) << s.toStdString() << "\n" << text.left(600).constData();
+        for (const QString& s : c.notIn)
+            EXPECT_FALSE(text.contains(s.toUtf8())) << s.toStdString() << "\n" << text.left(600).constData();
+    }
+}
+
+// Each algorithm gives the features ogr2ogr gives with the same options.
+TEST_F(VectorAlgorithms, Ogr2ogrGivesTheSameFeatures)
+{
+    const QString parcels = Path("parcels.shp");
+    ASSERT_TRUE(WriteVector(parcels, 32633, {{"class", Field::Integer}},
+                            {{Box(500000, 4000000, 500050, 4000100), {{"class", 1}}},
+                             {Box(500050, 4000000, 500100, 4000100), {{"class", 1}}},
+                             {Box(500100, 4000000, 500160, 4000080), {{"class", 2}}}}));
+    const QString more = Path("more.geojson");
+    ASSERT_TRUE(WriteVector(more, 32633, {{"name", Field::String}}, {{"POINT (500500 4000500)", {{"name", "F"}}}}));
+    const char* sql = "SELECT name, pop * 2 AS twice FROM towns WHERE pop > 100 ORDER BY pop";
+    const QString centroids = "SELECT ST_Centroid(\"GEOMETRY\") AS geometry, \"class\" FROM \"parcels\"";
+    const QString dissolve = "SELECT ST_Union(\"GEOMETRY\") AS geometry, \"class\" FROM \"parcels\" GROUP BY \"class\" ORDER BY \"class\"";
+    struct Case { const char* algorithm; QJsonObject params; QStringList args; QStringList then; size_t features; };
+    const std::vector<Case> cases = {
+        {"vector.reproject", {{"In File", towns}, {"Target SRS", "EPSG:4326"}}, {"-t_srs", "EPSG:4326", "%ref", towns}, {}, 5},
+        {"vector.sql", {{"In File", towns}, {"SQL", sql}}, {"-dialect", "SQLite", "-sql", sql, "%ref", towns}, {}, 3},
+        {"vector.centroids", {{"In File", parcels}}, {"-dialect", "SQLite", "-sql", centroids, "%ref", parcels}, {}, 3},
+        {"vector.dissolve", {{"In File", parcels}, {"Field", "class"}}, {"-dialect", "SQLite", "-sql", dissolve, "%ref", parcels}, {}, 2},
+        {"vector.spatialFilter", {{"In File", towns}, {"Extent", "500050,3999990,500250,4000150"}},
+         {"-spat", "500050", "3999990", "500250", "4000150", "%ref", towns}, {}, 2},
+        {"vector.spatialFilter", {{"In File", parcels}, {"Extent", "500025 3999990 500120 4000050"}, {"Clip", "1"}},
+         {"-spat", "500025", "3999990", "500120", "4000050", "-clipsrc", "spat_extent", "%ref", parcels}, {}, 3},
+        {"vector.clipExtent", {{"In File", parcels}, {"Extent", "500025,3999990,500120,4000050"}},
+         {"-clipsrc", "500025", "3999990", "500120", "4000050", "%ref", parcels}, {}, 3},
+        {"vector.clipByPolygons", {{"In File", parcels}, {"Mask File", halves}}, {"-clipsrc", halves, "-clipsrclayer", "halves", "%ref", parcels}, {}, 2},
+        {"vector.merge", {{"In Files", towns + ";" + more}}, {"-nlt", "PROMOTE_TO_MULTI", "-nln", "merged", "%ref", towns},
+         {"-append", "-nlt", "PROMOTE_TO_MULTI", "-nln", "merged", "%ref", more}, 6},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.algorithm);
+        QJsonObject params = c.params;
+        const QString out = Path("out.gpkg"), ref = Path("ref.gpkg");
+        QFile::remove(ref);
+        params["Out File"] = out;
+        const RunResult r = RunAlgorithm(c.algorithm, params);
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        for (QStringList args : {c.args, c.then}) {
+            if (args.isEmpty())
+                continue;
+            args.replaceInStrings("%ref", ref);
+            ASSERT_EQ(RunProgram("ogr2ogr", args), 0) << args.join(' ').toStdString();
+        }
+        ExpectSameAsReference(out, ref, Same::Features);
+        EXPECT_EQ(ReadVector(out).features.size(), c.features);
+    }
+    // Points into a grid, as gdal_grid interpolates them.
+    const QString grid = Path("grid.tif"), ref = Path("grid-ref.tif");
+    const RunResult r = RunAlgorithm("vector.grid", {{"In File", towns}, {"Out File", grid}, {"Field", "pop"}, {"Width", "20"}, {"Height", "15"},
+                                                     {"Additional options", "-txe 500000 500400 -tye 4000300 4000000"}});
+    ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+    ASSERT_EQ(RunProgram("gdal_grid", {"-q", "-l", "towns", "-a", "invdist", "-outsize", "20", "15", "-ot", "Float64", "-zfield", "pop",
+                                       "-txe", "500000", "500400", "-tye", "4000300", "4000000", towns, ref}), 0);
+    ExpectSameAsReference(grid, ref, Same::Bytes);
 }

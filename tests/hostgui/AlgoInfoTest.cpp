@@ -34,7 +34,7 @@ protected:
         ASSERT_NE(Plugin::Metadata::Instance("")->GetConfig("raster.aspect"), nullptr);
     }
 
-    // The aspect algorithm: "In File" and "Out File" required, "Band" defaults to 1.
+    // The aspect algorithm: "In File" and "Out File" required, "Band" defaults to 1; the options are optional.
     std::unique_ptr<AlgoInfo> aspect()
     {
         return std::unique_ptr<AlgoInfo>(Plugin::GetAlgoInfo("raster.aspect", nullptr));
@@ -60,7 +60,7 @@ TEST_F(AlgoInfoForm, ShowsTheCatalogueWithDefaultsAndMarksWhatIsRequired)
     auto info = aspect();
     QDialog* form = info->GetAlgoDialog();
     EXPECT_EQ(form->windowTitle(), "Aspect");
-    EXPECT_EQ(info->GetAlgoParams(), R"({"In File":"","Band":"1","Out File":""})");
+    EXPECT_EQ(info->GetAlgoParams(), R"({"In File":"","Band":"1","Out File":"","Creation options":"","Additional options":""})");
     struct Case { const char* name; bool required; };
     for (const Case& c : {Case{"In File", true}, Case{"Band", false}, Case{"Out File", true}}) {
         SCOPED_TRACE(c.name);
@@ -76,15 +76,15 @@ TEST_F(AlgoInfoForm, ParameterTextRoundTrips)
     struct Case { const char* name; QString in; QString out; };
     const Case cases[] = {
         {"dialog text with blanks after commas", R"({"In File":"/d/a.tif", "Band":"2", "Out File":"/d/\"b\".tif"})",
-         R"({"In File":"/d/a.tif","Band":"2","Out File":"/d/\"b\".tif"})"},
+         R"({"In File":"/d/a.tif","Band":"2","Out File":"/d/\"b\".tif","Creation options":"","Additional options":""})"},
         {"var references survive any type", "{\"In File\":\"" + kRef + "\",\"Band\":\"" + kRef + "\"}",
-         "{\"In File\":\"" + kRef + "\",\"Band\":\"" + kRef + "\",\"Out File\":\"\"}"},
+         "{\"In File\":\"" + kRef + "\",\"Band\":\"" + kRef + "\",\"Out File\":\"\",\"Creation options\":\"\",\"Additional options\":\"\"}"},
         {"missing members keep their values, unknown ones are kept", R"({"Stale":"x","Out File":"o"})",
-         R"({"In File":"","Band":"1","Out File":"o","Stale":"x"})"},
-        {"bad JSON changes nothing", R"({"In File":"/d/a.tif")", R"({"In File":"","Band":"1","Out File":""})"},
-        {"no object changes nothing", "[]", R"({"In File":"","Band":"1","Out File":""})"},
+         R"({"In File":"","Band":"1","Out File":"o","Creation options":"","Additional options":"","Stale":"x"})"},
+        {"bad JSON changes nothing", R"({"In File":"/d/a.tif")", R"({"In File":"","Band":"1","Out File":"","Creation options":"","Additional options":""})"},
+        {"no object changes nothing", "[]", R"({"In File":"","Band":"1","Out File":"","Creation options":"","Additional options":""})"},
         {"beyond ASCII is escaped", QString::fromUtf8(R"({"In File":"/Höhe/ä.tif"})"),
-         R"({"In File":"/H\u00f6he/\u00e4.tif","Band":"1","Out File":""})"},
+         R"({"In File":"/H\u00f6he/\u00e4.tif","Band":"1","Out File":"","Creation options":"","Additional options":""})"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -129,7 +129,7 @@ TEST_F(AlgoInfoForm, OkRefusesAnEmptyRequiredValueThenKeepsWhatWasTyped)
     });
     EXPECT_EQ(form->exec(), QDialog::Accepted);
     EXPECT_EQ(refusal, "Please set value: Aspect, Float32; flat cells are no-data");
-    EXPECT_EQ(info->GetAlgoParams(), R"({"In File":"/d/dem.tif","Band":"1","Out File":"/d/aspect.tif"})");
+    EXPECT_EQ(info->GetAlgoParams(), R"({"In File":"/d/dem.tif","Band":"1","Out File":"/d/aspect.tif","Creation options":"","Additional options":""})");
 }
 
 TEST_F(AlgoInfoForm, CancelPutsBackTheValuesTheFormOpenedWith)
@@ -160,7 +160,7 @@ TEST_F(AlgoInfoForm, OutlivesItsParentsForm)
     info->SetAlgoParams(R"({"In File":"/d/dem.tif"})");
     EXPECT_EQ(info->GetAlgoDialog()->parentWidget(), parent.get());
     parent.reset(); // takes the form with it
-    EXPECT_EQ(info->GetAlgoParams(), R"({"In File":"/d/dem.tif","Band":"1","Out File":""})");
+    EXPECT_EQ(info->GetAlgoParams(), R"({"In File":"/d/dem.tif","Band":"1","Out File":"","Creation options":"","Additional options":""})");
     ASSERT_NE(info->GetAlgoDialog(), nullptr);
     EXPECT_EQ(info->GetAlgoDialog()->findChild<QStackedWidget*>("In File")->currentWidget()->findChild<QLineEdit*>("edit")->text(),
               "/d/dem.tif");

@@ -4,6 +4,8 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFileInfo>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -108,4 +110,87 @@ TEST(Preflight, EachStructuralFaultIsNamedBeforeTheRun)
         for (const QString& line : c.said)
             EXPECT_TRUE(errors.contains(line)) << qPrintable(errors);
     }
+}
+
+namespace {
+
+// The copy step of copyModel from in to out, as algorithm, with more parameters.
+QByteArray optionsModel(const QString& in, const QString& out, const char* algorithm,
+                        const std::vector<std::pair<const char*, const char*>>& parameters)
+{
+    QByteArray lines;
+    for (const auto& p : parameters)
+        lines += QByteArray("            <Parameter name=\"") + p.first + "\" type=\"string\" direction=\"0\" value=\"" + p.second +
+                 "\" description=\"\"/>\n";
+    QByteArray model = copyModel("", "");
+    model.replace("/tmp/in.tif", in.toUtf8()).replace("/tmp/out.tif", out.toUtf8()).replace("raster.translate", algorithm);
+    const QByteArray after = "description=\"Out\"/>\n";
+    return model.insert(model.indexOf(after) + after.size(), lines);
+}
+
+const QString kDem = QStringLiteral(MB_SOURCE_DIR "/examples/data/dem.tif");
+
+} // namespace
+
+TEST(Preflight, OptionsGdalRefusesAreNamedBeforeTheRun)
+{
+    QTemporaryDir dir;
+    struct Case { const char* name; const char* algorithm; const char* out; const char* parameter; const char* value; QString said; };
+    const std::vector<Case> cases = {
+        {"an option the driver does not list", "raster.translate", "o.tif", "Creation options", "COMPRES=DEFLATE",
+         "the parameter \"Creation options\" of \"Convert raster\" is refused: driver GTiff does not support creation option COMPRES"},
+        {"a value outside the choices", "raster.translate", "o.tif", "Creation options", "TILED=YES;COMPRESS=ZIPPY",
+         "\"Convert raster\" is refused: 'ZIPPY' is an unexpected value for COMPRESS creation option of type string-select"},
+        {"the options of the output's own format", "raster.warp", "o.png", "Creation options", "COMPRESS=DEFLATE",
+         "\"Reproject raster\" is refused: driver PNG does not support creation option COMPRESS"},
+        {"a cloud-optimised GeoTIFF takes the COG driver's options", "raster.hillshade", "o.tif", "Creation options",
+         "COG=YES;TILED=YES", "driver COG does not support creation option TILED"},
+        {"no KEY=VALUE", "raster.slope", "o.tif", "Creation options", "DEFLATE",
+         "\"Creation options\" of \"Slope\" is refused: 'DEFLATE' is not KEY=VALUE"},
+        {"a layer option the driver does not list", "vector.translate", "o.gpkg", "Layer creation options", "SPATIAL=NO",
+         "\"Layer creation options\" of \"Convert vector layer\" is refused: driver GPKG does not support layer creation option SPATIAL"},
+        {"a layer option's value", "vector.buffer", "o.shp", "Layer creation options", "RESIZE=MAYBE",
+         "'MAYBE' is an unexpected value for RESIZE layer creation option of type boolean"},
+        {"a switch the utility does not know", "raster.translate", "o.tif", "Additional options", "-r cubic -bogus 3",
+         "\"Additional options\" of \"Convert raster\" is refused: Unknown option name '-bogus'"},
+        {"a switch's value", "raster.warp", "o.tif", "Additional options", "-r cubicle",
+         "\"Additional options\" of \"Reproject raster\" is refused: Unknown resampling method: cubicle"},
+        {"the format is the extension's", "vector.attributeFilter", "o.gpkg", "Additional options", "-f GeoJSON",
+         "-f cannot be given: the output's extension picks the format"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const QString file = dir.filePath("case.apc");
+        TestSupport::WriteAll(file, optionsModel(kDem, dir.filePath(c.out), c.algorithm,
+                                                 {{"Target SRS", "EPSG:4326"}, {"Where", "1=1"}, {"Distance", "1"},
+                                                  {c.parameter, c.value}}));
+        const TestSupport::Outcome o = TestSupport::Mbrun({file});
+        EXPECT_EQ(o.code, 2) << qPrintable(o.err);
+        EXPECT_TRUE(o.err.contains(c.said)) << qPrintable(o.err);
+        EXPECT_FALSE(QFileInfo::exists(dir.filePath(c.out)));
+    }
+}
+
+// What a model asks of GDAL reaches the file: the output equals gdal_translate's with
+// the same options, byte for byte.
+TEST(Preflight, AcceptedOptionsReachTheOutput)
+{
+    QTemporaryDir dir;
+    const QString out = dir.filePath("out.tif"), ref = dir.filePath("ref.tif");
+    TestSupport::WriteAll(dir.filePath("m.apc"),
+                          optionsModel(kDem, out, "raster.translate",
+                                       {{"Creation options", "COMPRESS=DEFLATE; PREDICTOR=2;TILED=YES"},
+                                        {"Additional options", "-ot Float32 -a_nodata -1"}}));
+    const TestSupport::Outcome o = TestSupport::Mbrun({dir.filePath("m.apc")});
+    ASSERT_EQ(o.code, 0) << qPrintable(o.out + o.err);
+    QProcess reference;
+    reference.start("gdal_translate", {"-q", "-co", "COMPRESS=DEFLATE", "-co", "PREDICTOR=2", "-co", "TILED=YES", "-ot",
+                                       "Float32", "-a_nodata", "-1", kDem, ref});
+    ASSERT_TRUE(reference.waitForFinished(60000));
+    ASSERT_EQ(reference.exitCode(), 0);
+    EXPECT_EQ(TestSupport::ReadAll(out), TestSupport::ReadAll(ref));
+    QProcess info;
+    info.start("gdalinfo", {out});
+    ASSERT_TRUE(info.waitForFinished(60000));
+    EXPECT_TRUE(info.readAllStandardOutput().contains("COMPRESSION=DEFLATE"));
 }

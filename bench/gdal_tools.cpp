@@ -1,0 +1,145 @@
+// The algorithms built on GDAL's utilities, run in-process through the host's runner,
+// against the GDAL program given the same options, on one square raster (4000 pixels
+// a side, or the size given as the first argument). Each pair runs the two back to
+// back; the figure is the median of the pairs' ratios. The raster calculator is
+// measured the same way against gdal_calc.py on two inputs.
+#include "BenchSupport.h"
+
+#include "HostRunner/ExcuteAlgo.h"
+#include "HostRunner/RunRecord.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gdal_priv.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+namespace {
+
+constexpr int kPairs = 3;
+
+double median(std::vector<double> v)
+{
+    std::sort(v.begin(), v.end());
+    return v.empty() ? 0 : v[v.size() / 2];
+}
+
+// Wall milliseconds of one whole process; -1 if it failed.
+double timeProcess(const QString& program, const QStringList& args)
+{
+    QProcess p;
+    p.setStandardOutputFile(QProcess::nullDevice());
+    p.setStandardErrorFile(QProcess::nullDevice());
+    QElapsedTimer t;
+    t.start();
+    p.start(program, args);
+    p.waitForFinished(600000);
+    const double ms = t.nsecsElapsed() / 1e6;
+    return p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0 ? ms : -1;
+}
+
+// Wall milliseconds of one in-process run; -1 if it failed.
+double timeAlgorithm(const char* name, const QJsonObject& params)
+{
+    HostRunner::RunRecord record;
+    std::memset(&record, 0, sizeof record);
+    const QByteArray text = QJsonDocument(params).toJson(QJsonDocument::Compact);
+    QElapsedTimer t;
+    t.start();
+    const int ok = HostRunner::ExcuteAlgo(name, text.constData(), &record);
+    const double ms = t.nsecsElapsed() / 1e6;
+    if (!ok)
+        std::fprintf(stderr, "%s failed: %s\n", name, HostRunner::ExcuteAlgoMessage());
+    return ok ? ms : -1;
+}
+
+bool writeRaster(const QString& path, int size, double phase)
+{
+    GDALDataset* ds = GetGDALDriverManager()->GetDriverByName("GTiff")->Create(path.toUtf8().constData(), size, size, 1,
+                                                                               GDT_Float32, nullptr);
+    if (!ds)
+        return false;
+    const double gt[6] = {500000, 10, 0, 4000000, 0, -10};
+    ds->SetGeoTransform(const_cast<double*>(gt));
+    OGRSpatialReference srs;
+    srs.importFromEPSG(32633);
+    ds->SetSpatialRef(&srs);
+    std::vector<float> line(static_cast<size_t>(size));
+    bool ok = true;
+    for (int y = 0; y < size && ok; ++y) {
+        for (int x = 0; x < size; ++x)
+            line[size_t(x)] = float(100 + 20 * std::sin(x / 50.0 + phase) * std::cos(y / 40.0) + 0.01 * x);
+        ok = ds->GetRasterBand(1)->RasterIO(GF_Write, 0, y, size, 1, line.data(), size, 1, GDT_Float32, 0, 0) == CE_None;
+    }
+    GDALClose(ds);
+    return ok;
+}
+
+struct Pair
+{
+    const char* name;
+    const char* algorithm;
+    QJsonObject params;
+    QString program;
+    QStringList args;
+};
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    GDALAllRegister();
+    const int size = argc > 1 ? std::max(16, std::atoi(argv[1])) : 4000;
+    QTemporaryDir dir;
+    const QString a = dir.filePath("a.tif"), b = dir.filePath("b.tif");
+    if (!writeRaster(a, size, 0) || !writeRaster(b, size, 1))
+        return 1;
+    const QString ours = dir.filePath("ours.tif"), theirs = dir.filePath("theirs.tif");
+    const std::vector<Pair> pairs = {
+        {"translate_deflate", "raster.translate", {{"In File", a}, {"Creation options", "COMPRESS=DEFLATE;TILED=YES"}},
+         "gdal_translate", {"-q", "-co", "COMPRESS=DEFLATE", "-co", "TILED=YES", a, theirs}},
+        {"warp_bilinear", "raster.warp", {{"In File", a}, {"Target SRS", "EPSG:32632"}, {"Resampling", "bilinear"}},
+         "gdalwarp", {"-q", "-overwrite", "-t_srs", "EPSG:32632", "-r", "bilinear", a, theirs}},
+        {"hillshade", "raster.hillshade", {{"In File", a}}, "gdaldem",
+         {"hillshade", "-q", a, theirs, "-z", "1", "-s", "1", "-az", "315", "-alt", "45", "-b", "1", "-compute_edges"}},
+        {"slope", "raster.slope", {{"In File", a}}, "gdaldem", {"slope", "-q", a, theirs, "-s", "1", "-b", "1", "-compute_edges"}},
+        {"calculator", "raster.calculator", {{"In Files", a + ";" + b}, {"Expression", "(A - B) / (A + B)"}}, "/usr/bin/python3",
+         {"/usr/bin/gdal_calc.py", "--quiet", "--overwrite", "-A", a, "-B", b, "--calc=(A-B)/(A+B)", "--type=Float32", "--outfile=" + theirs}},
+    };
+    int status = 0;
+    for (const Pair& p : pairs) {
+        std::vector<double> inProcess, program, ratios;
+        for (int i = 0; i < kPairs; ++i) {
+            QFile::remove(ours);
+            QFile::remove(theirs);
+            QJsonObject params = p.params;
+            params["Out File"] = ours;
+            const double mine = timeAlgorithm(p.algorithm, params);
+            const double tool = timeProcess(p.program, p.args);
+            if (mine < 0 || tool < 0) {
+                std::fprintf(stderr, "%s: a run failed\n", p.name);
+                status = 1;
+                break;
+            }
+            inProcess.push_back(mine);
+            program.push_back(tool);
+            ratios.push_back(mine / tool);
+        }
+        if (ratios.empty())
+            continue;
+        Bench::Print(QByteArray(p.name) + "_in_process", median(inProcess), "ms");
+        Bench::Print(QByteArray(p.name) + "_program", median(program), "ms");
+        Bench::Print(QByteArray(p.name) + "_ratio", median(ratios), "x");
+    }
+    return status;
+}
