@@ -48,7 +48,9 @@ QVector<QPointF> LayOutLeftToRight(const LayoutGraph& graph, QString* error)
     g_libraryErrors = &errors;
     const agusererrf previous = agseterrf(CollectError);
 
-    GVC_t* context = gvContext();
+    // One context for the process: making one loads the library's plugins, and
+    // freeing it does not give all of that back.
+    static GVC_t* const context = gvContext();
     Agraph_t* g = agopen(Text("model"), Agdirected, nullptr);
     agattr(g, AGRAPH, Text("rankdir"), Text("LR"));
     agattr(g, AGRAPH, Text("ranksep"), QByteArray::number(kLayerGap / 72.0).data());
@@ -85,7 +87,6 @@ QVector<QPointF> LayOutLeftToRight(const LayoutGraph& graph, QString* error)
                      .arg(errors.trimmed().isEmpty() ? QStringLiteral("no dot layout") : errors.trimmed());
     }
     agclose(g);
-    gvFreeContext(context);
     agseterrf(previous);
     g_libraryErrors = nullptr;
     return centres;
