@@ -146,8 +146,9 @@ TEST(AutoLayout, LaysTheExamplesOutLeftToRightWithoutOverlapsAsOneSavedEdit)
     EXPECT_FALSE(Action(&readOnly, "Auto Layout")->isEnabled());
 }
 
-// The steps of a run read the model from pool threads: no layout moves them meanwhile.
-TEST(AutoLayout, IsRefusedWhileARunGoesOn)
+// The steps of a run read the model from pool threads: no layout moves them
+// meanwhile, and no undo takes an edit back.
+TEST(AutoLayout, AndUndoAreRefusedWhileARunGoesOn)
 {
     QTemporaryDir dir;
     {
@@ -159,17 +160,20 @@ TEST(AutoLayout, IsRefusedWhileARunGoesOn)
         ASSERT_TRUE(model.SaveFile(dir.filePath("slow.apc")));
     }
     ModelControler window(dir.filePath("slow.apc"), false);
+    Action(&window, "Auto Layout")->trigger(); // an edit for Undo to take back
     const QHash<QString, QPointF> before = placesOf(window);
     Action(&window, "Run")->trigger();
     ASSERT_EQ(window.GetSequenceControl()->GetState(), SequenceControl::Running);
     ModelCommandManager::Instance()->OnUpdateState();
     EXPECT_FALSE(Action(&window, "Auto Layout")->isEnabled());
+    EXPECT_FALSE(Action(&window, "Undo Auto Layout")->isEnabled());
     Action(&window, "Auto Layout")->trigger(); // still enabled from the last tick
+    Action(&window, "Undo Auto Layout")->trigger();
     EXPECT_EQ(placesOf(window), before);
-    EXPECT_FALSE(window.IsModified());
     ASSERT_TRUE(TestSupport::WaitUntil([&] { return window.GetSequenceControl()->GetState() == SequenceControl::Idle; }));
     ModelCommandManager::Instance()->OnUpdateState();
     EXPECT_TRUE(Action(&window, "Auto Layout")->isEnabled());
+    EXPECT_TRUE(Action(&window, "Undo Auto Layout")->isEnabled());
 }
 
 TEST(ExportPicture, WritesTheWholeModelInTheChosenFormatAndLeavesTheWindowAsItWas)
