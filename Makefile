@@ -74,7 +74,7 @@ coverage:
 	@find build-coverage -name '*.gcda' -delete
 	cd build-coverage && QT_QPA_PLATFORM=offscreen ctest -j $(JOBS) $(CTEST_ARGS) > ctest.log 2>&1 || (tail -30 ctest.log; exit 1)
 	@mkdir -p build-coverage/coverage
-	@gcovr -r . --object-directory build-coverage -j $(JOBS) --exclude-unreachable-branches --exclude-throw-branches \
+	@gcovr -r . --object-directory build-coverage -j $(JOBS) --exclude-unreachable-branches --exclude-throw-branches --gcov-ignore-parse-errors \
 	  --filter 'src/' --filter 'host/' --filter 'apps/' \
 	  --html-details build-coverage/coverage/index.html --json build-coverage/coverage/coverage.json > /dev/null
 	@python3 scripts/coverage-table.py build-coverage/coverage/coverage.json

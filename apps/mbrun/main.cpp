@@ -13,6 +13,9 @@
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/lsan_interface.h>
 #endif
+#if defined(MB_COVERAGE)
+extern "C" void __gcov_dump();
+#endif
 
 using namespace Mbrun;
 
@@ -30,6 +33,9 @@ namespace {
 #if defined(__SANITIZE_ADDRESS__)
     // The leak check would run at a normal exit.
     __lsan_do_leak_check();
+#endif
+#if defined(MB_COVERAGE)
+    __gcov_dump(); // the counters are written at a normal exit
 #endif
     _exit(code);
 }
