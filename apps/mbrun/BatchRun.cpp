@@ -315,8 +315,9 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
                                .arg(round)
                                .arg(outline.iterator)});
         const int jobs = m_options.Jobs() == 0 ? QThread::idealThreadCount() : m_options.Jobs();
-        // Resuming reads and writes one state per folder, which one run holds at a
-        // time: a resumed batch runs its rounds in turn.
+        // A resumed run holds the state of each folder it writes into for its whole
+        // run, which the rounds' own runs would then be refused: it runs its rounds
+        // in turn.
         if (round == 0 && jobs > 1 && outline.parallel && outline.rounds.size() > 1 && !m_options.Resume())
             return RunJobs(outline, jobs, [&] {
                 // The steps outside the iterator may have made files it lists.
@@ -333,11 +334,10 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
 
     // Each record goes to the report and the state as its step or round ends:
     // nothing of a long run piles up here.
-    std::unique_ptr<ResumeState> state;
-    if (m_options.Resume())
-        state = std::make_unique<ResumeState>(m_options.ModelPath(), ResumeState::Mode::Run);
+    const bool resume = m_options.Resume();
+    auto state = std::make_unique<ResumeState>(m_options.ModelPath(), resume ? ResumeState::Mode::Run : ResumeState::Mode::Record);
     recorder.onStepEnded = [&](const RunRecorder::Step& step) {
-        if (state && step.status == Status::Succeeded && !step.executionText.isEmpty())
+        if (step.status == Status::Succeeded && !step.executionText.isEmpty())
             state->Record(step.algorithm, step.executionText, step.written);
         if (m_report)
             m_report->AddStep(step);
@@ -351,16 +351,14 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
     QTimer flushTimer;
     bool stateFailed = false;
     auto flushState = [&] {
-        if (!state)
-            return;
         for (const QString& failure : state->Flush()) {
             Say({QStringLiteral("mbrun: cannot write the resume state %1\n").arg(failure)});
-            stateFailed = true;
+            // A plain run only records for a later --resume: its outputs stand.
+            stateFailed = stateFailed || resume;
         }
     };
     QObject::connect(&flushTimer, &QTimer::timeout, flushState);
-    if (state)
-        flushTimer.start(2000);
+    flushTimer.start(2000);
 
     const bool terminal = isatty(fileno(stderr));
     if (terminal)
@@ -392,13 +390,13 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
                 return false;
         return !files.Outputs().isEmpty();
     };
-    if (state || !outline.prologue.isEmpty())
+    if (resume || !outline.prologue.isEmpty())
         control.SetStepFilter([&](Plugin::APCProcess* clone) {
             if (priorStep(clone)) {
                 recorder.MarkSkipped(clone);
                 return true;
             }
-            if (!state)
+            if (!resume)
                 return false;
             const bool upToDate = state->IsUpToDate(clone);
             if (!state->Conflict().isEmpty()) {

@@ -23,6 +23,8 @@ const QString kFormat = QStringLiteral("mbrun-state/1");
 const QByteArray kHead = "{\n    \"format\": \"mbrun-state/1\",\n    \"outputs\": {\n";
 const QByteArray kTail = "\n    }\n}\n";
 const QByteArray kEntryIndent = "        ";
+// How long a recording run waits for another to finish merging its notes.
+constexpr int kMergeWaitMs = 3000;
 
 qint64 modifiedMs(const QFileInfo& info)
 {
@@ -115,6 +117,8 @@ ResumeState::Folder& ResumeState::FolderOf(const QString& directory)
     if (it != m_folders.end())
         return it->second;
     Folder& folder = m_folders[directory];
+    if (m_mode == Mode::Record)
+        return folder; // notes are merged into the file as it is when they are written
     if (m_mode == Mode::Run)
         Hold(directory, folder);
     const bool read = ReadNotes(QDir(directory).filePath(FileName()), [&folder](const QString& name, const Note& n) {
@@ -223,11 +227,27 @@ QStringList ResumeState::Flush()
             continue;
         const QString path = QDir(directory).filePath(FileName());
         QString error;
+        // Runs of other rounds may merge into the same file: each takes it in turn.
+        std::unique_ptr<QLockFile> brief;
+        if (m_mode == Mode::Record) {
+            brief = std::make_unique<QLockFile>(path + QStringLiteral(".lock"));
+            brief->setStaleLockTime(0);
+            if (!brief->tryLock(kMergeWaitMs) && brief->error() == QLockFile::LockFailedError) {
+                qint64 pid = 0;
+                QString host, application;
+                brief->getLockInfo(&pid, &host, &application);
+                failures << QStringLiteral("%1: it is in use by another run: process %2 on %3").arg(path).arg(pid).arg(host);
+                // Held for longer than a merge: a resumed run's, for its whole run.
+                folder.held = false;
+                folder.changed.clear();
+                continue;
+            }
+        }
         if (QFileInfo(path).absoluteFilePath() == m_modelPath)
             failures << QStringLiteral("%1: it is the model file being run").arg(path);
         else if (!WriteFolder(path, folder, &error))
             failures << QStringLiteral("%1: %2").arg(path, error);
-        else
+        else if (m_mode != Mode::Record) // a recording run never asks what is up to date
             for (auto it = folder.changed.constBegin(); it != folder.changed.constEnd(); ++it)
                 folder.entries.insert(it.key(), Entry{Digest(it->algorithm, it->parameters), it->size, it->modified});
         // Said once on failure: those steps simply run again next time.

@@ -19,19 +19,22 @@ namespace Mbrun {
 
 // What earlier runs wrote, kept in a state file in each output folder, so that a
 // resumed run can skip the steps whose outputs are still what they would write.
-// A run holds the state file of each folder it touches until it ends, so that two
-// runs never write one file. Memory stays small however many outputs a folder
+// Every run records what it wrote, so that any batch, however it ended, can be
+// resumed. A resumed run holds the state file of each folder it touches until it
+// ends, so that two resumed runs never write one file; a plain run only records,
+// and takes a folder's state for the moment it merges its notes in, so that runs
+// of other rounds may write into the same folders at the same time. Memory stays small however many outputs a folder
 // has: each entry is kept as a digest, and the file is merged and written through
 // entry by entry. Used on the run's thread only.
 class ResumeState
 {
 public:
-    enum class Mode { Plan, Run };
+    enum class Mode { Plan, Run, Record };
 
     static QString FileName() { return QStringLiteral(".mbrun-state.json"); }
 
     // modelPath is never written, whatever the outputs are called. A Run holds
-    // the folders' state files; a Plan only reads them.
+    // the folders' state files; a Plan only reads them; a Record only adds to them.
     ResumeState(const QString& modelPath, Mode mode);
     ResumeState(const ResumeState&) = delete;
     ResumeState& operator=(const ResumeState&) = delete;
