@@ -8,6 +8,8 @@
 #include <QString>
 #include <QElapsedTimer>
 #include <QEventLoop>
+#include <QProcess>
+#include <QStringList>
 #include <QFutureWatcher>
 #include <QTimer>
 #include <QtConcurrent>
@@ -31,6 +33,23 @@ inline double Millis(const std::function<void()>& work)
     t.start();
     work();
     return t.nsecsElapsed() / 1e6;
+}
+
+// Wall milliseconds of one whole process, its output thrown away; -1, with what
+// it said on standard error, if it failed.
+inline double TimeProcess(const QString& program, const QStringList& args, int timeoutMs = 600000)
+{
+    QProcess p;
+    p.setStandardOutputFile(QProcess::nullDevice());
+    const double ms = Millis([&] {
+        p.start(program, args);
+        p.waitForFinished(timeoutMs);
+    });
+    if (p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0)
+        return ms;
+    std::fprintf(stderr, "%s %s: exit %d\n%s", qPrintable(program), qPrintable(args.join(' ')), p.exitCode(),
+                 p.readAllStandardError().constData());
+    return -1;
 }
 
 // Prepares and runs model on control the way every caller does and serves this

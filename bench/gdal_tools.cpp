@@ -33,20 +33,6 @@ double median(std::vector<double> v)
     return v.empty() ? 0 : v[v.size() / 2];
 }
 
-// Wall milliseconds of one whole process; -1 if it failed.
-double timeProcess(const QString& program, const QStringList& args)
-{
-    QProcess p;
-    p.setStandardOutputFile(QProcess::nullDevice());
-    p.setStandardErrorFile(QProcess::nullDevice());
-    QElapsedTimer t;
-    t.start();
-    p.start(program, args);
-    p.waitForFinished(600000);
-    const double ms = t.nsecsElapsed() / 1e6;
-    return p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0 ? ms : -1;
-}
-
 // Wall milliseconds of one in-process run; -1 if it failed.
 double timeAlgorithm(const char* name, const QJsonObject& params)
 {
@@ -125,7 +111,7 @@ int main(int argc, char** argv)
             QJsonObject params = p.params;
             params["Out File"] = ours;
             const double mine = timeAlgorithm(p.algorithm, params);
-            const double tool = timeProcess(p.program, p.args);
+            const double tool = Bench::TimeProcess(p.program, p.args);
             if (mine < 0 || tool < 0) {
                 std::fprintf(stderr, "%s: a run failed\n", p.name);
                 status = 1;

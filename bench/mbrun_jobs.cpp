@@ -26,19 +26,6 @@ namespace {
 
 QString g_mbrun;
 
-double timeProcess(const QString& program, const QStringList& args)
-{
-    QProcess p;
-    p.setStandardOutputFile(QProcess::nullDevice());
-    return Bench::Millis([&] {
-        p.start(program, args);
-        p.waitForFinished(-1);
-        if (p.exitStatus() != QProcess::NormalExit || p.exitCode() != 0)
-            std::fprintf(stderr, "%s %s: exit %d\n%s", qPrintable(program), qPrintable(args.join(' ')), p.exitCode(),
-                         p.readAllStandardError().constData());
-    });
-}
-
 // A Byte scene of the given bands whose bands differ, so that NDVI has something
 // to compute; with one Float32 band a rolling surface, so that hillshade does.
 void makeScene(const QString& path, int size, int bands, int seed)
@@ -122,7 +109,7 @@ Timing timeJobs(const QTemporaryDir& dir, const QString& model, const QString& s
         for (const char* jobs : {"1", "0"}) {
             const QString out = dir.filePath(name + jobs);
             QDir(out).removeRecursively();
-            const double ms = timeProcess(g_mbrun, {model, "--set", "Scene folders=" + scenes, "--set", "Output folder=" + out,
+            const double ms = Bench::TimeProcess(g_mbrun, {model, "--set", "Scene folders=" + scenes, "--set", "Output folder=" + out,
                                                     "--jobs", jobs});
             double& best = jobs[0] == '1' ? t.one : t.all;
             best = std::min(best, ms);
@@ -170,7 +157,7 @@ int main(int argc, char** argv)
                 .arg(dems)
                 .arg(cores)
                 .arg(xargsOut);
-        xargs = std::min(xargs, timeProcess("sh", {"-c", script}));
+        xargs = std::min(xargs, Bench::TimeProcess("sh", {"-c", script}));
     });
     Bench::Print("jobs_0_chain_16_rounds", c.all, "ms (--jobs 0, hillshade then a DEFLATE copy of 2000x2000)");
     Bench::Print("jobs_baseline_1_chain_16_rounds", c.one, "ms (--jobs 1, the same batch)");

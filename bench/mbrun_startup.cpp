@@ -19,20 +19,6 @@
 
 namespace {
 
-// Wall milliseconds of one whole process, its output thrown away; -1 if it failed.
-double timeProcess(const QString& program, const QStringList& args)
-{
-    QProcess p;
-    p.setStandardOutputFile(QProcess::nullDevice());
-    p.setStandardErrorFile(QProcess::nullDevice());
-    QElapsedTimer t;
-    t.start();
-    p.start(program, args);
-    p.waitForFinished(60000);
-    const double ms = t.nsecsElapsed() / 1e6;
-    return p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0 ? ms : -1;
-}
-
 double median(std::vector<double> v)
 {
     std::sort(v.begin(), v.end());
@@ -87,9 +73,9 @@ int main(int argc, char** argv)
     }
     std::vector<double> ours, theirs, list;
     for (int i = 0; i < (argc > 1 ? atoi(argv[1]) : 41); ++i) {
-        ours.push_back(timeProcess(mbrun, {model}));
-        theirs.push_back(timeProcess(translate, {"-q", in, dir.filePath("by-gdal.tif")}));
-        list.push_back(timeProcess(mbrun, {model, "--list"}));
+        ours.push_back(Bench::TimeProcess(mbrun, {model}));
+        theirs.push_back(Bench::TimeProcess(translate, {"-q", in, dir.filePath("by-gdal.tif")}));
+        list.push_back(Bench::TimeProcess(mbrun, {model, "--list"}));
     }
     if (std::count(ours.begin(), ours.end(), -1.0) || std::count(theirs.begin(), theirs.end(), -1.0)) {
         std::printf("a run failed\n");

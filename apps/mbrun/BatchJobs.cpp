@@ -208,24 +208,7 @@ int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int(
     }
     Say(closing);
 
-    ReportWriter::Outcome outcome = ReportWriter::Outcome::Succeeded;
-    int code = Success;
-    if (m_signal) {
-        outcome = ReportWriter::Outcome::Interrupted;
-        code = StopSignals::ExitCode(m_signal);
-    } else if (stalled) {
-        outcome = ReportWriter::Outcome::Stalled;
-        code = Refused;
-    } else if (refused) {
-        outcome = ReportWriter::Outcome::Refused;
-        code = Refused;
-    } else if (failed > 0 || !failedFiles.isEmpty() || !failedOutside.isEmpty()) {
-        outcome = ReportWriter::Outcome::Failed;
-        code = StepFailed;
-    }
-    if (!WriteReport(nullptr, outcome, code) && code == Success)
-        code = StepFailed;
-    return code;
+    return Conclude(nullptr, refused, stalled, failed > 0 || !failedFiles.isEmpty() || !failedOutside.isEmpty());
 }
 
 } // namespace Mbrun

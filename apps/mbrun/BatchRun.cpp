@@ -441,23 +441,28 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
         closing += ClosingLines::Interrupted(recorder, StopSignals::Name(m_signal));
     Say(closing);
 
+    return Conclude(&recorder, stateHeld, stall.Stalled(), recorder.Count(Status::Failed) > 0 || log->Failed() || stateFailed);
+}
+
+int BatchRun::Conclude(const RunRecorder* recorder, bool refused, bool stalled, bool failed)
+{
     ReportWriter::Outcome outcome = ReportWriter::Outcome::Succeeded;
     int code = Success;
     if (m_signal) {
         outcome = ReportWriter::Outcome::Interrupted;
         code = StopSignals::ExitCode(m_signal);
-    } else if (stateHeld) {
+    } else if (refused) {
         outcome = ReportWriter::Outcome::Refused;
         code = Refused;
-    } else if (stall.Stalled()) {
+    } else if (stalled) {
         outcome = ReportWriter::Outcome::Stalled;
         code = Refused;
-    } else if (recorder.Count(Status::Failed) > 0 || log->Failed() || stateFailed) {
+    } else if (failed) {
         outcome = ReportWriter::Outcome::Failed;
         code = StepFailed;
     }
     // A report that cannot be written whole fails the run as a step would.
-    if (!WriteReport(&recorder, outcome, code) && code == Success)
+    if (!WriteReport(recorder, outcome, code) && code == Success)
         code = StepFailed;
     return code;
 }

@@ -74,6 +74,9 @@ private:
     // Lets the steps still running when the run ended report, unless a signal
     // comes first.
     void WaitForLateSteps(const RunRecorder& recorder);
+    // Writes the report of a run that has ended and returns its exit code: a
+    // signal comes first, then a refusal, a run that could not go on, a failure.
+    int Conclude(const RunRecorder* recorder, bool refused, bool stalled, bool failed);
     // The name the log gives the run.
     QString ModelName() const;
     // Writes the report, if asked for; false, said on standard error, when it
