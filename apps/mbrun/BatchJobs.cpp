@@ -2,6 +2,7 @@
 // their logs, memory and failures stay their own; the parent prints each child's
 // log whole as it ends and gathers the reports in round order.
 #include "BatchRun.h"
+#include "ResumeState.h"
 
 #include "CommandLine.h"
 #include "Console.h"
@@ -57,6 +58,15 @@ int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int(
     QStringList common{m_options.ModelPath()};
     for (const auto& s : m_options.Settings())
         common << QStringLiteral("--set") << s.first + QLatin1Char('=') + s.second;
+    // A resumed run holds the state of every folder its rounds write into, as one
+    // job would, and lets the rounds' runs read and merge into it.
+    std::unique_ptr<ResumeState> held;
+    if (m_options.Resume()) {
+        held = std::make_unique<ResumeState>(m_options.ModelPath(), ResumeState::Mode::Run);
+        if (!held->Hold(outline.folders))
+            return Refuse({held->Conflict()});
+        common << QStringLiteral("--state-held");
+    }
 
     // Steps outside the iterator run once, with the first round, before the others start.
     const bool prologueFirst = !outline.prologue.isEmpty();

@@ -212,6 +212,7 @@ QStringList BatchRun::OutlineOf(Plugin::APCModel& model, const FreeInputs& input
     plan.Walk();
     outline->rounds = plan.OuterRounds();
     outline->failed = plan.Failed();
+    outline->folders = plan.OutputFolders();
     outline->warnings = plan.Warnings();
     return plan.Conflicts().Problems();
 }
@@ -315,10 +316,7 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
                                .arg(round)
                                .arg(outline.iterator)});
         const int jobs = m_options.Jobs() == 0 ? QThread::idealThreadCount() : m_options.Jobs();
-        // A resumed run holds the state of each folder it writes into for its whole
-        // run, which the rounds' own runs would then be refused: it runs its rounds
-        // in turn.
-        if (round == 0 && jobs > 1 && outline.parallel && outline.rounds.size() > 1 && !m_options.Resume())
+        if (round == 0 && jobs > 1 && outline.parallel && outline.rounds.size() > 1)
             return RunJobs(outline, jobs, [&] {
                 // The steps outside the iterator may have made files it lists.
                 Outline now;
@@ -335,7 +333,10 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
     // Each record goes to the report and the state as its step or round ends:
     // nothing of a long run piles up here.
     const bool resume = m_options.Resume();
-    auto state = std::make_unique<ResumeState>(m_options.ModelPath(), resume ? ResumeState::Mode::Run : ResumeState::Mode::Record);
+    const ResumeState::Mode mode = m_options.StateHeld() ? ResumeState::Mode::Shared
+                                   : resume                ? ResumeState::Mode::Run
+                                                           : ResumeState::Mode::Record;
+    auto state = std::make_unique<ResumeState>(m_options.ModelPath(), mode);
     recorder.onStepEnded = [&](const RunRecorder::Step& step) {
         if (step.status == Status::Succeeded && !step.executionText.isEmpty())
             state->Record(step.algorithm, step.executionText, step.written);

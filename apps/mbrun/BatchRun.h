@@ -50,6 +50,7 @@ private:
         QSet<QString> prologue; // ids of the steps outside every iterator, when there is one
         bool parallel = false;  // one file iterator, behind no step: rounds may run side by side
         bool failed = false;    // the iterator could not hand out its files
+        QStringList folders;    // where the steps write
         QStringList warnings;
     };
     // Walks the plan as a run would check it; the lines that refuse the run.

@@ -21,7 +21,7 @@ QString CommandLine::Usage()
         "  --dry-run         print the plan (rounds, steps, resolved parameters, outputs);\n"
         "                    run no step and write no file\n"
         "  --resume          skip each step whose outputs are up to date, as recorded in\n"
-        "                    .mbrun-state.json in their folder by an earlier --resume run\n"
+        "                    .mbrun-state.json in their folder by an earlier run\n"
         "  --report FILE     write a JSON report of the run (format mbrun-report/1), also\n"
         "                    when the run fails or is interrupted\n"
         "  --round K         run round K of the iterator only, after the steps outside it\n"
@@ -29,6 +29,8 @@ QString CommandLine::Usage()
         "  --no-prologue     with --round: run no step outside the iterator\n"
         "  --with-prologue   with --round: run every step outside the iterator\n"
         "  -j, --jobs N      run N rounds at a time (0: one per core; default 1)\n"
+        "  --state-held      --resume for one of the rounds of a --resume --jobs run,\n"
+        "                    whose run holds the state files\n"
         "\n"
         "The run's log goes to standard output; exit code 0 when every step succeeded,\n"
         "1 when a step failed, 2 on a usage, load or validation error, 130, 143 or 129\n"
@@ -63,6 +65,8 @@ bool CommandLine::Parse(const QStringList& arguments)
             m_dryRun = true;
         } else if (a == QLatin1String("--resume")) {
             m_resume = true;
+        } else if (a == QLatin1String("--state-held")) {
+            m_resume = m_stateHeld = true;
         } else if (a == QLatin1String("--list-rounds")) {
             m_action = Action::ListRounds;
         } else if (a == QLatin1String("--json")) {
@@ -112,6 +116,8 @@ bool CommandLine::Parse(const QStringList& arguments)
             return Fail(QStringLiteral("mbrun: %1 goes with --round\n").arg(QLatin1String(flag)));
     if (m_noPrologue && m_withPrologue)
         return Fail(QStringLiteral("mbrun: --no-prologue and --with-prologue exclude each other\n"));
+    if (m_stateHeld && m_round == 0)
+        return Fail(QStringLiteral("mbrun: --state-held goes with --round\n"));
     if (m_round > 0 && m_jobs != 1)
         return Fail(QStringLiteral("mbrun: --round runs one round: leave out --jobs\n"));
     if (m_dryRun && !m_reportPath.isEmpty())

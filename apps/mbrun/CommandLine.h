@@ -24,6 +24,8 @@ public:
     const QList<QPair<QString, QString>>& Settings() const { return m_settings; }
     bool DryRun() const { return m_dryRun; }
     bool Resume() const { return m_resume; }
+    // Resuming one of the rounds of a run that holds the state files for them.
+    bool StateHeld() const { return m_stateHeld; }
     // Empty when no report was asked for.
     QString ReportPath() const { return m_reportPath; }
     // --list-rounds as JSON.
@@ -47,6 +49,7 @@ private:
     QList<QPair<QString, QString>> m_settings;
     bool m_dryRun = false;
     bool m_resume = false;
+    bool m_stateHeld = false;
     QString m_reportPath;
     bool m_json = false;
     int m_round = 0;

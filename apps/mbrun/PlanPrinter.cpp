@@ -118,6 +118,8 @@ void PlanPrinter::OnStep(SequenceNode* node, int depth, int round)
         Add(QStringLiteral("%1    %2 = %3%4\n")
                 .arg(indent(depth), p.first, p.second, outputs.contains(p.second) ? QStringLiteral("   (output)") : QString()));
     m_outputs += files.Outputs().size();
+    for (const QString& out : files.Outputs())
+        m_outputFolders.insert(QFileInfo(out).absolutePath());
 }
 
 } // namespace Mbrun

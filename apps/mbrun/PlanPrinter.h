@@ -45,6 +45,8 @@ public:
     QStringList Warnings() const { return m_warnings + m_leftOut.Warnings(); }
     // The rounds of the outermost iterator, once walked.
     const QList<Plugin::RunPlan::Round>& OuterRounds() const { return m_outerRounds; }
+    // The folders of the files the steps write, once walked.
+    QStringList OutputFolders() const { return m_outputFolders.values(); }
     // The plan the walk reads.
     Plugin::RunPlan& Graph() { return m_plan; }
 
@@ -59,6 +61,7 @@ private:
     ResumeState* m_state = nullptr;
     Plugin::SequenceNode* m_outer = nullptr;
     QList<Plugin::RunPlan::Round> m_outerRounds;
+    QSet<QString> m_outputFolders;
     QSet<QString> m_rewritten; // outputs of the steps that would run, as absolute paths
     QString m_buffer;
     QStringList m_warnings;

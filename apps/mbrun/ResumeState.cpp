@@ -121,12 +121,21 @@ ResumeState::Folder& ResumeState::FolderOf(const QString& directory)
         return folder; // notes are merged into the file as it is when they are written
     if (m_mode == Mode::Run)
         Hold(directory, folder);
+    if (m_mode == Mode::Shared)
+        QDir().mkpath(directory); // as Hold would
     const bool read = ReadNotes(QDir(directory).filePath(FileName()), [&folder](const QString& name, const Note& n) {
         folder.entries.insert(name, Entry{Digest(n.algorithm, n.parameters), n.size, n.modified});
     });
     if (!read)
         folder.entries.clear();
     return folder;
+}
+
+bool ResumeState::Hold(const QStringList& directories)
+{
+    for (const QString& directory : directories)
+        FolderOf(QFileInfo(directory).absoluteFilePath());
+    return m_conflict.isEmpty();
 }
 
 bool ResumeState::IsUpToDate(Plugin::APCProcess* clone)
@@ -228,20 +237,19 @@ QStringList ResumeState::Flush()
         const QString path = QDir(directory).filePath(FileName());
         QString error;
         // Runs of other rounds may merge into the same file: each takes it in turn.
-        std::unique_ptr<QLockFile> brief;
-        if (m_mode == Mode::Record) {
-            brief = std::make_unique<QLockFile>(path + QStringLiteral(".lock"));
-            brief->setStaleLockTime(0);
-            if (!brief->tryLock(kMergeWaitMs) && brief->error() == QLockFile::LockFailedError) {
-                qint64 pid = 0;
-                QString host, application;
-                brief->getLockInfo(&pid, &host, &application);
-                failures << QStringLiteral("%1: it is in use by another run: process %2 on %3").arg(path).arg(pid).arg(host);
-                // Held for longer than a merge: a resumed run's, for its whole run.
-                folder.held = false;
-                folder.changed.clear();
-                continue;
-            }
+        QLockFile merging(path + QStringLiteral(".merging"));
+        merging.setStaleLockTime(0);
+        if (!merging.tryLock(kMergeWaitMs) && merging.error() == QLockFile::LockFailedError) {
+            qint64 pid = 0;
+            QString host, application;
+            merging.getLockInfo(&pid, &host, &application);
+            failures << QStringLiteral("%1: another run has been merging into it for %2 s: process %3 on %4")
+                            .arg(path)
+                            .arg(kMergeWaitMs / 1000)
+                            .arg(pid)
+                            .arg(host);
+            folder.changed.clear();
+            continue;
         }
         if (QFileInfo(path).absoluteFilePath() == m_modelPath)
             failures << QStringLiteral("%1: it is the model file being run").arg(path);

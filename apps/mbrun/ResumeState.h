@@ -21,26 +21,31 @@ namespace Mbrun {
 // resumed run can skip the steps whose outputs are still what they would write.
 // Every run records what it wrote, so that any batch, however it ended, can be
 // resumed. A resumed run holds the state file of each folder it touches until it
-// ends, so that two resumed runs never write one file; a plain run only records,
-// and takes a folder's state for the moment it merges its notes in, so that runs
-// of other rounds may write into the same folders at the same time. Memory stays small however many outputs a folder
+// ends, so that two resumed runs never run the same steps; every run takes a
+// folder's state only for the moment it merges its notes in, so that runs of
+// other rounds may write into the same folders at the same time. Memory stays small however many outputs a folder
 // has: each entry is kept as a digest, and the file is merged and written through
 // entry by entry. Used on the run's thread only.
 class ResumeState
 {
 public:
-    enum class Mode { Plan, Run, Record };
+    enum class Mode { Plan, Run, Shared, Record };
 
     static QString FileName() { return QStringLiteral(".mbrun-state.json"); }
 
     // modelPath is never written, whatever the outputs are called. A Run holds
-    // the folders' state files; a Plan only reads them; a Record only adds to them.
+    // the folders' state files; a Shared run is a Run whose folders another run
+    // holds for it (the rounds of a resumed run side by side); a Plan only reads
+    // them; a Record only adds to them.
     ResumeState(const QString& modelPath, Mode mode);
     ResumeState(const ResumeState&) = delete;
     ResumeState& operator=(const ResumeState&) = delete;
     // Lets go of the state files held.
     ~ResumeState();
 
+    // Takes the state of each folder before a run starts, for the runs of its
+    // rounds; false, with Conflict() set, when another run holds one.
+    bool Hold(const QStringList& directories);
     // True when clone is an algorithm step all of whose outputs exist, are not
     // older than any file it reads, and are the files it wrote with the same
     // algorithm and parameters, as recorded, unchanged since. False, with

@@ -763,10 +763,12 @@ TEST(MbrunBatch, RoundsSideBySideGiveTheFilesAndTheReportOfOneJob)
     EXPECT_FALSE(files[0].contains("scene_02_ndvi.tif"));
     EXPECT_EQ(files[0], files[1]);
     EXPECT_EQ(said[0], said[1]);
-    // The rounds' runs, side by side, each recorded what it wrote into one state.
+    // The rounds' runs, side by side, each recorded what it wrote into one state,
+    // and resumed side by side they skip it all.
     const Outcome resumed = Mbrun({batch.model, "--set", "Scene folders=" + batch.scenes, "--set",
-                                   "Output folder=" + batch.dir.filePath("out2"), "--resume"});
+                                   "Output folder=" + batch.dir.filePath("out2"), "--resume", "--jobs", "2"});
     EXPECT_EQ(resumed.out.count("Skip the step: "), 8) << qPrintable(resumed.out);
+    EXPECT_EQ(resumed.code, 1); // the broken scene fails again, alone
 }
 
 TEST(MbrunBatch, OneRoundRunsTheStepsOutsideTheIteratorOnlyWhereTheirOutputsAreMissing)
