@@ -586,8 +586,12 @@ bool runIntersection(GdalJob& job)
     const QString& out = output->Path();
     // A typed layer keeps only the pieces of the lower dimension of the two (two
     // areas give areas, not the lines where they merely touch); mixed input keeps all.
+    // Lines and areas are written as multi-part; GDAL leaves points as they come, so
+    // points stay single where the point side is.
     const int da = dimensionOf(layer->GetGeomType()), db = dimensionOf(overlay->GetGeomType());
-    const OGRwkbGeometryType types[] = {wkbMultiPoint, wkbMultiLineString, wkbMultiPolygon};
+    const bool singlePoints = (da != 0 || wkbFlatten(layer->GetGeomType()) == wkbPoint)
+                              && (db != 0 || wkbFlatten(overlay->GetGeomType()) == wkbPoint);
+    const OGRwkbGeometryType types[] = {singlePoints ? wkbPoint : wkbMultiPoint, wkbMultiLineString, wkbMultiPolygon};
     const OGRwkbGeometryType type = da < 0 || db < 0 ? wkbUnknown : types[std::min(da, db)];
     OGRLayer* target = ds->CreateLayer(QFileInfo(out).completeBaseName().toUtf8().constData(), layer->GetSpatialRef(), type,
                                        LayerOptionsFor(job, output->Driver()).List());
