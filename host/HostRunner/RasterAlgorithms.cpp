@@ -1061,6 +1061,9 @@ bool runReclassify(GdalJob& job)
     return target.Commit(job, std::move(out));
 }
 
+// How many pixels of a zone are placed on the raster at once.
+constexpr int kZoneStripPixels = 1 << 22;
+
 // The fields of zonal statistics, in order; the count first.
 constexpr const char* kZoneFields[] = {"count", "sum", "mean", "min", "max"};
 
@@ -1079,27 +1082,33 @@ bool addZone(GdalJob& job, GDALRasterBand& band, const double gt[6], OGRGeometry
     const int w = x1 - x0, h = y1 - y0;
     if (w <= 0 || h <= 0)
         return true; // outside the raster
-    GDALDatasetUniquePtr inside(mem.Create("", w, h, 1, GDT_Byte, nullptr));
+    // A strip of rows at a time, so a zone as large as the raster needs no mask as large.
+    const int rows = std::max(1, std::min(h, kZoneStripPixels / w));
+    const size_t count = size_t(w) * size_t(rows);
+    std::vector<GByte> in(count), valid(count);
+    std::vector<double> values(count);
+    GDALDatasetUniquePtr inside(mem.Create("", w, rows, 1, GDT_Byte, nullptr));
     if (!inside)
-        return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot make a zone mask of %1 x %2 pixels").arg(w).arg(h));
-    double window[6] = {gt[0] + x0 * gt[1], gt[1], 0.0, gt[3] + y0 * gt[5], 0.0, gt[5]};
-    inside->SetGeoTransform(window);
-    int bandList = 1;
-    double burn = 1.0;
-    OGRGeometryH handle = OGRGeometry::ToHandle(&zone);
-    if (GDALRasterizeGeometries(GDALDataset::ToHandle(inside.get()), 1, &bandList, 1, &handle, nullptr, nullptr, &burn,
-                                nullptr, nullptr, nullptr) != CE_None)
-        return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot place a zone on the raster"));
-    std::vector<GByte> in(static_cast<size_t>(w)), valid(static_cast<size_t>(w));
-    std::vector<double> values(static_cast<size_t>(w));
-    for (int y = 0; y < h; ++y) {
-        if (inside->GetRasterBand(1)->RasterIO(GF_Read, 0, y, w, 1, in.data(), w, 1, GDT_Byte, 0, 0) != CE_None
-            || band.RasterIO(GF_Read, x0, y0 + y, w, 1, values.data(), w, 1, GDT_Float64, 0, 0) != CE_None
-            || band.GetMaskBand()->RasterIO(GF_Read, x0, y0 + y, w, 1, valid.data(), w, 1, GDT_Byte, 0, 0) != CE_None)
-            return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot read line %1 of band %2").arg(y0 + y).arg(band.GetBand()));
-        for (size_t x = 0; x < in.size(); ++x)
-            if (in[x])
-                stats->Add(values[x], valid[x] != 0);
+        return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot make a zone mask of %1 x %2 pixels").arg(w).arg(rows));
+    GDALRasterBand* mask = inside->GetRasterBand(1);
+    for (int top = y0; top < y1; top += rows) {
+        const int n = std::min(rows, y1 - top);
+        double window[6] = {gt[0] + x0 * gt[1], gt[1], 0.0, gt[3] + top * gt[5], 0.0, gt[5]};
+        inside->SetGeoTransform(window);
+        mask->Fill(0);
+        int bandList = 1;
+        double burn = 1.0;
+        OGRGeometryH handle = OGRGeometry::ToHandle(&zone);
+        if (GDALRasterizeGeometries(GDALDataset::ToHandle(inside.get()), 1, &bandList, 1, &handle, nullptr, nullptr, &burn,
+                                    nullptr, nullptr, nullptr) != CE_None)
+            return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot place a zone on the raster"));
+        if (mask->RasterIO(GF_Read, 0, 0, w, n, in.data(), w, n, GDT_Byte, 0, 0) != CE_None
+            || band.RasterIO(GF_Read, x0, top, w, n, values.data(), w, n, GDT_Float64, 0, 0) != CE_None
+            || band.GetMaskBand()->RasterIO(GF_Read, x0, top, w, n, valid.data(), w, n, GDT_Byte, 0, 0) != CE_None)
+            return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot read lines %1 to %2 of band %3").arg(top).arg(top + n - 1).arg(band.GetBand()));
+        for (size_t i = 0; i < size_t(w) * size_t(n); ++i)
+            if (in[i])
+                stats->Add(values[i], valid[i] != 0);
     }
     return true;
 }
