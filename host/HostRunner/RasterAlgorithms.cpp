@@ -11,9 +11,9 @@
 #include <ogrsf_frmts.h>
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 #include <iterator>
-#include <cmath>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -463,8 +463,32 @@ bool runRoughness(GdalJob& job)
     return runDem(job, "roughness", ToolArgs(), QStringLiteral("Roughness"));
 }
 
+// The no-data value of band, if it has one.
+std::optional<double> noDataOf(GDALRasterBand& band)
+{
+    int has = FALSE;
+    const double value = band.GetNoDataValue(&has);
+    return has ? std::optional<double>(value) : std::nullopt;
+}
+
+// A one-band output on the grid of src, of type, with noData when given, through target.
 GDALDatasetUniquePtr createLike(GdalJob& job, RasterTarget& target, GDALDataset& src, GDALDataType type,
-                                std::optional<double> noData = std::nullopt);
+                                std::optional<double> noData = std::nullopt)
+{
+    if (!target.Prepare(job, kOut))
+        return nullptr;
+    GDALDatasetUniquePtr out = target.Create(job, src.GetRasterXSize(), src.GetRasterYSize(), 1, type);
+    if (!out)
+        return nullptr;
+    double gt[6];
+    if (src.GetGeoTransform(gt) == CE_None)
+        out->SetGeoTransform(gt);
+    if (const OGRSpatialReference* srs = src.GetSpatialRef())
+        out->SetSpatialRef(srs);
+    if (noData)
+        out->GetRasterBand(1)->SetNoDataValue(*noData);
+    return out;
+}
 
 bool runNdvi(GdalJob& job)
 {
@@ -609,33 +633,6 @@ bool runInfo(GdalJob& job)
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(report) != report.size() || !file.flush())
         return job.Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: %2").arg(out->Path(), file.errorString()));
     return true;
-}
-
-// The no-data value of band, if it has one.
-std::optional<double> noDataOf(GDALRasterBand& band)
-{
-    int has = FALSE;
-    const double value = band.GetNoDataValue(&has);
-    return has ? std::optional<double>(value) : std::nullopt;
-}
-
-// A one-band output on the grid of src, of type, with noData when given, through target.
-GDALDatasetUniquePtr createLike(GdalJob& job, RasterTarget& target, GDALDataset& src, GDALDataType type,
-                                std::optional<double> noData)
-{
-    if (!target.Prepare(job, kOut))
-        return nullptr;
-    GDALDatasetUniquePtr out = target.Create(job, src.GetRasterXSize(), src.GetRasterYSize(), 1, type);
-    if (!out)
-        return nullptr;
-    double gt[6];
-    if (src.GetGeoTransform(gt) == CE_None)
-        out->SetGeoTransform(gt);
-    if (const OGRSpatialReference* srs = src.GetSpatialRef())
-        out->SetSpatialRef(srs);
-    if (noData)
-        out->GetRasterBand(1)->SetNoDataValue(*noData);
-    return out;
 }
 
 // Opens In File and its band from parameter Band; null (the job failed) when either is missing.
