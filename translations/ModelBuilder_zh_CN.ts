@@ -1209,6 +1209,14 @@ Open a model from the Tool Box to build and run it.</source>
         <source> is wrong!</source>
         <translation> 有错误!</translation>
     </message>
+    <message>
+        <source>The parameter &quot;%1&quot; of &quot;%2&quot; is refused: %3</source>
+        <translation>“%2”的参数“%1”被拒绝: %3</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
 </context>
 <context>
     <name>VarAddDlg</name>

@@ -292,6 +292,29 @@ GDALDatasetUniquePtr CreateVectorOutput(GdalJob& job, const OutputFile& output)
     return ds;
 }
 
+OGRLayer* CreateLayerLike(GdalJob& job, GDALDataset& ds, const OutputFile& output, OGRLayer& source,
+                          OGRwkbGeometryType type, std::vector<int>* fieldMap)
+{
+    const QString& out = output.Path();
+    OGRLayer* target = ds.CreateLayer(QFileInfo(out).completeBaseName().toUtf8().constData(), source.GetSpatialRef(), type,
+                                      LayerOptionsFor(job, output.Driver()).List());
+    if (!target) {
+        job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create layer in %1").arg(out));
+        return nullptr;
+    }
+    OGRFeatureDefn* sourceDefn = source.GetLayerDefn();
+    fieldMap->clear();
+    for (int i = 0; i < sourceDefn->GetFieldCount(); ++i) {
+        if (target->CreateField(sourceDefn->GetFieldDefn(i)) != OGRERR_NONE) {
+            job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create field %1 in %2")
+                                                 .arg(QString::fromUtf8(sourceDefn->GetFieldDefn(i)->GetNameRef()), out));
+            return nullptr;
+        }
+        fieldMap->push_back(target->GetLayerDefn()->GetFieldCount() - 1); // formats may rename, so map by position
+    }
+    return target;
+}
+
 CPLStringList LayerOptionsFor(const GdalJob& job, const QString& driver)
 {
     CPLStringList options;

@@ -317,6 +317,13 @@ bool RasterExtent(GDALDataset& raster, double box[4]);
 // of its extension; null (and the job failed) when the format cannot be created.
 GDALDatasetUniquePtr CreateVectorOutput(GdalJob& job, const OutputFile& output);
 
+// Creates in ds, the dataset of output, a layer named after the output with the
+// spatial reference and fields of source and geometries of type; fieldMap gets where
+// each field of source went. Null (and the job failed) when the format refuses.
+// Owned by ds.
+OGRLayer* CreateLayerLike(GdalJob& job, GDALDataset& ds, const OutputFile& output, OGRLayer& source,
+                          OGRwkbGeometryType type, std::vector<int>* fieldMap);
+
 // Layer creation options a vector format needs for our outputs (CSV keeps geometry),
 // then the job's Layer creation options, which win.
 CPLStringList LayerOptionsFor(const GdalJob& job, const QString& driver);

@@ -11,10 +11,12 @@
 #include <ogrsf_frmts.h>
 
 #include <algorithm>
-#include <functional>
 #include <cmath>
+#include <functional>
+#include <iterator>
 #include <limits>
 #include <memory>
+#include <optional>
 
 namespace HostRunner {
 
@@ -461,6 +463,33 @@ bool runRoughness(GdalJob& job)
     return runDem(job, "roughness", ToolArgs(), QStringLiteral("Roughness"));
 }
 
+// The no-data value of band, if it has one.
+std::optional<double> noDataOf(GDALRasterBand& band)
+{
+    int has = FALSE;
+    const double value = band.GetNoDataValue(&has);
+    return has ? std::optional<double>(value) : std::nullopt;
+}
+
+// A one-band output on the grid of src, of type, with noData when given, through target.
+GDALDatasetUniquePtr createLike(GdalJob& job, RasterTarget& target, GDALDataset& src, GDALDataType type,
+                                std::optional<double> noData = std::nullopt)
+{
+    if (!target.Prepare(job, kOut))
+        return nullptr;
+    GDALDatasetUniquePtr out = target.Create(job, src.GetRasterXSize(), src.GetRasterYSize(), 1, type);
+    if (!out)
+        return nullptr;
+    double gt[6];
+    if (src.GetGeoTransform(gt) == CE_None)
+        out->SetGeoTransform(gt);
+    if (const OGRSpatialReference* srs = src.GetSpatialRef())
+        out->SetSpatialRef(srs);
+    if (noData)
+        out->GetRasterBand(1)->SetNoDataValue(*noData);
+    return out;
+}
+
 bool runNdvi(GdalJob& job)
 {
     const QString in = job.Text(kIn);
@@ -472,19 +501,11 @@ bool runNdvi(GdalJob& job)
         || !job.Int(QStringLiteral("NIR Band"), &nir) || !job.CheckBand(*src, QStringLiteral("NIR Band"), nir))
         return false;
     RasterTarget target;
-    if (!target.Prepare(job, kOut))
-        return false;
-    const int width = src->GetRasterXSize(), height = src->GetRasterYSize();
-    GDALDatasetUniquePtr out = target.Create(job, width, height, 1, GDT_Float32);
+    GDALDatasetUniquePtr out = createLike(job, target, *src, GDT_Float32, kNdviNoData);
     if (!out)
         return false;
-    double gt[6];
-    if (src->GetGeoTransform(gt) == CE_None)
-        out->SetGeoTransform(gt);
-    if (const OGRSpatialReference* srs = src->GetSpatialRef())
-        out->SetSpatialRef(srs);
+    const int width = src->GetRasterXSize(), height = src->GetRasterYSize();
     GDALRasterBand* outBand = out->GetRasterBand(1);
-    outBand->SetNoDataValue(kNdviNoData);
 
     GDALRasterBand* redBand = src->GetRasterBand(red);
     GDALRasterBand* nirBand = src->GetRasterBand(nir);
@@ -614,22 +635,6 @@ bool runInfo(GdalJob& job)
     return true;
 }
 
-// A one-band output on the grid of src, of type, through target.
-GDALDatasetUniquePtr createLike(GdalJob& job, RasterTarget& target, GDALDataset& src, GDALDataType type)
-{
-    if (!target.Prepare(job, kOut))
-        return nullptr;
-    GDALDatasetUniquePtr out = target.Create(job, src.GetRasterXSize(), src.GetRasterYSize(), 1, type);
-    if (!out)
-        return nullptr;
-    double gt[6];
-    if (src.GetGeoTransform(gt) == CE_None)
-        out->SetGeoTransform(gt);
-    if (const OGRSpatialReference* srs = src.GetSpatialRef())
-        out->SetSpatialRef(srs);
-    return out;
-}
-
 // Opens In File and its band from parameter Band; null (the job failed) when either is missing.
 GDALRasterBand* inputBand(GdalJob& job, GDALDatasetUniquePtr& src)
 {
@@ -676,19 +681,17 @@ bool runProximity(GdalJob& job)
             return false;
         options.SetNameValue("MAXDIST", QByteArray::number(number, 'g', 17).constData());
     }
-    bool hasNoData = false;
+    std::optional<double> noData;
     if (job.Has(QStringLiteral("NoData"))) {
         if (!job.Double(QStringLiteral("NoData"), &number))
             return false;
         options.SetNameValue("NODATA", QByteArray::number(number, 'g', 17).constData());
-        hasNoData = true;
+        noData = number;
     }
     RasterTarget target;
-    GDALDatasetUniquePtr out = createLike(job, target, *src, GDT_Float32);
+    GDALDatasetUniquePtr out = createLike(job, target, *src, GDT_Float32, noData);
     if (!out)
         return false;
-    if (hasNoData)
-        out->GetRasterBand(1)->SetNoDataValue(number);
     GdalProgress progress(job, QStringLiteral("Proximity"), 0.0, 90.0);
     if (GDALComputeProximity(GDALRasterBand::ToHandle(band), GDALRasterBand::ToHandle(out->GetRasterBand(1)), options.List(),
                              &GdalProgress::Function, &progress) != CE_None)
@@ -707,13 +710,9 @@ bool runSieve(GdalJob& job)
     if (!job.Int(QStringLiteral("Threshold"), &threshold, 1) || !job.OneOf(QStringLiteral("Connectedness"), {"4", "8"}, &connectedness))
         return false;
     RasterTarget target;
-    GDALDatasetUniquePtr out = createLike(job, target, *src, band->GetRasterDataType());
+    GDALDatasetUniquePtr out = createLike(job, target, *src, band->GetRasterDataType(), noDataOf(*band));
     if (!out)
         return false;
-    int hasNoData = FALSE;
-    const double noData = band->GetNoDataValue(&hasNoData);
-    if (hasNoData)
-        out->GetRasterBand(1)->SetNoDataValue(noData);
     GdalProgress progress(job, QStringLiteral("Sieving"), 0.0, 90.0);
     if (GDALSieveFilter(GDALRasterBand::ToHandle(band), GDALRasterBand::ToHandle(band->GetMaskBand()),
                         GDALRasterBand::ToHandle(out->GetRasterBand(1)), threshold, connectedness.toInt(), nullptr,
@@ -735,14 +734,10 @@ bool runFillNoData(GdalJob& job)
     if (distance <= 0)
         return job.Fail(kBadParameter, QStringLiteral("Max Distance must be positive, not %1").arg(distance));
     RasterTarget target;
-    GDALDatasetUniquePtr out = createLike(job, target, *src, band->GetRasterDataType());
+    GDALDatasetUniquePtr out = createLike(job, target, *src, band->GetRasterDataType(), noDataOf(*band));
     if (!out)
         return false;
     GDALRasterBand* filled = out->GetRasterBand(1);
-    int hasNoData = FALSE;
-    const double noData = band->GetNoDataValue(&hasNoData);
-    if (hasNoData)
-        filled->SetNoDataValue(noData);
     if (!copyBand(job, *band, *filled))
         return false;
     GdalProgress progress(job, QStringLiteral("Filling no-data"), 0.0, 90.0);
@@ -861,6 +856,21 @@ struct BandStats
     double sum = 0.0;
     double mean = 0.0;
     double m2 = 0.0; // Welford: sum of squared deviations from the running mean
+
+    void Add(double v, bool isValid)
+    {
+        if (!isValid || std::isnan(v)) {
+            ++invalid;
+            return;
+        }
+        ++valid;
+        min = std::min(min, v);
+        max = std::max(max, v);
+        sum += v;
+        const double delta = v - mean;
+        mean += delta / double(valid);
+        m2 += delta * (v - mean);
+    }
 };
 
 bool computeStats(GdalJob& job, GDALRasterBand& band, GdalProgress& progress, double from, double to, BandStats* stats)
@@ -873,20 +883,8 @@ bool computeStats(GdalJob& job, GDALRasterBand& band, GdalProgress& progress, do
         if (band.RasterIO(GF_Read, 0, y, width, 1, values.data(), width, 1, GDT_Float64, 0, 0) != CE_None
             || band.GetMaskBand()->RasterIO(GF_Read, 0, y, width, 1, valid.data(), width, 1, GDT_Byte, 0, 0) != CE_None)
             return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot read line %1 of band %2").arg(y).arg(band.GetBand()));
-        for (size_t x = 0; x < count; ++x) {
-            const double v = values[x];
-            if (!valid[x] || std::isnan(v)) {
-                ++stats->invalid;
-                continue;
-            }
-            ++stats->valid;
-            stats->min = std::min(stats->min, v);
-            stats->max = std::max(stats->max, v);
-            stats->sum += v;
-            const double delta = v - stats->mean;
-            stats->mean += delta / double(stats->valid);
-            stats->m2 += delta * (v - stats->mean);
-        }
+        for (size_t x = 0; x < count; ++x)
+            stats->Add(values[x], valid[x] != 0);
         progress.Report((from + (to - from) * (y + 1.0) / height) / 100.0);
     }
     return true;
@@ -975,6 +973,227 @@ bool runPolygonize(GdalJob& job)
     const auto polygonize = floating ? GDALFPolygonize : GDALPolygonize;
     if (polygonize(GDALRasterBand::ToHandle(band), GDALRasterBand::ToHandle(mask), OGRLayer::ToHandle(layer), fieldIndex, options.List(), &GdalProgress::Function, &progress) != CE_None)
         return job.FailGdal(kProcessingFailed, QStringLiteral("Polygonizing %1 failed").arg(in));
+    if (transaction && ds->CommitTransaction() != OGRERR_NONE)
+        return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot write %1").arg(out));
+    return job.CloseOutput(ds, out);
+}
+
+struct ClassRange
+{
+    double min;
+    double max;
+    double value;
+};
+
+// The ranges of parameter Table, "min,max,value;min,max,value".
+bool classRanges(GdalJob& job, std::vector<ClassRange>* ranges)
+{
+    for (const QString& part : job.Text(QStringLiteral("Table")).split(QLatin1Char(';'))) {
+        const QString item = part.trimmed();
+        if (item.isEmpty())
+            continue;
+        const QStringList numbers = item.split(QLatin1Char(','));
+        ClassRange range{};
+        bool ok = numbers.size() == 3;
+        double* fields[] = {&range.min, &range.max, &range.value};
+        for (int i = 0; ok && i < 3; ++i)
+            *fields[i] = numbers[i].trimmed().toDouble(&ok);
+        if (!ok)
+            return job.Fail(kBadParameter, QStringLiteral("Table: '%1' is not min,max,value").arg(item));
+        if (!(range.min < range.max))
+            return job.Fail(kBadParameter, QStringLiteral("Table: in '%1' the minimum is not below the maximum").arg(item));
+        ranges->push_back(range);
+    }
+    if (ranges->empty())
+        return job.Fail(kBadParameter, QStringLiteral("Table holds no range; write min,max,value;min,max,value"));
+    return true;
+}
+
+bool runReclassify(GdalJob& job)
+{
+    GDALDatasetUniquePtr src;
+    GDALRasterBand* band = inputBand(job, src);
+    if (!band)
+        return false;
+    std::vector<ClassRange> ranges;
+    GDALDataType type = GDT_Unknown;
+    if (!classRanges(job, &ranges) || !job.DataType(QStringLiteral("Data Type"), &type))
+        return false;
+    double noData = noDataOf(*band).value_or(0.0);
+    if (job.Has(QStringLiteral("NoData")) && !job.Double(QStringLiteral("NoData"), &noData))
+        return false;
+    double otherwise = noData;
+    if (job.Has(QStringLiteral("Default")) && !job.Double(QStringLiteral("Default"), &otherwise))
+        return false;
+    RasterTarget target;
+    GDALDatasetUniquePtr out = createLike(job, target, *src, type, noData);
+    if (!out)
+        return false;
+    GDALRasterBand* outBand = out->GetRasterBand(1);
+    const int width = band->GetXSize(), height = band->GetYSize();
+    std::vector<double> line(static_cast<size_t>(width));
+    std::vector<GByte> valid(static_cast<size_t>(width));
+    GdalProgress progress(job, QStringLiteral("Reclassifying %1").arg(fileName(job.Text(kIn))), 0.0, 90.0);
+    for (int y = 0; y < height; ++y) {
+        if (band->RasterIO(GF_Read, 0, y, width, 1, line.data(), width, 1, GDT_Float64, 0, 0) != CE_None
+            || band->GetMaskBand()->RasterIO(GF_Read, 0, y, width, 1, valid.data(), width, 1, GDT_Byte, 0, 0) != CE_None)
+            return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot read line %1 of %2").arg(y).arg(job.Text(kIn)));
+        for (size_t x = 0; x < line.size(); ++x) {
+            const double v = line[x];
+            if (!valid[x] || std::isnan(v)) {
+                line[x] = noData;
+                continue;
+            }
+            line[x] = otherwise;
+            for (const ClassRange& range : ranges)
+                if (range.min <= v && v < range.max) {
+                    line[x] = range.value;
+                    break;
+                }
+        }
+        if (outBand->RasterIO(GF_Write, 0, y, width, 1, line.data(), width, 1, GDT_Float64, 0, 0) != CE_None)
+            return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot write %1").arg(target.Path()));
+        progress.Report((y + 1.0) / height);
+    }
+    return target.Commit(job, std::move(out));
+}
+
+// How many pixels of a zone are placed on the raster at once.
+constexpr int kZoneStripPixels = 1 << 22;
+
+// The fields of zonal statistics, in order; the count first.
+constexpr const char* kZoneFields[] = {"count", "sum", "mean", "min", "max"};
+
+// Adds to stats the pixels of band (on the grid gt) whose centres lie inside zone,
+// the pixels gdal_rasterize would burn; mem is GDAL's in-memory driver.
+bool addZone(GdalJob& job, GDALRasterBand& band, const double gt[6], OGRGeometry& zone, GDALDriver& mem, BandStats* stats)
+{
+    OGREnvelope env;
+    zone.getEnvelope(&env);
+    const int width = band.GetXSize(), height = band.GetYSize();
+    const double ax = (env.MinX - gt[0]) / gt[1], bx = (env.MaxX - gt[0]) / gt[1];
+    const double ay = (env.MaxY - gt[3]) / gt[5], by = (env.MinY - gt[3]) / gt[5];
+    const auto clamp = [](double v, int limit) { return int(std::max(0.0, std::min(double(limit), v))); };
+    const int x0 = clamp(std::floor(std::min(ax, bx)), width), x1 = clamp(std::ceil(std::max(ax, bx)), width);
+    const int y0 = clamp(std::floor(std::min(ay, by)), height), y1 = clamp(std::ceil(std::max(ay, by)), height);
+    const int w = x1 - x0, h = y1 - y0;
+    if (w <= 0 || h <= 0)
+        return true; // outside the raster
+    // A strip of rows at a time, so a zone as large as the raster needs no mask as large.
+    const int rows = std::max(1, std::min(h, kZoneStripPixels / w));
+    const size_t count = size_t(w) * size_t(rows);
+    std::vector<GByte> in(count), valid(count);
+    std::vector<double> values(count);
+    GDALDatasetUniquePtr inside(mem.Create("", w, rows, 1, GDT_Byte, nullptr));
+    if (!inside)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot make a zone mask of %1 x %2 pixels").arg(w).arg(rows));
+    GDALRasterBand* mask = inside->GetRasterBand(1);
+    for (int top = y0; top < y1; top += rows) {
+        const int n = std::min(rows, y1 - top);
+        double window[6] = {gt[0] + x0 * gt[1], gt[1], 0.0, gt[3] + top * gt[5], 0.0, gt[5]};
+        inside->SetGeoTransform(window);
+        mask->Fill(0);
+        int bandList = 1;
+        double burn = 1.0;
+        OGRGeometryH handle = OGRGeometry::ToHandle(&zone);
+        if (GDALRasterizeGeometries(GDALDataset::ToHandle(inside.get()), 1, &bandList, 1, &handle, nullptr, nullptr, &burn,
+                                    nullptr, nullptr, nullptr) != CE_None)
+            return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot place a zone on the raster"));
+        if (mask->RasterIO(GF_Read, 0, 0, w, n, in.data(), w, n, GDT_Byte, 0, 0) != CE_None
+            || band.RasterIO(GF_Read, x0, top, w, n, values.data(), w, n, GDT_Float64, 0, 0) != CE_None
+            || band.GetMaskBand()->RasterIO(GF_Read, x0, top, w, n, valid.data(), w, n, GDT_Byte, 0, 0) != CE_None)
+            return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot read lines %1 to %2 of band %3").arg(top).arg(top + n - 1).arg(band.GetBand()));
+        for (size_t i = 0; i < size_t(w) * size_t(n); ++i)
+            if (in[i])
+                stats->Add(values[i], valid[i] != 0);
+    }
+    return true;
+}
+
+bool runZonalStatistics(GdalJob& job)
+{
+    GDALDatasetUniquePtr src;
+    GDALRasterBand* band = inputBand(job, src);
+    if (!band)
+        return false;
+    const QString in = job.Text(kIn);
+    double gt[6], box[4];
+    if (!RasterExtent(*src, box) || src->GetGeoTransform(gt) != CE_None)
+        return job.Fail(kCannotOpenInput, QStringLiteral("%1 is not a north-up georeferenced raster, so zones cannot be placed on it").arg(in));
+    const QString zonesPath = job.Text(QStringLiteral("Zones File"));
+    GDALDatasetUniquePtr zonesSource = job.OpenVector(zonesPath);
+    if (!zonesSource)
+        return false;
+    OGRLayer* zones = job.Layer(*zonesSource, zonesPath, QStringLiteral("Layer"));
+    if (!zones)
+        return false;
+    std::unique_ptr<OGRCoordinateTransformation> transform;
+    const OGRSpatialReference* from = zones->GetSpatialRef();
+    const OGRSpatialReference* to = src->GetSpatialRef();
+    if (from && to && !from->IsSame(to)) {
+        OGRSpatialReference source(*from), target(*to);
+        source.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
+        target.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
+        transform.reset(OGRCreateCoordinateTransformation(&source, &target));
+        if (!transform)
+            return job.FailGdal(kCannotOpenInput, QStringLiteral("Cannot bring the zones of %1 into the spatial reference of %2").arg(zonesPath, in));
+    }
+    const QString prefix = job.Text(QStringLiteral("Prefix"));
+    for (const char* field : kZoneFields)
+        if (zones->GetLayerDefn()->GetFieldIndex((prefix + QLatin1String(field)).toUtf8().constData()) >= 0)
+            return job.Fail(kBadParameter, QStringLiteral("Prefix: the zones already have a field '%1'; choose a prefix")
+                                               .arg(prefix + QLatin1String(field)));
+
+    const OutputFile* output = job.PrepareOutput(kOut, OutputKind::Vector);
+    if (!output)
+        return false;
+    GDALDatasetUniquePtr ds = CreateVectorOutput(job, *output);
+    if (!ds)
+        return false;
+    const QString& out = output->Path();
+    // A CSV file is the table of the figures; other formats copy the polygons too.
+    const bool table = output->Driver() == QLatin1String("CSV");
+    std::vector<int> fieldMap;
+    OGRLayer* target = CreateLayerLike(job, *ds, *output, *zones, table ? wkbNone : zones->GetGeomType(), &fieldMap);
+    if (!target)
+        return false;
+    const int firstStat = target->GetLayerDefn()->GetFieldCount();
+    for (int i = 0; i < int(std::size(kZoneFields)); ++i) {
+        const QString name = prefix + QLatin1String(kZoneFields[i]);
+        OGRFieldDefn defn(name.toUtf8().constData(), i == 0 ? OFTInteger64 : OFTReal);
+        if (target->CreateField(&defn) != OGRERR_NONE)
+            return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create field %1 in %2").arg(name, out));
+    }
+    GDALDriver* mem = GetGDALDriverManager()->GetDriverByName("MEM");
+    if (!mem)
+        return job.Fail(kProcessingFailed, QStringLiteral("GDAL's in-memory format is not available"));
+
+    const bool transaction = ds->StartTransaction() == OGRERR_NONE; // GeoPackage is slow without one
+    const GIntBig total = std::max<GIntBig>(1, zones->GetFeatureCount());
+    GdalProgress progress(job, QStringLiteral("Zonal statistics of %1").arg(fileName(in)), 0.0, 95.0);
+    GIntBig done = 0;
+    zones->ResetReading();
+    for (OGRFeatureUniquePtr feature(zones->GetNextFeature()); feature; feature.reset(zones->GetNextFeature())) {
+        BandStats stats;
+        std::unique_ptr<OGRGeometry> zone(feature->GetGeometryRef() ? feature->GetGeometryRef()->clone() : nullptr);
+        if (zone && transform && zone->transform(transform.get()) != OGRERR_NONE)
+            return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot transform zone %1 of %2").arg(feature->GetFID()).arg(zonesPath));
+        if (zone && !zone->IsEmpty() && !addZone(job, *band, gt, *zone, *mem, &stats))
+            return false;
+        OGRFeatureUniquePtr result(OGRFeature::CreateFeature(target->GetLayerDefn()));
+        result->SetFrom(feature.get(), fieldMap.data(), TRUE);
+        if (table)
+            result->SetGeometry(nullptr);
+        result->SetField(firstStat, GIntBig(stats.valid));
+        if (stats.valid > 0) { // else the figures stay empty
+            const double values[] = {stats.sum, stats.sum / double(stats.valid), stats.min, stats.max};
+            for (int i = 0; i < 4; ++i)
+                result->SetField(firstStat + 1 + i, values[i]);
+        }
+        if (target->CreateFeature(result.get()) != OGRERR_NONE)
+            return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot write zone %1 to %2").arg(feature->GetFID()).arg(out));
+        progress.Report(double(++done) / double(total));
+    }
     if (transaction && ds->CommitTransaction() != OGRERR_NONE)
         return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot write %1").arg(out));
     return job.CloseOutput(ds, out);
@@ -1237,6 +1456,41 @@ void RegisterRasterAlgorithms()
                                              QStringLiteral("4 joins pixels by edges, 8 also by corners")),
                                   QStringLiteral("4"))}),
         runPolygonize);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.reclassify", "Reclassify by table",
+                     "Gives each pixel the value of the range of a table it falls in, such as classes of elevation or slope.",
+                     {inRaster(), bandParam(),
+                      InputParam(QStringLiteral("Table"), QStringLiteral("string"),
+                                 QStringLiteral("Ranges as min,max,value;min,max,value; a pixel is in a range when min <= pixel < max, "
+                                                "and the first range it is in wins")),
+                      outRaster("Reclassified raster"),
+                      Optional(number("Default", "float", "Value of pixels in no range; empty makes them no-data")),
+                      Optional(number("NoData", "float", "No-data value of the output, also where the input is no-data; "
+                                                         "empty takes the input's, else 0")),
+                      WithDefault(InputParam(QStringLiteral("Data Type"), QStringLiteral("string"),
+                                             QStringLiteral("Byte, UInt16, Int16, UInt32, Int32, Float32 or Float64; values are "
+                                                            "rounded and clipped to it")),
+                                  QStringLiteral("Float32"))}),
+        runReclassify);
+
+    RegisterGdalAlgorithm(
+        rasterConfig("raster.zonalStatistics", "Zonal statistics",
+                     "Counts and sums the pixels of a raster inside each polygon of a layer, into a CSV table or a copy of "
+                     "the layer.",
+                     {inRaster(), bandParam(),
+                      InputParam(QStringLiteral("Zones File"), QStringLiteral("file"),
+                                 QStringLiteral("Polygons; a pixel belongs to those its centre lies in"),
+                                 QString::fromLatin1(kVectorInputFilter)),
+                      OutputParam(kOut, QStringLiteral("file"),
+                                  QStringLiteral("The polygons' fields and count, sum, mean, min and max of the valid pixels in "
+                                                 "each: a .csv file is this table, other formats copy the polygons too"),
+                                  QString::fromLatin1(kVectorOutputFilter)),
+                      Optional(InputParam(QStringLiteral("Layer"), QStringLiteral("string"),
+                                          QStringLiteral("Layer of the zones file; empty takes the first"))),
+                      Optional(InputParam(QStringLiteral("Prefix"), QStringLiteral("string"),
+                                          QStringLiteral("Put before the names of the figures' fields, e.g. dem_; empty puts nothing")))}),
+        runZonalStatistics);
 }
 
 } // namespace HostRunner

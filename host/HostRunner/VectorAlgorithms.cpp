@@ -8,6 +8,7 @@
 #include <ogr_spatialref.h>
 #include <ogrsf_frmts.h>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -194,18 +195,10 @@ bool runBuffer(GdalJob& job)
     const QString& out = output->Path();
     // Multi-polygons throughout: a buffer may split or merge parts, and some formats
     // refuse a multi-polygon in a polygon layer.
-    OGRLayer* target = ds->CreateLayer(QFileInfo(out).completeBaseName().toUtf8().constData(), layer->GetSpatialRef(),
-                                       wkbMultiPolygon, LayerOptionsFor(job, output->Driver()).List());
-    if (!target)
-        return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create layer in %1").arg(out));
-    OGRFeatureDefn* sourceDefn = layer->GetLayerDefn();
     std::vector<int> fieldMap;
-    for (int i = 0; i < sourceDefn->GetFieldCount(); ++i) {
-        if (target->CreateField(sourceDefn->GetFieldDefn(i)) != OGRERR_NONE)
-            return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create field %1 in %2")
-                                                        .arg(QString::fromUtf8(sourceDefn->GetFieldDefn(i)->GetNameRef()), out));
-        fieldMap.push_back(target->GetLayerDefn()->GetFieldCount() - 1); // formats may rename, so map by position
-    }
+    OGRLayer* target = CreateLayerLike(job, *ds, *output, *layer, wkbMultiPolygon, &fieldMap);
+    if (!target)
+        return false;
 
     const bool transaction = ds->StartTransaction() == OGRERR_NONE; // GeoPackage is slow without one
     const GIntBig total = std::max<GIntBig>(1, layer->GetFeatureCount());
@@ -551,6 +544,71 @@ bool runMerge(GdalJob& job)
     return job.CloseOutput(merged, out);
 }
 
+// The dimension of a layer's geometries: 0 points, 1 lines, 2 areas; -1 when mixed
+// or unknown.
+int dimensionOf(OGRwkbGeometryType type)
+{
+    type = wkbFlatten(type);
+    if (type == wkbPoint || type == wkbMultiPoint)
+        return 0;
+    if (OGR_GT_IsCurve(type) || OGR_GT_IsSubClassOf(type, wkbMultiCurve))
+        return 1;
+    if (OGR_GT_IsSurface(type) || OGR_GT_IsSubClassOf(type, wkbMultiSurface))
+        return 2;
+    return -1;
+}
+
+bool runIntersection(GdalJob& job)
+{
+    const QString in = job.Text(kIn);
+    GDALDatasetUniquePtr src;
+    OGRLayer* layer = openLayer(job, in, src);
+    if (!layer)
+        return false;
+    const QString overlayPath = job.Text(QStringLiteral("Overlay File"));
+    GDALDatasetUniquePtr overlaySource = job.OpenVector(overlayPath);
+    if (!overlaySource)
+        return false;
+    OGRLayer* overlay = job.Layer(*overlaySource, overlayPath, QStringLiteral("Overlay Layer"));
+    if (!overlay)
+        return false;
+    const OGRSpatialReference* a = layer->GetSpatialRef();
+    const OGRSpatialReference* b = overlay->GetSpatialRef();
+    if ((a == nullptr) != (b == nullptr) || (a && !a->IsSame(b)))
+        return job.Fail(kBadParameter, QStringLiteral("Cannot intersect %1 with %2: their spatial references differ; reproject first")
+                                           .arg(in, overlayPath));
+    const OutputFile* output = job.PrepareOutput(kOut, OutputKind::Vector);
+    if (!output)
+        return false;
+    GDALDatasetUniquePtr ds = CreateVectorOutput(job, *output);
+    if (!ds)
+        return false;
+    const QString& out = output->Path();
+    // A typed layer keeps only the pieces of the lower dimension of the two (two
+    // areas give areas, not the lines where they merely touch); mixed input keeps all.
+    // Lines and areas are written as multi-part; GDAL leaves points as they come, so
+    // points stay single where the point side is.
+    const int da = dimensionOf(layer->GetGeomType()), db = dimensionOf(overlay->GetGeomType());
+    const bool singlePoints = (da != 0 || wkbFlatten(layer->GetGeomType()) == wkbPoint)
+                              && (db != 0 || wkbFlatten(overlay->GetGeomType()) == wkbPoint);
+    const OGRwkbGeometryType types[] = {singlePoints ? wkbPoint : wkbMultiPoint, wkbMultiLineString, wkbMultiPolygon};
+    const OGRwkbGeometryType type = da < 0 || db < 0 ? wkbUnknown : types[std::min(da, db)];
+    OGRLayer* target = ds->CreateLayer(QFileInfo(out).completeBaseName().toUtf8().constData(), layer->GetSpatialRef(), type,
+                                       LayerOptionsFor(job, output->Driver()).List());
+    if (!target)
+        return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot create layer in %1").arg(out));
+    // Fields of both sides; a name on both gets input_ and method_ in front.
+    CPLStringList options;
+    options.SetNameValue("PROMOTE_TO_MULTI", type == wkbUnknown ? "NO" : "YES");
+    const bool transaction = ds->StartTransaction() == OGRERR_NONE; // GeoPackage is slow without one
+    GdalProgress progress(job, QStringLiteral("Intersecting %1 with %2").arg(layerName(*layer), layerName(*overlay)), 0.0, 95.0);
+    if (layer->Intersection(overlay, target, options.List(), &GdalProgress::Function, &progress) != OGRERR_NONE)
+        return job.FailGdal(kProcessingFailed, QStringLiteral("Intersecting %1 with %2 failed").arg(in, overlayPath));
+    if (transaction && ds->CommitTransaction() != OGRERR_NONE)
+        return job.FailGdal(kCannotWriteOutput, QStringLiteral("Cannot write %1").arg(out));
+    return job.CloseOutput(ds, out);
+}
+
 } // namespace
 
 void RegisterVectorAlgorithms()
@@ -682,6 +740,20 @@ void RegisterVectorAlgorithms()
                                  QString::fromLatin1(kVectorInputFilter)),
                       outVector("Merged layer")}),
         runMerge, GdalTool::VectorTranslate);
+
+    RegisterGdalAlgorithm(
+        vectorConfig("vector.intersection", "Intersection",
+                     "Cuts the features of two vector layers to where they overlap, each piece carrying the fields of both.",
+                     {inVector(),
+                      InputParam(QStringLiteral("Overlay File"), QStringLiteral("file"),
+                                 QStringLiteral("Vector layer to intersect with, in the same spatial reference"),
+                                 QString::fromLatin1(kVectorInputFilter)),
+                      outVector("One feature per overlapping pair, of the lower dimension of the two; a field name both "
+                                "layers have gets input_ and method_ in front"),
+                      layerParam(),
+                      Optional(InputParam(QStringLiteral("Overlay Layer"), QStringLiteral("string"),
+                                          QStringLiteral("Layer of the overlay file; empty takes the first")))}),
+        runIntersection);
 }
 
 } // namespace HostRunner

@@ -6,6 +6,7 @@
 #include "editor/RunCommand.h"
 #include "editor/StopCommand.h"
 #include "editor/ValidateCommand.h"
+#include "engine/APCAlgo.h"
 #include "engine/ModelRun.h"
 #include "engine/SequenceControl.h"
 #include "model/APCModel.h"
@@ -114,6 +115,19 @@ void ValidateCommand::OnClick()
     QMessageBox::information(m_controler, QCoreApplication::translate("ValidateCommand", "succeed"),
                              QCoreApplication::translate("ValidateCommand", "Validate Succeed"),
                              QCoreApplication::translate("ValidateCommand", "OK"));
+    // A model that passes its own checks may still hold options GDAL refuses: say so
+    // now rather than at the step, hours into a batch.
+    QStringList refused;
+    for (APCProcess* process : m_controler->GetDocument()->GetProcesses())
+        if (auto* algo = dynamic_cast<APCAlgo*>(process)) {
+            const QStringList problem = algo->ParameterProblem();
+            if (problem.size() == 2)
+                refused << QCoreApplication::translate("ValidateCommand", "The parameter \"%1\" of \"%2\" is refused: %3")
+                               .arg(problem[0], process->GetDescription(), problem[1]);
+        }
+    if (!refused.isEmpty())
+        QMessageBox::warning(m_controler, QCoreApplication::translate("ValidateCommand", "Warning"),
+                             refused.join(QLatin1Char('\n')), QCoreApplication::translate("ValidateCommand", "OK"));
 }
 
 } // namespace Plugin
