@@ -611,6 +611,9 @@ bool runNearblack(GdalJob& job)
 bool runInfo(GdalJob& job)
 {
     const QString in = job.Text(kIn);
+    // Statistics asked for (-stats) would be kept in a .aux.xml beside the input,
+    // a file no step of the model writes: the report is the only output.
+    const CPLConfigOptionSetter noSidecar("GDAL_PAM_ENABLED", "NO", false);
     GDALDatasetUniquePtr src = job.OpenRaster(in);
     if (!src)
         return false;

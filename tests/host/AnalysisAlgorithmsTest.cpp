@@ -187,3 +187,12 @@ TEST_F(AnalysisAlgorithms, BadInputGivesCodeAndMessageAndNoOutput)
                      20, {"reproject first"}}},
                    out, {out, Path("never.tif")});
 }
+
+// Statistics asked of the information step land in its report, never beside the input.
+TEST_F(AnalysisAlgorithms, InformationWithStatisticsWritesOnlyItsReport)
+{
+    const RunResult r = RunAlgorithm("raster.info", {{"In File", raster}, {"Out File", Path("info.json")}, {"Additional options", "-stats"}});
+    ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+    EXPECT_TRUE(TestSupport::ReadAll(Path("info.json")).contains("STATISTICS_MEAN"));
+    EXPECT_FALSE(QFileInfo::exists(raster + ".aux.xml"));
+}
