@@ -187,7 +187,7 @@ TEST(ExportPicture, WritesTheWholeModelInTheChosenFormatAndLeavesTheWindowAsItWa
     for (int i = 0; i < 3; ++i)
         Action(&window, "Fixed Zoom In")->trigger();
     QStringList modelEntries = entries(menu(window, "Model"));
-    EXPECT_EQ(modelEntries, QStringList({"Save", "Save As", "Validate Entire Model", "Run", "Pause", "Stop", "Print"}));
+    EXPECT_EQ(modelEntries, QStringList({"Save", "Save As", "Validate Entire Model", "Run", "Pause", "Stop", "Print", "Export for a cluster..."}));
     QGraphicsItem* chosen = window.FindItem(window.GetDocument()->GetProcesses().value(1));
     chosen->setSelected(true);
 
