@@ -20,6 +20,14 @@ using GuiDriver::OnNextModal;
 
 namespace {
 
+void click(QWidget* root, const QString& text)
+{
+    for (QAbstractButton* b : root->findChildren<QAbstractButton*>())
+        if (b->text() == text && b->isVisible())
+            return QTest::mouseClick(b, Qt::LeftButton);
+    ADD_FAILURE() << "no button " << text.toStdString();
+}
+
 void pick(QWidget* picker, const QString& path)
 {
     auto* files = qobject_cast<QFileDialog*>(picker);
@@ -43,14 +51,14 @@ void answerInputs(const TestSupport::SceneBatch& batch, std::function<void(QWidg
             QWidget* page = tabs->widget(i);
             if (tabs->tabText(i) == "Scene folders") {
                 OnNextModal([&batch](QWidget* picker) { pick(picker, batch.scenes); });
-                GuiDriver::Click(page, "Add...");
+                click(page, "Add...");
                 continue;
             }
             QTest::keyClicks(page->findChild<QLineEdit*>(), batch.out);
         }
         if (next)
             OnNextModal(next);
-        GuiDriver::Click(dialog, "OK");
+        click(dialog, "OK");
     });
 }
 
