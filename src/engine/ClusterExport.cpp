@@ -172,6 +172,10 @@ QString ClusterExport::Snakefile() const
                           "    output: \"model.json\"\n"
                           "    log: \"logs/model.log\"\n"
                           "    shell: \"{RUN} --report {output:q} > {log:q} 2>&1\"\n");
+    // A job's name and command hold its driving file, not its round number: so a
+    // re-export after new files keeps every finished job's command, and Snakemake
+    // keeps it finished with its default rerun triggers. Turning those down to
+    // mtime alone would also keep finished rounds whose --set values changed.
     text += QStringLiteral(
         "# One job per round, named and run by its driving file, never by its number:\n"
         "# numbers shift when a file is added, and Snakemake runs a finished job again\n"
@@ -190,7 +194,7 @@ QString ClusterExport::Snakefile() const
         "localrules: all\n"
         "\n"
         "rule all:\n"
-        "    input: expand(\"rounds/{round}.json\", round=ROUNDS)\n"
+        "    input: expand(\"rounds/{round}.json\", round=ROUNDS) + PROLOGUE\n"
         "\n")
                 .arg(m_prologue ? QStringLiteral("[\"prologue.json\"]") : QStringLiteral("[]"));
     if (m_prologue)
