@@ -11,6 +11,7 @@ packages=(
   libgraphviz-dev
   libgtest-dev googletest
   python3-gdal
+  snakemake
 )
 if [ "${WITH_FUZZ:-0}" = 1 ]; then packages+=(clang libclang-rt-14-dev); fi
 if [ "${WITH_COVERAGE:-0}" = 1 ]; then packages+=(gcovr); fi

@@ -18,6 +18,7 @@
 
 #include "engine/APCExecuteFactory.h"
 #include "engine/APCFileIterator.h"
+#include "engine/ClusterExport.h"
 #include "engine/ModelRun.h"
 #include "engine/SequenceControl.h"
 #include "engine/SequenceNode.h"
@@ -35,6 +36,8 @@
 #include <QSet>
 #include <QThread>
 #include <QTimer>
+
+#include <limits>
 
 #include <unistd.h>
 
@@ -110,6 +113,8 @@ int BatchRun::Exec()
         return Refuse(inputProblems);
     if (m_options.GetAction() == CommandLine::Action::ListRounds)
         return ListRounds(model, inputs);
+    if (m_options.GetAction() == CommandLine::Action::Export)
+        return Export(model, inputs);
     return Run(model, inputs);
 }
 
@@ -201,16 +206,10 @@ QStringList BatchRun::OutlineOf(Plugin::APCModel& model, const FreeInputs& input
         outline->iterator = outer->GetProcess()->GetDescription();
         for (Plugin::SequenceNode* node : graph.Prologue())
             outline->prologue.insert(node->GetProcess()->GetName());
-        // Steps outside the iterator run once, before its first round, only when
-        // they lead to it: one that does not is an end of the graph the later
-        // rounds never reach again, and the run stalls there.
-        bool leadToIterator = true;
-        for (Plugin::SequenceNode* node : graph.Prologue())
-            leadToIterator = leadToIterator && Plugin::StepGraph::Behind(node).contains(outer);
-        outline->parallel = graph.IteratorCount() == 1 && leadToIterator;
+        outline->parallel = graph.IteratorCount() == 1 && graph.PrologueLeadsToIterator();
     }
     plan.Walk();
-    outline->rounds = plan.OuterRounds();
+    outline->rounds = graph.OuterRounds();
     outline->failed = plan.Failed();
     outline->folders = plan.OutputFolders();
     outline->warnings = plan.Warnings();
@@ -276,6 +275,30 @@ int BatchRun::ListRounds(Plugin::APCModel& model, const FreeInputs& inputs)
     return Success;
 }
 
+int BatchRun::Export(Plugin::APCModel& model, const FreeInputs& inputs)
+{
+    Outline outline; // refused as a run would be
+    const QStringList refusal = OutlineOf(model, inputs, &outline);
+    if (!refusal.isEmpty())
+        return Refuse(refusal);
+    Say(outline.warnings);
+    Plugin::ClusterExport workflow(m_options.ModelPath(), m_options.Settings(), QCoreApplication::applicationFilePath());
+    QString error;
+    if (!workflow.Plan(model, inputs.List(), &error))
+        return Refuse({QStringLiteral("mbrun: the model cannot run: %1\n").arg(error)});
+    const QString dir = m_options.ExportDir();
+    if (!workflow.Write(dir, &error)) {
+        Say({QStringLiteral("mbrun: cannot write the workflow into %1: %2\n").arg(dir, error)});
+        return StepFailed;
+    }
+    const int jobs = workflow.HasIterator() ? workflow.Jobs().size() : 1;
+    Console::Out(QStringLiteral("Wrote %1 job(s)%2 into %3. Run them with\n    %4\n")
+                     .arg(jobs)
+                     .arg(workflow.HasPrologue() ? QStringLiteral(" and the steps outside the iterator") : QString(),
+                          QFileInfo(dir).absoluteFilePath(), Plugin::ClusterExport::LocalCommand(dir)));
+    return Success;
+}
+
 void BatchRun::WaitForLateSteps(const RunRecorder& recorder)
 {
     // A failure ends the run while other branches may still be executing; they
@@ -296,15 +319,39 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
 {
     if (m_options.DryRun())
         return Plan(model, inputs);
-    const int round = m_options.Round();
+    int round = m_options.Round();
+    int last = m_options.LastRound();
+    if (!m_options.RoundFile().isEmpty()) {
+        // Named by its driving file, a round keeps its name when files are added
+        // before it; its number is looked up now.
+        Outline all;
+        const QStringList refusal = OutlineOf(model, inputs, &all);
+        if (!refusal.isEmpty())
+            return Refuse(refusal);
+        if (all.iterator.isEmpty())
+            return Refuse({QStringLiteral("mbrun: the model has no iterator: run it without --round-file\n")});
+        const QString wanted = QFileInfo(m_options.RoundFile()).absoluteFilePath();
+        for (const Plugin::RunPlan::Round& r : all.rounds)
+            if (r.file == m_options.RoundFile() || QFileInfo(r.file).absoluteFilePath() == wanted)
+                round = last = r.number;
+        if (round == 0)
+            return Refuse({QStringLiteral("mbrun: the iterator \"%1\" hands out no round driven by %2 (see --list-rounds)\n")
+                               .arg(all.iterator, m_options.RoundFile())});
+    }
+    const bool prologueOnly = m_options.PrologueOnly();
     Outline outline;
-    if (round == 0 && m_options.Jobs() == 1) {
+    if (round == 0 && !prologueOnly && m_options.Jobs() == 1) {
         const QStringList conflicts = FileConflictsOf(model, inputs);
         if (!conflicts.isEmpty())
             return Refuse(conflicts);
     } else {
-        if (round > 0) {
-            const QString refusal = SelectRounds(model, inputs, round, m_options.LastRound());
+        if (prologueOnly) {
+            // An iterator handing out no round leaves the steps outside it.
+            const QString refusal = SelectRounds(model, inputs, std::numeric_limits<int>::max(), 0);
+            if (!refusal.isEmpty())
+                return Refuse({refusal.contains(QLatin1String("its one round")) ? QStringLiteral("mbrun: the model has no iterator: run it without --prologue\n") : refusal});
+        } else if (round > 0) {
+            const QString refusal = SelectRounds(model, inputs, round, last);
             if (!refusal.isEmpty())
                 return Refuse({refusal});
         }
@@ -436,7 +483,7 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
     flushTimer.stop();
     flushState();
 
-    QStringList closing = ClosingLines::EmptyIterators(recorder) + recorder.LeftOut().Warnings() +
+    QStringList closing = (prologueOnly ? QStringList() : ClosingLines::EmptyIterators(recorder)) + recorder.LeftOut().Warnings() +
                           ClosingLines::Failures(recorder);
     if (m_signal)
         closing += ClosingLines::Interrupted(recorder, StopSignals::Name(m_signal));

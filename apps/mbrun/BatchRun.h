@@ -60,6 +60,8 @@ private:
     QString SelectRounds(Plugin::APCModel& model, const FreeInputs& inputs, int round, int last);
     // Prints the rounds of the outermost iterator.
     int ListRounds(Plugin::APCModel& model, const FreeInputs& inputs);
+    // Writes the rounds as a Snakemake workflow into --export's folder.
+    int Export(Plugin::APCModel& model, const FreeInputs& inputs);
     // Runs the rounds in child processes, jobs at a time; countRounds tells how
     // many rounds there are once the steps outside the iterator have run.
     int RunJobs(const Outline& outline, int jobs, const std::function<int()>& countRounds);

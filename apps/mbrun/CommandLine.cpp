@@ -12,6 +12,8 @@ QString CommandLine::Usage()
         "Usage: mbrun MODEL.apc [--set NAME=VALUE]... [OPTION]...   run the model\n"
         "       mbrun MODEL.apc --list                  list its free inputs\n"
         "       mbrun MODEL.apc [--set ...] --list-rounds [--json]   list its rounds\n"
+        "       mbrun MODEL.apc [--set ...] --export snakemake DIR   write a Snakemake workflow\n"
+        "                                               of its rounds into DIR\n"
         "       mbrun --algorithms                      list the host's algorithms (Markdown)\n"
         "       mbrun --help\n"
         "\n"
@@ -26,6 +28,8 @@ QString CommandLine::Usage()
         "                    when the run fails or is interrupted\n"
         "  --round K         run round K of the iterator only, after the steps outside it\n"
         "                    whose outputs are missing; K-L runs rounds K to L in turn\n"
+        "  --round-file FILE run the one round whose driving file is FILE (as --round)\n"
+        "  --prologue        run the steps outside the iterator only\n"
         "  --no-prologue     with --round: run no step outside the iterator\n"
         "  --with-prologue   with --round: run every step outside the iterator\n"
         "  -j, --jobs N      run N rounds at a time (0: one per core; default 1)\n"
@@ -93,6 +97,18 @@ bool CommandLine::Parse(const QStringList& arguments)
             m_jobs = value.toInt(&ok);
             if (!ok || m_jobs < 0)
                 return Fail(QStringLiteral("mbrun: %1 needs a number of jobs (0 for one per core), got \"%2\"\n").arg(a, value));
+        } else if (a == QLatin1String("--prologue")) {
+            m_prologueOnly = true;
+        } else if (a == QLatin1String("--round-file")) {
+            if (args.isEmpty() || args.first().isEmpty())
+                return Fail(QStringLiteral("mbrun: --round-file needs the driving file of a round\n"));
+            m_roundFile = args.takeFirst();
+        } else if (a == QLatin1String("--export")) {
+            if (args.size() < 2 || args.first() != QLatin1String("snakemake") || args.at(1).isEmpty())
+                return Fail(QStringLiteral("mbrun: --export needs a kind and a folder: --export snakemake DIR\n"));
+            args.removeFirst();
+            m_action = Action::Export;
+            m_exportDir = args.takeFirst();
         } else if (a == QLatin1String("--report") || a == QLatin1String("--set")) {
             if (args.isEmpty())
                 return Fail(QStringLiteral("mbrun: %1 needs a value\n").arg(a));
@@ -111,15 +127,22 @@ bool CommandLine::Parse(const QStringList& arguments)
     }
     if (m_json && m_action != Action::ListRounds)
         return Fail(QStringLiteral("mbrun: --json goes with --list-rounds\n"));
+    if (!m_roundFile.isEmpty() && (m_round > 0 || m_prologueOnly))
+        return Fail(QStringLiteral("mbrun: --round-file runs one round: leave out --round and --prologue\n"));
+    if (m_prologueOnly && m_round > 0)
+        return Fail(QStringLiteral("mbrun: --prologue runs no round: leave out --round\n"));
+    const bool oneRound = m_round > 0 || !m_roundFile.isEmpty();
     for (const auto& [given, flag] : {std::make_pair(m_noPrologue, "--no-prologue"), std::make_pair(m_withPrologue, "--with-prologue")})
-        if (given && m_round == 0)
+        if (given && !oneRound)
             return Fail(QStringLiteral("mbrun: %1 goes with --round\n").arg(QLatin1String(flag)));
     if (m_noPrologue && m_withPrologue)
         return Fail(QStringLiteral("mbrun: --no-prologue and --with-prologue exclude each other\n"));
-    if (m_stateHeld && m_round == 0)
+    if (m_stateHeld && !oneRound)
         return Fail(QStringLiteral("mbrun: --state-held goes with --round\n"));
-    if (m_round > 0 && m_jobs != 1)
+    if ((oneRound || m_prologueOnly) && m_jobs != 1)
         return Fail(QStringLiteral("mbrun: --round runs one round: leave out --jobs\n"));
+    if (m_action == Action::Export && (oneRound || m_prologueOnly || m_dryRun || m_resume || m_jobs != 1 || !m_reportPath.isEmpty()))
+        return Fail(QStringLiteral("mbrun: --export writes a workflow and runs nothing: give it only --set\n"));
     if (m_dryRun && !m_reportPath.isEmpty())
         return Fail(QStringLiteral("mbrun: --dry-run writes no file: leave out --report\n"));
     if (!m_reportPath.isEmpty()) {

@@ -11,7 +11,7 @@ namespace Mbrun {
 class CommandLine
 {
 public:
-    enum class Action { Run, List, ListRounds, Algorithms, Help };
+    enum class Action { Run, List, ListRounds, Export, Algorithms, Help };
 
     // False with Error() set when the arguments make no sense together.
     bool Parse(const QStringList& arguments);
@@ -40,6 +40,12 @@ public:
     bool WithPrologue() const { return m_withPrologue; }
     // How many rounds run at a time; 0 for one per core.
     int Jobs() const { return m_jobs; }
+    // The driving file of the one round to run; empty for none.
+    QString RoundFile() const { return m_roundFile; }
+    // Run the steps outside the iterator only.
+    bool PrologueOnly() const { return m_prologueOnly; }
+    // The folder --export writes the workflow into.
+    QString ExportDir() const { return m_exportDir; }
 
 private:
     bool Fail(const QString& error);
@@ -57,6 +63,9 @@ private:
     bool m_noPrologue = false;
     bool m_withPrologue = false;
     int m_jobs = 1;
+    QString m_roundFile;
+    bool m_prologueOnly = false;
+    QString m_exportDir;
     QString m_error;
 };
 

@@ -32,7 +32,7 @@ QString absolute(const QString& path)
 } // namespace
 
 PlanPrinter::PlanPrinter(Plugin::SequenceControl& control, ResumeState* state)
-    : m_plan(control), m_state(state), m_outer(m_plan.OuterIterator())
+    : m_plan(control), m_state(state)
 {
     const int never = control.GetNodes().size() - m_plan.StartOrder().size();
     if (never > 0)
@@ -85,8 +85,6 @@ void PlanPrinter::OnRound(const Plugin::RunPlan::Round& round)
     auto* iterator = static_cast<Plugin::APCFileIterator*>(round.iterator->GetProcess());
     m_leftOut.Note(iterator);
     m_rounds = round.number;
-    if (round.iterator == m_outer)
-        m_outerRounds.append(round);
     Add(QStringLiteral("\n%1Round %2 of %3:\n").arg(indent(round.depth)).arg(round.number).arg(iterator->GetDescription()));
     for (const auto& f : round.files)
         Add(QStringLiteral("%1    %2 = %3\n").arg(indent(round.depth), f.first, f.second));

@@ -43,8 +43,6 @@ public:
     // mbrun's warnings about the plan: iterators that found nothing or left files
     // out, steps that never start.
     QStringList Warnings() const { return m_warnings + m_leftOut.Warnings(); }
-    // The rounds of the outermost iterator, once walked.
-    const QList<Plugin::RunPlan::Round>& OuterRounds() const { return m_outerRounds; }
     // The folders of the files the steps write, once walked.
     QStringList OutputFolders() const { return m_outputFolders.values(); }
     // The plan the walk reads.
@@ -59,8 +57,6 @@ private:
 
     Plugin::RunPlan m_plan;
     ResumeState* m_state = nullptr;
-    Plugin::SequenceNode* m_outer = nullptr;
-    QList<Plugin::RunPlan::Round> m_outerRounds;
     QSet<QString> m_outputFolders;
     QSet<QString> m_rewritten; // outputs of the steps that would run, as absolute paths
     QString m_buffer;

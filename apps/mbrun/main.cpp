@@ -67,6 +67,7 @@ int main(int argc, char** argv)
         return BatchRun::Success;
     case CommandLine::Action::List:
     case CommandLine::Action::ListRounds:
+    case CommandLine::Action::Export:
     case CommandLine::Action::Run:
         break;
     }

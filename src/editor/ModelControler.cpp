@@ -2,6 +2,7 @@
 
 #include "editor/APCConsoleLog.h"
 #include "editor/AutoLayoutCommand.h"
+#include "editor/ClusterExportCommand.h"
 #include "editor/ConnectTool.h"
 #include "editor/CopyCommand.h"
 #include "editor/CutCommand.h"
@@ -388,6 +389,7 @@ void ModelControler::BuildInterface()
         {new RunCommand, QT_TRANSLATE_NOOP("ModelControler", "Run"), QT_TRANSLATE_NOOP("ModelControler", "Run entire model"), ":/res/Model_RunModel.png", modelMenu, true, false},
         {new PauseCommand, QT_TRANSLATE_NOOP("ModelControler", "Pause"), QT_TRANSLATE_NOOP("ModelControler", "Pause entire model"), ":/res/Model_PauseModel.png", modelMenu, true, false},
         {new StopCommand, QT_TRANSLATE_NOOP("ModelControler", "Stop"), QT_TRANSLATE_NOOP("ModelControler", "Stop entire model"), ":/res/Model_StopModel.png", modelMenu, true, false},
+        {new ClusterExportCommand, QT_TRANSLATE_NOOP("ModelControler", "Export for a cluster..."), QT_TRANSLATE_NOOP("ModelControler", "Export the rounds as a Snakemake workflow"), ":/res/Model_ExportPy.png", nullptr, false, false},
     };
     for (const Row& row : rows) {
         // "1:1" is the same in every language.
@@ -409,7 +411,7 @@ void ModelControler::BuildInterface()
     }
     // Entries wired after the table was laid down come after their menu's own.
     for (const Row& row : rows) {
-        if (dynamic_cast<PrintCommand*>(row.command))
+        if (dynamic_cast<PrintCommand*>(row.command) || dynamic_cast<ClusterExportCommand*>(row.command))
             modelMenu->addAction(row.command->GetAction());
         else if (dynamic_cast<AutoLayoutCommand*>(row.command))
             viewMenu->addAction(row.command->GetAction());

@@ -1,12 +1,15 @@
-// Run, pause, stop and validate: the engine put to use from a model window.
+// Run, pause, stop, validate and export: the engine put to use from a model window.
 #include "HostCatalogGui/DataTypeWidget.h"
+#include "HostShell/EnvironmentSetting.h"
 #include "dialogs/RunCmdDlg.h"
+#include "editor/ClusterExportCommand.h"
 #include "editor/ModelControler.h"
 #include "editor/PauseCommand.h"
 #include "editor/RunCommand.h"
 #include "editor/StopCommand.h"
 #include "editor/ValidateCommand.h"
 #include "engine/APCAlgo.h"
+#include "engine/ClusterExport.h"
 #include "engine/ModelRun.h"
 #include "engine/SequenceControl.h"
 #include "model/APCModel.h"
@@ -15,6 +18,8 @@
 #include "model/SoftAssert.h"
 
 #include <QCoreApplication>
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QMessageBox>
 
 namespace Plugin {
@@ -128,6 +133,45 @@ void ValidateCommand::OnClick()
     if (!refused.isEmpty())
         QMessageBox::warning(m_controler, QCoreApplication::translate("ValidateCommand", "Warning"),
                              refused.join(QLatin1Char('\n')), QCoreApplication::translate("ValidateCommand", "OK"));
+}
+
+void ClusterExportCommand::OnClick()
+{
+    ModelControler* window = m_controler;
+    APCModel* model = window->GetDocument();
+    const auto tell = [window](const char* title, const char* text, const QString& more = QString()) {
+        QMessageBox::information(window, QCoreApplication::translate("ClusterExportCommand", title),
+                                 QCoreApplication::translate("ClusterExportCommand", text) + more,
+                                 QCoreApplication::translate("ClusterExportCommand", "OK"));
+    };
+    // The export walks the model's vars as a run does: not under a run.
+    if (window->GetSequenceControl()->GetState() != Idle)
+        return tell(QT_TRANSLATE_NOOP("ClusterExportCommand", "Error"), QT_TRANSLATE_NOOP("ClusterExportCommand", "The model is running: export it when the run has ended."));
+    if (reportInvalid(window, "RunCommand"))
+        return;
+    if (model->GetProcesses().isEmpty())
+        return tell(QT_TRANSLATE_NOOP("ClusterExportCommand", "Error"), QT_TRANSLATE_NOOP("ClusterExportCommand", "can not run an empty model!"));
+    // The jobs run the file, not the window.
+    if (window->IsModified() || !QFileInfo::exists(window->GetFilePath()))
+        return tell(QT_TRANSLATE_NOOP("ClusterExportCommand", "Error"), QT_TRANSLATE_NOOP("ClusterExportCommand", "Save the model first: the cluster runs the saved file."));
+    const FreeVars free(*model);
+    if (!free.IsEmpty() && !AskFreeInputs(window, free))
+        return;
+    const QString dir = QFileDialog::getExistingDirectory(
+        window, QCoreApplication::translate("ClusterExportCommand", "Export for a cluster"), QString());
+    if (dir.isEmpty())
+        return;
+    QList<QPair<QString, QString>> settings;
+    for (APCVar* clone : free.List())
+        settings.append({clone->GetName(), clone->GetValue()});
+    const QString mbrun = QFileInfo(HostShell::EnvironmentSetting::Instance()->GetAppBinDir() + QStringLiteral("/mbrun")).absoluteFilePath();
+    ClusterExport workflow(window->GetFilePath(), settings, mbrun);
+    QString error;
+    if (!workflow.Plan(*model, free.List(), &error) || !workflow.Write(dir, &error))
+        return tell(QT_TRANSLATE_NOOP("ClusterExportCommand", "Error"), QT_TRANSLATE_NOOP("ClusterExportCommand", "The workflow cannot be written: "), error);
+    tell(QT_TRANSLATE_NOOP("ClusterExportCommand", "Export for a cluster"),
+         QT_TRANSLATE_NOOP("ClusterExportCommand", "The workflow is written. Run it on this machine with:\n\n"),
+         ClusterExport::LocalCommand(dir));
 }
 
 } // namespace Plugin

@@ -68,6 +68,17 @@ QList<SequenceNode*> RunPlan::Prologue() const
     return prologue;
 }
 
+bool RunPlan::PrologueLeadsToIterator() const
+{
+    // A step outside that does not lead to the iterator is an end of the graph the
+    // later rounds never reach again: the run would stall there.
+    SequenceNode* outer = OuterIterator();
+    for (SequenceNode* node : Prologue())
+        if (!outer || !StepGraph::Behind(node).contains(outer))
+            return false;
+    return true;
+}
+
 QList<QPair<QString, QString>> RunPlan::RoundFiles(APCProcess* iterator)
 {
     QList<QPair<QString, QString>> files;
@@ -118,6 +129,7 @@ void RunPlan::WalkIterator(SequenceNode* node, const QList<SequenceNode*>& behin
 {
     auto* iterator = static_cast<APCFileIterator*>(node->GetProcess());
     APCModel* model = m_control.GetModel();
+    const bool outermost = depth == 0 && node == OuterIterator();
     int handedOut = 0;
     for (;;) {
         // The iterator hands out its next files exactly as in a run; it only lists folders.
@@ -140,6 +152,8 @@ void RunPlan::WalkIterator(SequenceNode* node, const QList<SequenceNode*>& behin
         round.iterator = node;
         round.files = RoundFiles(iterator);
         round.file = DrivingFile(round.files);
+        if (outermost)
+            m_outerRounds.append(round);
         m_visitor->OnRound(round);
         for (SequenceNode* n : behind)
             m_done.insert(n, false);

@@ -61,6 +61,11 @@ public:
 
     // Walks the plan once; the iterators' clones are used up.
     void Walk(Visitor& visitor);
+    // The rounds OuterIterator() handed out in the walk (their nodes die with the control).
+    const QList<Round>& OuterRounds() const { return m_outerRounds; }
+    // Whether every step outside the iterators leads into OuterIterator(): only
+    // then do they run once, before its first round, so that rounds may run apart.
+    bool PrologueLeadsToIterator() const;
 
     // The files an iterator has just handed out, and the one that drives them.
     static QList<QPair<QString, QString>> RoundFiles(APCProcess* iterator);
@@ -73,6 +78,7 @@ private:
     SequenceControl& m_control;
     QList<SequenceNode*> m_order;
     Visitor* m_visitor = nullptr;
+    QList<Round> m_outerRounds;
     QHash<SequenceNode*, bool> m_done; // walked, or left to the iterator in front
     int m_rounds = 0;
     int m_round = 0; // the round being walked, 0 outside any

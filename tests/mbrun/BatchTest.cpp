@@ -4,6 +4,7 @@
 #include "engine/APCModelFile.h"
 #include "model/APCVar.h"
 #include "support/ModelFixtures.h"
+#include "support/SceneBatch.h"
 #include "support/TestSupport.h"
 
 #include <QCoreApplication>
@@ -35,27 +36,6 @@ using namespace Plugin;
 using namespace TestSupport;
 
 namespace {
-
-// A georeferenced Byte GeoTIFF whose bands differ, so that NDVI has something to compute.
-void makeRaster(const QString& path, int size, int bands)
-{
-    GDALAllRegister();
-    GDALDataset* ds = GetGDALDriverManager()->GetDriverByName("GTiff")->Create(path.toUtf8().constData(), size, size,
-                                                                              bands, GDT_Byte, nullptr);
-    ASSERT_NE(ds, nullptr);
-    double gt[6] = {500000, 10, 0, 5000000, 0, -10};
-    ds->SetGeoTransform(gt);
-    OGRSpatialReference srs;
-    srs.importFromEPSG(32632);
-    ds->SetSpatialRef(&srs);
-    std::vector<GByte> cells(size_t(size) * size);
-    for (int b = 1; b <= bands; ++b) {
-        for (int i = 0; i < size * size; ++i)
-            cells[size_t(i)] = GByte(1 + (b * 37 + i) % 200);
-        ASSERT_EQ(ds->GetRasterBand(b)->RasterIO(GF_Write, 0, 0, size, size, cells.data(), size, size, GDT_Byte, 0, 0), CE_None);
-    }
-    GDALClose(ds);
-}
 
 QJsonObject readReport(const QString& path)
 {
@@ -114,32 +94,6 @@ void startUntilTheSlowStep(QProcess& p, const QStringList& args, const QString& 
     ASSERT_EQ(p.state(), QProcess::Running) << "the slow step ended before it could be stopped";
 }
 
-// The shipped NDVI model over three 4-band scenes in scenes/, writing into out/.
-struct SceneBatch
-{
-    QTemporaryDir dir;
-    QString model = dir.filePath("scene_ndvi.apc");
-    QString scenes = dir.filePath("scenes");
-    QString out = dir.filePath("out");
-    QString report = dir.filePath("report.json");
-
-    SceneBatch()
-    {
-        QFile::copy(QStringLiteral(MB_SOURCE_DIR "/examples/scene_ndvi.apc"), model);
-        QDir().mkpath(scenes);
-        for (const char* name : {"scene_01.tif", "scene_02.tif", "scene_03.tif"})
-            makeRaster(QDir(scenes).filePath(name), 8, 4);
-    }
-    QString Scene(int i) const { return QDir(scenes).filePath(QStringLiteral("scene_%1.tif").arg(i, 2, 10, QLatin1Char('0'))); }
-    QString Ndvi(int i) const { return QDir(out).filePath(QStringLiteral("scene_%1_ndvi.tif").arg(i, 2, 10, QLatin1Char('0'))); }
-    QString Table(int i) const { return QDir(out).filePath(QStringLiteral("scene_%1_ndvi.csv").arg(i, 2, 10, QLatin1Char('0'))); }
-    QStringList Args(const QStringList& more, const QString& folders = QString()) const
-    {
-        return QStringList{model, "--set", "Scene folders=" + (folders.isEmpty() ? scenes : folders), "--set",
-                           "Output folder=" + out} + more;
-    }
-};
-
 // "round:algorithm" of each step of the report with that status, blank-separated.
 std::string stepsWithStatus(const QJsonObject& report, const QString& status)
 {
@@ -157,7 +111,7 @@ TEST(MbrunBatch, FolderInputsInEveryForm)
     SceneBatch batch;
     const QString more = batch.dir.filePath("more");
     QDir().mkpath(more);
-    makeRaster(QDir(more).filePath("scene_04.tif"), 8, 4);
+    MakeRaster(QDir(more).filePath("scene_04.tif"), 8, 4);
     const QString empty = batch.dir.filePath("empty");
     QDir().mkpath(empty);
     const QString missing = batch.dir.filePath("missing");
@@ -379,7 +333,7 @@ TEST(MbrunBatch, ResumeRunsOnlyWhatIsNotUpToDate)
 TEST(MbrunBatch, ASignalStopsTheRunAndTheReportSaysWhatFinished)
 {
     QTemporaryDir dir;
-    makeRaster(dir.filePath("small.tif"), 400, 1);
+    MakeRaster(dir.filePath("small.tif"), 400, 1);
     saveReprojection(dir, "slow.apc", "1");
 
     struct Case { const char* name; int signal; int code; };
@@ -415,7 +369,7 @@ TEST(MbrunBatch, ASignalStopsTheRunAndTheReportSaysWhatFinished)
 TEST(MbrunBatch, WhatAKilledRunWasWritingIsRemovedByTheNextRun)
 {
     QTemporaryDir dir;
-    makeRaster(dir.filePath("small.tif"), 400, 1);
+    MakeRaster(dir.filePath("small.tif"), 400, 1);
     saveReprojection(dir, "slow.apc", "1");
     saveReprojection(dir, "quick.apc", "10");
     const QString unrelated = dir.filePath(".keep");
@@ -436,7 +390,7 @@ TEST(MbrunBatch, FilesTheIteratorLeavesOutAreNamedInThePlanTheRunAndTheReport)
 {
     SceneBatch batch;
     // The round of scene_02.tif takes the first file whose name holds "scene_02".
-    makeRaster(QDir(batch.scenes).filePath("old_scene_02.tif"), 8, 4);
+    MakeRaster(QDir(batch.scenes).filePath("old_scene_02.tif"), 8, 4);
     const QString shadowed = batch.Scene(2);
     const QString warning =
         "mbrun: warning: files in the folders of the iterator \"Scenes\" that no round used (1):\nmbrun:   " + shadowed + "\n";
@@ -511,7 +465,7 @@ TEST(MbrunBatch, LongNamesAreWrittenAndLongMessagesArriveWhole)
 TEST(MbrunBatch, AfterAFailureTheStepsStillRunningAreWaitedForAndAccountedFor)
 {
     QTemporaryDir dir;
-    makeRaster(dir.filePath("small.tif"), 400, 1);
+    MakeRaster(dir.filePath("small.tif"), 400, 1);
     WriteAll(dir.filePath("broken.tif"), "not a raster");
     // Two branches: a copy that fails at once, a reprojection to a finer grid that takes a while.
     HeadlessModel m;
@@ -571,7 +525,7 @@ TEST(MbrunBatch, AReportOrStateThatCannotBeWrittenWholeIsAnErrorAndKeepsTheOldFi
 TEST(MbrunBatch, ASecondResumeOnTheSameFolderSaysWhoHoldsItsState)
 {
     QTemporaryDir dir;
-    makeRaster(dir.filePath("small.tif"), 400, 1);
+    MakeRaster(dir.filePath("small.tif"), 400, 1);
     const QString out = dir.filePath("out");
     // A quick copy, then a reprojection to a much finer grid that takes seconds;
     // and a model that only copies, into the same folder.
@@ -620,7 +574,7 @@ TEST(MbrunBatch, ASecondResumeOnTheSameFolderSaysWhoHoldsItsState)
 TEST(MbrunBatch, AnInterruptedStepReportsTheOutputsItLeftOnTheDisk)
 {
     QTemporaryDir dir;
-    makeRaster(dir.filePath("small.tif"), 400, 1);
+    MakeRaster(dir.filePath("small.tif"), 400, 1);
     // A nested model: a quick copy to its output "Copy", then a slow reprojection of
     // that to its output "Fine". The step running it publishes one output long
     // before it ends.
@@ -709,7 +663,7 @@ TEST(MbrunBatch, RoundsSideBySideGiveTheFilesAndTheReportOfOneJob)
 {
     SceneBatch batch;
     for (int i : {4, 5})
-        makeRaster(batch.Scene(i), 8, 4);
+        MakeRaster(batch.Scene(i), 8, 4);
     WriteAll(batch.Scene(2), "not a raster"); // its round fails, the others go on
     const auto checksums = [](const QString& dir) {
         QMap<QString, QByteArray> sums;
@@ -807,7 +761,7 @@ TEST(MbrunBatch, ASignalStopsEveryRoundRunningSideBySide)
 {
     SceneBatch batch;
     for (int i = 1; i <= 4; ++i)
-        makeRaster(batch.Scene(i), 2500, 4); // a round takes a while
+        MakeRaster(batch.Scene(i), 2500, 4); // a round takes a while
     QProcess p;
     p.start(MbrunPath(), batch.Args({"--jobs", "2", "--report", batch.report}));
     ASSERT_TRUE(WaitUntil([&] { return !hiddenIn(batch.out).isEmpty() || p.state() == QProcess::NotRunning; }, 60000));
