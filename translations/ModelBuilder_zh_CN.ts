@@ -566,6 +566,45 @@
     </message>
 </context>
 <context>
+    <name>ClusterExportCommand</name>
+    <message>
+        <source>OK</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>错误</translation>
+    </message>
+    <message>
+        <source>The model is running: export it when the run has ended.</source>
+        <translation>模型正在运行: 请在运行结束后导出.</translation>
+    </message>
+    <message>
+        <source>can not run an empty model!</source>
+        <translation>不能运行空模型!</translation>
+    </message>
+    <message>
+        <source>Save the model first: the cluster runs the saved file.</source>
+        <translation>请先保存模型: 集群运行的是已保存的文件.</translation>
+    </message>
+    <message>
+        <source>Export for a cluster</source>
+        <translation>导出到集群</translation>
+    </message>
+    <message>
+        <source>The workflow cannot be written: </source>
+        <translation>无法写入工作流: </translation>
+    </message>
+    <message>
+        <source>The workflow is written. Run it on this machine with:
+
+</source>
+        <translation>工作流已写入. 在本机用以下命令运行:
+
+</translation>
+    </message>
+</context>
+<context>
     <name>DataTypeFactory</name>
     <message>
         <source>File</source>
@@ -945,6 +984,14 @@ Open a model from the Tool Box to build and run it.</source>
     <message>
         <source>Change %1</source>
         <translation>修改 %1</translation>
+    </message>
+    <message>
+        <source>Export for a cluster...</source>
+        <translation>导出到集群...</translation>
+    </message>
+    <message>
+        <source>Export the rounds as a Snakemake workflow</source>
+        <translation>将各轮导出为 Snakemake 工作流</translation>
     </message>
 </context>
 <context>
