@@ -3,6 +3,7 @@
 // rounds run by mbrun --jobs 0, measured here in the same run; then a rerun of the
 // finished batch, and --list-rounds over 10,000 files against 16.
 #include "BenchSupport.h"
+#include "Scenes.h"
 
 #include <QDir>
 #include <QFile>
@@ -15,40 +16,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <vector>
-
-namespace {
-
-double timeProgram(const QString& program, const QStringList& args)
-{
-    QProcess p;
-    p.setStandardOutputFile(QProcess::nullDevice());
-    return Bench::Millis([&] {
-        p.start(program, args);
-        p.waitForFinished(-1);
-        if (p.exitStatus() != QProcess::NormalExit || p.exitCode() != 0)
-            std::fprintf(stderr, "%s %s: exit %d\n%s", qPrintable(program), qPrintable(args.join(' ')), p.exitCode(),
-                         p.readAllStandardError().constData());
-    });
-}
-
-// A 4-band Byte scene whose bands differ, so that NDVI has something to compute.
-void makeScene(const QString& path, int size, int seed)
-{
-    GDALDataset* ds = GetGDALDriverManager()->GetDriverByName("GTiff")->Create(path.toUtf8().constData(), size, size,
-                                                                              4, GDT_Byte, nullptr);
-    double gt[6] = {500000, 10, 0, 5000000, 0, -10};
-    ds->SetGeoTransform(gt);
-    std::vector<GByte> cells(size_t(size) * size);
-    for (int b = 1; b <= 4; ++b) {
-        for (size_t i = 0; i < cells.size(); ++i)
-            cells[i] = GByte(1 + (b * 37 + seed + i) % 200);
-        if (ds->GetRasterBand(b)->RasterIO(GF_Write, 0, 0, size, size, cells.data(), size, size, GDT_Byte, 0, 0) != CE_None)
-            std::fprintf(stderr, "cannot write %s\n", qPrintable(path));
-    }
-    GDALClose(ds);
-}
-
-} // namespace
 
 int main(int argc, char** argv)
 {
@@ -63,15 +30,12 @@ int main(int argc, char** argv)
     }
     QTemporaryDir dir;
     GDALAllRegister();
-    const QString scenes = dir.filePath("scenes");
-    QDir().mkpath(scenes);
     const int rounds = 16;
-    for (int i = 0; i < rounds; ++i)
-        makeScene(QDir(scenes).filePath(QStringLiteral("scene_%1.tif").arg(i, 2, 10, QLatin1Char('0'))), 1500, i);
+    const QString scenes = Bench::MakeScenes(dir.path(), "scenes", rounds, 1500, 4);
 
     const QString out = dir.filePath("out"), flow = dir.filePath("flow");
     const QStringList inputs{model, "--set", "Scene folders=" + scenes, "--set", "Output folder=" + out};
-    if (timeProgram(mbrun, inputs + QStringList{"--export", "snakemake", flow}) < 0)
+    if (Bench::TimeProcess(mbrun, inputs + QStringList{"--export", "snakemake", flow}) < 0)
         return 1;
     const QStringList local{"--profile", flow + "/profiles/local", "--quiet"};
     // Alternated, best of three each: the machine is shared. Each batch starts with
@@ -79,14 +43,14 @@ int main(int argc, char** argv)
     double jobs = 1e300, snake = 1e300;
     for (int r = 0; r < 3; ++r) {
         QDir(out).removeRecursively();
-        jobs = std::min(jobs, timeProgram(mbrun, inputs + QStringList{"--jobs", "0"}));
+        jobs = std::min(jobs, Bench::TimeProcess(mbrun, inputs + QStringList{"--jobs", "0"}));
         QDir(out).removeRecursively();
         QDir(flow + "/rounds").removeRecursively();
-        snake = std::min(snake, timeProgram(snakemake, local));
+        snake = std::min(snake, Bench::TimeProcess(snakemake, local));
     }
     double rerun = 1e300;
     for (int r = 0; r < 3; ++r)
-        rerun = std::min(rerun, timeProgram(snakemake, local));
+        rerun = std::min(rerun, Bench::TimeProcess(snakemake, local));
 
     // 10,000 files in one folder: listing and pairing only, no raster is opened.
     const QString many = dir.filePath("many");
@@ -95,8 +59,8 @@ int main(int argc, char** argv)
         QFile(QDir(many).filePath(QStringLiteral("scene_%1.tif").arg(i, 5, 10, QLatin1Char('0')))).open(QIODevice::WriteOnly);
     double listMany = 1e300, listFew = 1e300;
     for (int r = 0; r < 3; ++r) {
-        listFew = std::min(listFew, timeProgram(mbrun, inputs + QStringList{"--list-rounds"}));
-        listMany = std::min(listMany, timeProgram(mbrun, {model, "--set", "Scene folders=" + many, "--set",
+        listFew = std::min(listFew, Bench::TimeProcess(mbrun, inputs + QStringList{"--list-rounds"}));
+        listMany = std::min(listMany, Bench::TimeProcess(mbrun, {model, "--set", "Scene folders=" + many, "--set",
                                                           "Output folder=" + out, "--list-rounds"}));
     }
 

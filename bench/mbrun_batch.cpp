@@ -2,7 +2,7 @@
 // run over 10,000 file rounds, and a resumed 1,000-round batch of real GDAL steps
 // that has nothing left to do. Each is printed with a baseline measured here too.
 #include "BenchSupport.h"
-#include "TinyScene.h"
+#include "Scenes.h"
 
 #include <QDir>
 #include <QDirIterator>

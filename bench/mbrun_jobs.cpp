@@ -6,6 +6,7 @@
 //    gdal_translate;
 //  - the shipped NDVI model over 8 scenes of 1500x1500x4.
 #include "BenchSupport.h"
+#include "Scenes.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -25,35 +26,6 @@
 namespace {
 
 QString g_mbrun;
-
-// A Byte scene of the given bands whose bands differ, so that NDVI has something
-// to compute; with one Float32 band a rolling surface, so that hillshade does.
-void makeScene(const QString& path, int size, int bands, int seed)
-{
-    const GDALDataType type = bands == 1 ? GDT_Float32 : GDT_Byte;
-    GDALDataset* ds = GetGDALDriverManager()->GetDriverByName("GTiff")->Create(path.toUtf8().constData(), size, size,
-                                                                              bands, type, nullptr);
-    double gt[6] = {500000, 10, 0, 5000000, 0, -10};
-    ds->SetGeoTransform(gt);
-    std::vector<float> cells(size_t(size) * size);
-    for (int b = 1; b <= bands; ++b) {
-        for (size_t i = 0; i < cells.size(); ++i)
-            cells[i] = bands == 1 ? float(100 * std::sin((i % size + seed) / 40.0) * std::cos((i / size) / 55.0) + 300)
-                                  : float(1 + (b * 37 + seed + i) % 200);
-        if (ds->GetRasterBand(b)->RasterIO(GF_Write, 0, 0, size, size, cells.data(), size, size, GDT_Float32, 0, 0) != CE_None)
-            std::fprintf(stderr, "cannot write %s\n", qPrintable(path));
-    }
-    GDALClose(ds);
-}
-
-QString makeScenes(const QTemporaryDir& dir, const QString& name, int count, int size, int bands)
-{
-    const QString scenes = dir.filePath(name);
-    QDir().mkpath(scenes);
-    for (int i = 0; i < count; ++i)
-        makeScene(QDir(scenes).filePath(QStringLiteral("scene_%1.tif").arg(i, 2, 10, QLatin1Char('0'))), size, bands, i);
-    return scenes;
-}
 
 QMap<QString, QByteArray> checksums(const QString& dir)
 {
@@ -143,7 +115,7 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "cannot write %s\n", qPrintable(chain));
         return 1;
     }
-    const QString dems = makeScenes(dir, "dems", 16, 2000, 1);
+    const QString dems = Bench::MakeScenes(dir.path(), "dems", 16, 2000, 1);
     // The same two steps per scene by the GDAL programs, cores at a time.
     const QString xargsOut = dir.filePath("xargs");
     double xargs = 1e300;
@@ -166,7 +138,7 @@ int main(int argc, char** argv)
     Bench::Print("jobs_chain_ratio_to_xargs", c.all / xargs, "x (target 1.1)");
     Bench::Print("jobs_chain_outputs_differing", c.differing, "files (target 0)");
 
-    const QString scenes = makeScenes(dir, "scenes", 8, 1500, 4);
+    const QString scenes = Bench::MakeScenes(dir.path(), "scenes", 8, 1500, 4);
     const Timing n = timeJobs(dir, ndvi, scenes, "ndvi");
     Bench::Print("jobs_0_ndvi_8_rounds", n.all, "ms (--jobs 0, the shipped NDVI model)");
     Bench::Print("jobs_baseline_1_ndvi_8_rounds", n.one, "ms (--jobs 1, the same batch)");

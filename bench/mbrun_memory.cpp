@@ -3,7 +3,7 @@
 // GDAL steps a round, the shipped NDVI model), the shorter run being the baseline.
 // What a run keeps should follow what is running, not how much has run.
 #include "BenchSupport.h"
-#include "TinyScene.h"
+#include "Scenes.h"
 
 #include <QDir>
 #include <QFileInfo>
