@@ -5,6 +5,7 @@
 #include "engine/APCLog.h"
 #include "engine/APCModelFile.h"
 #include "engine/APCRasterFileIterator.h"
+#include "engine/ClusterExport.h"
 #include "engine/HeadlessAlgo.h"
 #include "engine/ModelAlgo.h"
 #include "engine/STModelAlgoData.h"
@@ -321,4 +322,29 @@ TEST_F(NestedModels, HeadlessObjectsRejectWrongRecordsWithCode100)
         EXPECT_EQ(code, c.code);
         EXPECT_TRUE(message.isEmpty());
     }
+}
+
+// A model with no iterator goes to the cluster as one job, which reruns when any
+// model file it runs changes; a folder that cannot be made is said, not written.
+TEST_F(NestedModels, AClusterExportOfNestedModelsListsEveryModelFileInOneJob)
+{
+    WriteCopyModel();
+    TestSupport::HeadlessModel outer;
+    AddModelStep(outer, "copy.apc", {{"Source", File("in.txt")}, {"Target", File("out.txt")}});
+    AddModelStep(outer, "copy.apc", {{"Source", File("out.txt")}, {"Target", File("again.txt")}});
+    ASSERT_TRUE(outer.SaveFile(ModelPath("outer.apc")));
+    ClusterExport workflow(ModelPath("outer.apc"), {}, "/opt/mb/mbrun");
+    QString error;
+    ASSERT_TRUE(workflow.Plan(outer, {}, &error)) << qPrintable(error);
+    EXPECT_FALSE(workflow.HasIterator());
+    EXPECT_EQ(ClusterExport::ModelFiles(ModelPath("outer.apc")),
+              QStringList({QFileInfo(ModelPath("outer.apc")).absoluteFilePath(), QFileInfo(ModelPath("copy.apc")).absoluteFilePath()}));
+    ASSERT_TRUE(workflow.Write(File("flow"), &error)) << qPrintable(error);
+    const QByteArray snakefile = ReadAll(File("flow/Snakefile"));
+    EXPECT_TRUE(snakefile.contains("no iterator")) << snakefile.constData();
+    EXPECT_TRUE(snakefile.contains(QFileInfo(ModelPath("copy.apc")).absoluteFilePath().toUtf8()));
+
+    WriteAll(File("taken"), "a file where the folder would go");
+    EXPECT_FALSE(workflow.Write(File("taken"), &error));
+    EXPECT_TRUE(error.contains("cannot make the folder")) << qPrintable(error);
 }
