@@ -42,25 +42,14 @@ void fill(APCModel& model)
 
 } // namespace
 
-TEST(ModelFile, EmptyModelWritesSkeletonAndReadsBack)
-{
-    QTemporaryDir dir;
-    const QString path = dir.filePath("empty.apc");
-    APCModel model;
-    ASSERT_TRUE(model.SaveFile(path));
-    const QByteArray expected = kDeclaration + "\n<Configuration>\n    <!--" + gb("算法") +
-                                "-->\n    <Processes/>\n    <!--" + gb("数据") + "-->\n    <Vars/>\n    <!--" +
-                                gb("依赖关系") + "-->\n    <Arrows/>\n</Configuration>\n";
-    EXPECT_EQ(ReadAll(path), expected);
-    APCModel back;
-    ASSERT_TRUE(back.LoadFile(path));
-    EXPECT_TRUE(back.GetProcesses().isEmpty() && back.GetVars().isEmpty() && back.GetArrows().isEmpty());
-}
-
 TEST(ModelFile, SaveLoadSaveIsByteIdentical)
 {
     QTemporaryDir dir;
     APCModel model;
+    ASSERT_TRUE(model.SaveFile(dir.filePath("empty.apc")));
+    EXPECT_EQ(ReadAll(dir.filePath("empty.apc")), kDeclaration + "\n<Configuration>\n    <!--" + gb("算法") +
+                                                      "-->\n    <Processes/>\n    <!--" + gb("数据") + "-->\n    <Vars/>\n    <!--" +
+                                                      gb("依赖关系") + "-->\n    <Arrows/>\n</Configuration>\n");
     fill(model);
     const QString first = dir.filePath("a.apc"), second = dir.filePath("b.apc"), third = dir.filePath("c.apc");
     ASSERT_TRUE(model.SaveFile(first));
