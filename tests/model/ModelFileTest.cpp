@@ -77,27 +77,6 @@ TEST(ModelFile, SaveLoadSaveIsByteIdentical)
     EXPECT_EQ(loaded.GetArrows()[1]->GetTailParam(), "Out File");
 }
 
-// The options a step gives GDAL are parameters of the catalogue like any other:
-// optional, kept whole through save and load.
-TEST(ModelFile, OutputOptionsRoundTripByteExact)
-{
-    QTemporaryDir dir;
-    APCModel model;
-    APCAlgo* step = TestSupport::AddAlgo(model, "raster.warp", 0, 0);
-    TestSupport::SetLiteral(model, step, "Creation options", "COMPRESS=DEFLATE;TILED=YES;PREDICTOR=2");
-    TestSupport::SetLiteral(model, step, "Additional options", "-r cubic -tr 30 30 -wo \"NUM_THREADS=2\"");
-    const QString first = dir.filePath("a.apc"), second = dir.filePath("b.apc");
-    ASSERT_TRUE(model.SaveFile(first));
-    APCModel loaded;
-    ASSERT_TRUE(loaded.LoadFile(first));
-    ASSERT_TRUE(loaded.SaveFile(second));
-    EXPECT_EQ(ReadAll(first), ReadAll(second));
-    const APCParameter& options = loaded.GetProcesses()[0]->GetParameter("Creation options");
-    EXPECT_EQ(options.value, "COMPRESS=DEFLATE;TILED=YES;PREDICTOR=2");
-    EXPECT_TRUE(options.isOptional);
-    EXPECT_EQ(loaded.GetProcesses()[0]->GetParameter("Additional options").value, "-r cubic -tr 30 30 -wo \"NUM_THREADS=2\"");
-}
-
 TEST(ModelFile, AttributesFollowTheFileRules)
 {
     QTemporaryDir dir;
