@@ -107,6 +107,20 @@ TEST_F(VectorAlgorithms, RasterizeBurnsFieldsOrValues)
     }
 }
 
+// A layer written again replaces the old one whole, sidecar files included.
+TEST_F(VectorAlgorithms, ReplacesAnExistingOutput)
+{
+    for (const QString& out : {Path("again.shp"), Path("again.geojson")}) {
+        SCOPED_TRACE(out.toStdString());
+        ASSERT_EQ(RunAlgorithm("vector.attributeFilter", {{"In File", towns}, {"Where", "pop > 100"}, {"Out File", out}}).ok, 1);
+        const RunResult r = RunAlgorithm("vector.attributeFilter", {{"In File", towns}, {"Where", "pop < 100"}, {"Out File", out}});
+        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
+        const VectorInfo info = ReadVector(out);
+        ASSERT_EQ(info.features.size(), 2u);
+        EXPECT_EQ(info.features[1].attributes.value("name").toString(), "D");
+    }
+}
+
 TEST_F(VectorAlgorithms, BadInputGivesCodeAndMessageAndNoOutput)
 {
     ASSERT_TRUE(WriteVector(Path("wgs.geojson"), 4326, {}, {{"POINT (15 36)", {}}}));
