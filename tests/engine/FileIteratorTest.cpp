@@ -194,30 +194,6 @@ TEST(FileIterator, ExecuteHandsOutRoundsThenReportsTheEnd)
     EXPECT_EQ(progress[3], 100.0);
 }
 
-TEST(FileIterator, RoundsOfTheScanAreHandedOutAloneByARunsClone)
-{
-    QTemporaryDir tmp;
-    for (const char* f : {"a.tif", "b.tif", "c.tif"})
-        TestSupport::WriteAll(tmp.filePath(f), "x");
-    APCModel model;
-    auto* it = new APCRasterFileIterator;
-    model.AddProcess(it);
-    model.GetVars()[0]->SetRunValue(dirs({dirEntry(tmp.path())}));
-    APCVar* out = model.GetVars()[1];
-    struct Case { int first, last; QStringList handedOut; };
-    for (const Case& c : {Case{2, 2, {"b.tif"}}, Case{3, 3, {"c.tif"}}, Case{4, 4, {}}, Case{2, 5, {"b.tif", "c.tif"}},
-                          Case{0, 0, {"a.tif", "b.tif", "c.tif"}}}) {
-        SCOPED_TRACE(c.first);
-        it->SetRoundRange(c.first, c.last);
-        std::unique_ptr<APCFileIterator> clone(static_cast<APCFileIterator*>(it->Clone()));
-        QStringList seen;
-        while (clone->Execute())
-            seen << QFileInfo(out->GetRunValue()).fileName();
-        EXPECT_EQ(seen, c.handedOut);
-        EXPECT_TRUE(clone->IsEnded());
-    }
-}
-
 TEST(FileIterator, WhatCannotBeReadFailsTheStepWithAMessage)
 {
     QTemporaryDir tmp;

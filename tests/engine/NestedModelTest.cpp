@@ -144,37 +144,34 @@ TEST_F(NestedModels, ATreeOfNestedModelsOffersEachStepItsOwnParameters)
     EXPECT_EQ(step->GetParameters().size(), 6);
 }
 
-TEST_F(NestedModels, ValuesGoInAndFilesComeOut)
+// The nested step fails with its inner step's error; the outer error is the last
+// node's, the nested step staying "succeeded".
+TEST_F(NestedModels, ValuesGoInAndFilesOrErrorsComeOut)
 {
     WriteCopyModel();
     WriteAll(File("in.txt"), "nested payload");
-    TestSupport::HeadlessModel outer;
-    AddModelStep(outer, "copy.apc", {{"Source", File("in.txt")}, {"Target", File("out.txt")}});
-    SequenceControl control;
-    std::vector<double> progress;
-    control.NodeProgress.connect([&](SequenceNode*, double v) { progress.push_back(v); });
-    const RunResult r = RunModel(control, outer);
-    ASSERT_TRUE(r.finished);
-    EXPECT_EQ(ReadAll(File("out.txt")), QByteArray("nested payload"));
-    EXPECT_TRUE(r.log.contains("Algorithm: model\n"));
-    EXPECT_TRUE(r.log.contains("Result of execution: Succeed"));
-    ASSERT_FALSE(progress.empty());
-    EXPECT_EQ(progress.back(), 100.0);
-}
-
-TEST_F(NestedModels, AFailingNestedStepFailsTheOuterStep)
-{
-    WriteCopyModel();
-    TestSupport::HeadlessModel outer;
-    APCModelFile* step = AddModelStep(outer, "copy.apc", {{"Source", File("nothing.txt")}, {"Target", File("out.txt")}});
-    step->SetDescription("Nested copy");
-    SequenceControl control;
-    const RunResult r = RunModel(control, outer);
-    ASSERT_TRUE(r.finished);
-    EXPECT_TRUE(r.log.contains("Error number: 10\nError message: Copy text file : Cannot open " + File("nothing.txt")));
-    EXPECT_TRUE(r.log.contains("Fail: 1"));
-    // The nested step stays "succeeded", so the outer error is the last node's.
-    EXPECT_EQ(r.code, 10);
+    struct Case { const char* name; QString source; int code; QString inLog; };
+    const std::vector<Case> cases = {
+        {"a missing input", File("nothing.txt"), 10, "Error number: 10\nError message: Copy text file : Cannot open " + File("nothing.txt")},
+        {"a good input", File("in.txt"), 0, "Result of execution: Succeed"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        TestSupport::HeadlessModel outer;
+        AddModelStep(outer, "copy.apc", {{"Source", c.source}, {"Target", File("out.txt")}});
+        SequenceControl control;
+        std::vector<double> progress;
+        control.NodeProgress.connect([&](SequenceNode*, double v) { progress.push_back(v); });
+        const RunResult r = RunModel(control, outer);
+        ASSERT_TRUE(r.finished);
+        EXPECT_TRUE(r.log.contains("Algorithm: model\n"));
+        EXPECT_TRUE(r.log.contains(c.inLog)) << qPrintable(r.log);
+        EXPECT_EQ(r.code, c.code);
+        EXPECT_EQ(ReadAll(File("out.txt")), c.code ? QByteArray() : QByteArray("nested payload"));
+        if (c.code == 0) {
+            EXPECT_EQ(progress.empty() ? -1.0 : progress.back(), 100.0);
+        }
+    }
 }
 
 TEST_F(NestedModels, IteratorLastInTheNestedModelEndsWithItsError)

@@ -51,13 +51,10 @@ struct CopyChain
 
     explicit CopyChain(const QTemporaryDir& dir)
     {
-        a = AddAlgo(model, "test.copyText");
-        b = AddAlgo(model, "test.copyText");
-        SetConstant(VarOf(model, a, "In File"), dir.filePath("in.txt"));
+        a = AddStep(model, "test.copyText", {{"In File", dir.filePath("in.txt")}, {"Out File", dir.filePath("mid.txt")}});
+        b = AddStep(model, "test.copyText", {{"Out File", dir.filePath("out.txt")}});
         mid = VarOf(model, a, "Out File");
-        SetConstant(mid, dir.filePath("mid.txt"));
         Connect(model, mid, b, "In File");
-        SetConstant(VarOf(model, b, "Out File"), dir.filePath("out.txt"));
         WriteAll(dir.filePath("in.txt"), "payload");
     }
 };
@@ -123,28 +120,13 @@ TEST_P(Engine, JoinRunsOnceAfterBothPredecessors)
 {
     QTemporaryDir dir;
     TestSupport::HeadlessModel model;
-    APCVar* log = nullptr;
-    APCAlgo* w1 = AddAlgo(model, "test.appendLine");
-    APCAlgo* w2 = AddAlgo(model, "test.appendLine");
-    SetConstant(VarOf(model, w1, "Text"), "one");
-    SetConstant(VarOf(model, w2, "Text"), "two");
-    APCVar* o1 = VarOf(model, w1, "Out File");
-    APCVar* o2 = VarOf(model, w2, "Out File");
-    SetConstant(o1, dir.filePath("1.txt"));
-    SetConstant(o2, dir.filePath("2.txt"));
+    APCAlgo* w1 = AddStep(model, "test.appendLine", {{"Text", "one"}, {"Out File", dir.filePath("1.txt")}});
+    APCAlgo* w2 = AddStep(model, "test.appendLine", {{"Text", "two"}, {"Out File", dir.filePath("2.txt")}});
     // The reader copies 1.txt and needs 2.txt's writer done as well: join through
-    // a second input arrow from o2 to its Text parameter.
-    APCAlgo* reader = AddAlgo(model, "test.copyText");
-    Connect(model, o1, reader, "In File");
-    auto* extra = new APCArrow;
-    extra->SetTail(o2->GetName());
-    extra->SetTailType("var");
-    extra->SetHead(reader->GetName());
-    extra->SetHeadType("process");
-    extra->SetHeadParam("Unused");
-    model.AddArrow(extra);
-    log = VarOf(model, reader, "Out File");
-    SetConstant(log, dir.filePath("joined.txt"));
+    // a second input arrow from 2.txt's var to an unused parameter.
+    APCAlgo* reader = AddStep(model, "test.copyText", {{"Out File", dir.filePath("joined.txt")}});
+    Connect(model, VarOf(model, w1, "Out File"), reader, "In File");
+    AddArrow(model, VarOf(model, w2, "Out File"), "", reader, "Unused");
 
     SequenceControl control;
     int readerRuns = 0;
@@ -201,21 +183,11 @@ TEST_P(Engine, PauseHoldsBackTheNextStepUntilStart)
 {
     QTemporaryDir dir;
     TestSupport::HeadlessModel model;
-    APCAlgo* slow = AddAlgo(model, "test.sleep");
-    SetLiteral(model, slow, "Milliseconds", "300");
-    APCAlgo* copy = AddAlgo(model, "test.copyText");
-    SetConstant(VarOf(model, copy, "Out File"), dir.filePath("out.txt"));
-    // copy waits for slow through a var slow writes: give slow an output arrow.
-    APCVar* in = VarOf(model, copy, "In File");
-    SetConstant(in, dir.filePath("in.txt"));
+    APCAlgo* slow = AddStep(model, "test.sleep", {{"Milliseconds", "300"}});
+    APCAlgo* copy = AddStep(model, "test.copyText", {{"In File", dir.filePath("in.txt")}, {"Out File", dir.filePath("out.txt")}});
     WriteAll(dir.filePath("in.txt"), "x");
-    auto* arrow = new APCArrow;
-    arrow->SetTail(slow->GetName());
-    arrow->SetTailType("process");
-    arrow->SetTailParam("Done");
-    arrow->SetHead(in->GetName());
-    arrow->SetHeadType("var");
-    model.AddArrow(arrow);
+    // copy waits for slow through a var slow writes: give slow an output arrow.
+    AddArrow(model, slow, "Done", VarOf(model, copy, "In File"), "");
 
     model.ResetVarValues();
     ASSERT_TRUE(model.ResolveVarValues({}));
@@ -266,14 +238,7 @@ TEST_P(Engine, SecondWriterOfAVarLeavesNothingToStart)
     TestSupport::HeadlessModel model;
     APCAlgo* a = AddAlgo(model, "test.appendLine");
     APCAlgo* b = AddAlgo(model, "test.appendLine");
-    APCVar* shared = VarOf(model, a, "Out File");
-    auto* second = new APCArrow;
-    second->SetTail(b->GetName());
-    second->SetTailType("process");
-    second->SetTailParam("Out File");
-    second->SetHead(shared->GetName());
-    second->SetHeadType("var");
-    model.AddArrow(second);
+    AddArrow(model, b, "Out File", VarOf(model, a, "Out File"), "");
     SequenceControl control;
     control.SetName("bad");
     control.Build(&model);

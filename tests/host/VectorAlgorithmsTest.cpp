@@ -1,7 +1,6 @@
 #include "host/GdalTestData.h"
 
 #include <QFileInfo>
-#include <QSet>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -34,63 +33,11 @@ protected:
 
     QString Path(const QString& name) const { return dir.filePath(name); }
 
-    static QSet<QString> Names(const VectorInfo& info)
-    {
-        QSet<QString> names;
-        for (const Feature& f : info.features)
-            names << f.attributes.value("name").toString();
-        return names;
-    }
-
     QTemporaryDir dir;
     QString towns, halves;
 };
 
 } // namespace
-
-TEST_F(VectorAlgorithms, TranslateChangesFormatAndProjection)
-{
-    struct Case { const char* name; QString out; const char* srs; QString driver; int epsg; double xmin, ymin; double tolerance; };
-    const std::vector<Case> cases = {
-        {"GeoJSON in WGS 84", Path("towns.geojson"), "EPSG:4326", "GeoJSON", 4326, 15.0, 36.14, 0.01},
-        {"GeoPackage as it is", Path("towns.gpkg"), "", "GPKG", 32633, 500000, 4000000, 0},
-        {"CSV with geometry", Path("towns.csv"), "", "CSV", 32633, 500000, 4000000, 0},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        const RunResult r = RunAlgorithm("vector.translate", {{"In File", towns}, {"Out File", c.out}, {"Target SRS", c.srs}});
-        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
-        EXPECT_EQ(r.progress.back(), 100.0);
-        const VectorInfo info = ReadVector(c.out);
-        EXPECT_EQ(info.driver, c.driver);
-        EXPECT_EQ(info.epsg, c.epsg);
-        EXPECT_EQ(Names(info), (QSet<QString>{"A", "B", "C", "D", "E"}));
-        EXPECT_NEAR(info.extent[0], c.xmin, c.tolerance);
-        EXPECT_NEAR(info.extent[1], c.ymin, c.tolerance);
-        ASSERT_EQ(info.features.size(), 5u);
-        EXPECT_EQ(info.features[2].attributes.value("pop").toString(), "1200");
-    }
-}
-
-TEST_F(VectorAlgorithms, AttributeFilterKeepsMatchingFeatures)
-{
-    struct Case { const char* name; const char* where; QSet<QString> expected; };
-    const std::vector<Case> cases = {
-        {"comparison", "pop > 100", {"B", "C", "E"}},
-        {"list of strings", "name IN ('A', 'D')", {"A", "D"}},
-        {"nothing matches", "pop > 10000", {}},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        const QString out = Path("selected.shp");
-        const RunResult r = RunAlgorithm("vector.attributeFilter", {{"In File", towns}, {"Where", c.where}, {"Out File", out}});
-        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
-        const VectorInfo info = ReadVector(out);
-        ASSERT_TRUE(info.ok);
-        EXPECT_EQ(Names(info), c.expected);
-        EXPECT_EQ(info.epsg, 32633);
-    }
-}
 
 TEST_F(VectorAlgorithms, BufferGrowsAndShrinksKeepingAttributes)
 {
@@ -160,6 +107,7 @@ TEST_F(VectorAlgorithms, RasterizeBurnsFieldsOrValues)
     }
 }
 
+// A layer written again replaces the old one whole, sidecar files included.
 TEST_F(VectorAlgorithms, ReplacesAnExistingOutput)
 {
     for (const QString& out : {Path("again.shp"), Path("again.geojson")}) {
@@ -167,7 +115,9 @@ TEST_F(VectorAlgorithms, ReplacesAnExistingOutput)
         ASSERT_EQ(RunAlgorithm("vector.attributeFilter", {{"In File", towns}, {"Where", "pop > 100"}, {"Out File", out}}).ok, 1);
         const RunResult r = RunAlgorithm("vector.attributeFilter", {{"In File", towns}, {"Where", "pop < 100"}, {"Out File", out}});
         ASSERT_EQ(r.ok, 1) << r.message.toStdString();
-        EXPECT_EQ(Names(ReadVector(out)), (QSet<QString>{"A", "D"}));
+        const VectorInfo info = ReadVector(out);
+        ASSERT_EQ(info.features.size(), 2u);
+        EXPECT_EQ(info.features[1].attributes.value("name").toString(), "D");
     }
 }
 
@@ -259,6 +209,10 @@ TEST_F(VectorAlgorithms, Ogr2ogrGivesTheSameFeatures)
     struct Case { const char* algorithm; QJsonObject params; QStringList args; QStringList then; size_t features; };
     const std::vector<Case> cases = {
         {"vector.reproject", {{"In File", towns}, {"Target SRS", "EPSG:4326"}}, {"-t_srs", "EPSG:4326", "%ref", towns}, {}, 5},
+        {"vector.translate", {{"In File", towns}, {"Target SRS", "EPSG:4326"}}, {"-t_srs", "EPSG:4326", "%ref", towns}, {}, 5},
+        {"vector.attributeFilter", {{"In File", towns}, {"Where", "pop > 100"}}, {"-where", "pop > 100", "%ref", towns}, {}, 3},
+        {"vector.attributeFilter", {{"In File", towns}, {"Where", "name IN ('A', 'D')"}}, {"-where", "name IN ('A', 'D')", "%ref", towns}, {}, 2},
+        {"vector.attributeFilter", {{"In File", towns}, {"Where", "pop > 10000"}}, {"-where", "pop > 10000", "%ref", towns}, {}, 0},
         {"vector.sql", {{"In File", towns}, {"SQL", sql}}, {"-dialect", "SQLite", "-sql", sql, "%ref", towns}, {}, 3},
         {"vector.centroids", {{"In File", parcels}}, {"-dialect", "SQLite", "-sql", centroids, "%ref", parcels}, {}, 3},
         {"vector.dissolve", {{"In File", parcels}, {"Field", "class"}}, {"-dialect", "SQLite", "-sql", dissolve, "%ref", parcels}, {}, 2},

@@ -66,16 +66,10 @@ QStringList hiddenIn(const QString& dir)
 void saveReprojection(const QTemporaryDir& dir, const QString& name, const char* resolution)
 {
     HeadlessModel m;
-    APCAlgo* copy = AddAlgo(m, "raster.translate");
-    SetConstant(VarOf(m, copy, "In File"), dir.filePath("small.tif"));
-    APCVar* copied = VarOf(m, copy, "Out File");
-    SetConstant(copied, dir.filePath("copy.tif"));
-    APCAlgo* warp = AddAlgo(m, "raster.warp");
-    Connect(m, copied, warp, "In File");
-    SetConstant(VarOf(m, warp, "Target SRS"), "EPSG:32632");
-    SetConstant(VarOf(m, warp, "Out File"), dir.filePath("fine.tif"));
-    SetLiteral(m, warp, "Resolution", resolution);
-    SetLiteral(m, warp, "Resampling", "lanczos");
+    APCAlgo* copy = AddStep(m, "raster.translate", {{"In File", dir.filePath("small.tif")}, {"Out File", dir.filePath("copy.tif")}});
+    APCAlgo* warp = AddStep(m, "raster.warp", {{"Target SRS", "EPSG:32632"}, {"Out File", dir.filePath("fine.tif")},
+                                               {"Resolution", resolution}, {"Resampling", "lanczos"}});
+    Connect(m, VarOf(m, copy, "Out File"), warp, "In File");
     ASSERT_TRUE(m.SaveFile(dir.filePath(name)));
 }
 
@@ -147,25 +141,19 @@ TEST(MbrunBatch, RefusesBeforeTheRunAndSaysWhy)
     WriteAll(batch.dir.filePath("other-root.apc"), "<?xml version=\"1.0\"?>\n<Other/>\n");
     WriteAll(batch.dir.filePath("broken.apc"), "<Configuration>\n  <Processes>\n</Configuration>\n");
     HeadlessModel slope;
-    APCAlgo* step = AddAlgo(slope, "raster.slope");
-    SetLiteral(slope, step, "Scale", "");
+    AddStep(slope, "raster.slope", {{"Scale", ""}});
     slope.SaveFile(batch.dir.filePath("slope.apc"));
     HeadlessModel closed;
-    APCAlgo* copy = AddAlgo(closed, "raster.translate");
-    SetConstant(VarOf(closed, copy, "In File"), batch.Scene(1));
-    SetConstant(VarOf(closed, copy, "Out File"), batch.dir.filePath("copy.tif"));
+    AddStep(closed, "raster.translate", {{"In File", batch.Scene(1)}, {"Out File", batch.dir.filePath("copy.tif")}});
     closed.SaveFile(batch.dir.filePath("closed.apc"));
     HeadlessModel loop; // each step reads what the other writes
-    APCAlgo* first = AddAlgo(loop, "raster.translate");
-    APCAlgo* second = AddAlgo(loop, "raster.slope");
-    SetConstant(VarOf(loop, first, "Out File"), batch.dir.filePath("a.tif"));
-    SetConstant(VarOf(loop, second, "Out File"), batch.dir.filePath("b.tif"));
+    APCAlgo* first = AddStep(loop, "raster.translate", {{"Out File", batch.dir.filePath("a.tif")}});
+    APCAlgo* second = AddStep(loop, "raster.slope", {{"Out File", batch.dir.filePath("b.tif")}});
     Connect(loop, VarOf(loop, first, "Out File"), second, "In File");
     Connect(loop, VarOf(loop, second, "Out File"), first, "In File");
     loop.SaveFile(batch.dir.filePath("loop.apc"));
     HeadlessModel itself; // one step reading what it writes
-    APCAlgo* alone = AddAlgo(itself, "raster.translate");
-    SetConstant(VarOf(itself, alone, "Out File"), batch.dir.filePath("c.tif"));
+    APCAlgo* alone = AddStep(itself, "raster.translate", {{"Out File", batch.dir.filePath("c.tif")}});
     Connect(itself, VarOf(itself, alone, "Out File"), alone, "In File");
     itself.SaveFile(batch.dir.filePath("itself.apc"));
     const QString cycle = "the model cannot run: the steps \"Convert raster\" -> \"Slope\" -> \"Convert raster\" wait for each other";
@@ -201,6 +189,7 @@ TEST(MbrunBatch, RefusesBeforeTheRunAndSaysWhy)
         EXPECT_FALSE(QDir(batch.out).exists());
     }
     EXPECT_EQ(ReadAll(batch.model), modelBytes);
+    EXPECT_EQ(Mbrun({batch.dir.filePath("closed.apc"), "--list-rounds"}).out, "Round 1: the whole model (it has no iterator)\n");
 
     // A refused run still leaves its report, in a folder made for it.
     const QString report = batch.dir.filePath("reports/refused.json");
@@ -232,59 +221,6 @@ TEST(MbrunBatch, DryRunPlansEveryRoundWithoutTouchingAFile)
         EXPECT_GT(stats, ndvi);
     }
     EXPECT_TRUE(o.out.endsWith("Plan: 3 rounds, 6 steps, 6 output files; nothing was run.\n")) << qPrintable(o.out);
-}
-
-TEST(MbrunBatch, TheReportNamesEveryStepAndTheFailedRounds)
-{
-    SceneBatch batch;
-    WriteAll(batch.Scene(2), "not a raster"); // GDAL refuses it in its own words
-    const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-1);
-    const Outcome o = Mbrun(batch.Args({"--report", batch.report}));
-    EXPECT_EQ(o.code, 1);
-    EXPECT_TRUE(o.err.endsWith("mbrun: 1 of 3 rounds failed: " + batch.Scene(2) + "\n")) << qPrintable(o.err);
-
-    const QJsonObject r = readReport(batch.report);
-    EXPECT_EQ(r["format"].toString(), "mbrun-report/1");
-    EXPECT_EQ(r["model"].toString(), batch.model);
-    EXPECT_EQ(r["status"].toString(), "failed");
-    EXPECT_EQ(r["exitCode"].toInt(), 1);
-    EXPECT_TRUE(r["signal"].isNull());
-    EXPECT_EQ(r["inputs"]["Output folder"].toString(), batch.out);
-    const QJsonObject summary = r["summary"].toObject();
-    EXPECT_EQ(summary["steps"].toInt(), 5); // the table of scene 2 never ran
-    EXPECT_EQ(summary["succeeded"].toInt(), 4);
-    EXPECT_EQ(summary["failed"].toInt(), 1);
-    EXPECT_EQ(summary["rounds"].toInt(), 3);
-    const QJsonArray failedRounds = r["failedRounds"].toArray();
-    ASSERT_EQ(failedRounds.size(), 1);
-    EXPECT_EQ(failedRounds[0]["round"].toInt(), 2);
-    EXPECT_EQ(failedRounds[0]["file"].toString(), batch.Scene(2));
-    EXPECT_EQ(failedRounds[0]["failedSteps"].toArray(), QJsonArray{"NDVI"});
-
-    const QJsonArray steps = r["steps"].toArray();
-    ASSERT_EQ(steps.size(), 5);
-    const QJsonObject first = steps[0].toObject();
-    EXPECT_EQ(first["algorithm"].toString(), "raster.ndvi");
-    EXPECT_EQ(first["step"].toString(), "NDVI");
-    EXPECT_EQ(first["round"].toInt(), 1);
-    EXPECT_EQ(first["parameters"]["In File"].toString(), batch.Scene(1));
-    EXPECT_EQ(first["parameters"]["Out File"].toString(), batch.Ndvi(1));
-    EXPECT_EQ(first["parameters"]["Red Band"].toString(), "3");
-    EXPECT_EQ(first["status"].toString(), "succeeded");
-    EXPECT_EQ(first["errorCode"].toInt(), 0);
-    EXPECT_EQ(first["written"].toArray(), QJsonArray{batch.Ndvi(1)});
-    const QDateTime start = QDateTime::fromString(first["start"].toString(), Qt::ISODateWithMs);
-    const QDateTime end = QDateTime::fromString(first["end"].toString(), Qt::ISODateWithMs);
-    EXPECT_LE(before, start);
-    EXPECT_LE(start, end);
-    const QJsonObject failed = steps[2].toObject();
-    EXPECT_EQ(failed["round"].toInt(), 2);
-    EXPECT_EQ(failed["status"].toString(), "failed");
-    EXPECT_NE(failed["errorCode"].toInt(), 0);
-    EXPECT_TRUE(failed["errorMessage"].toString().contains("scene_02.tif")) << qPrintable(failed["errorMessage"].toString());
-    EXPECT_TRUE(o.out.contains("Error message: " + failed["errorMessage"].toString()));
-    EXPECT_EQ(failed["outputs"].toArray(), QJsonArray{batch.Ndvi(2)});
-    EXPECT_TRUE(failed["written"].toArray().isEmpty());
 }
 
 TEST(MbrunBatch, ResumeRunsOnlyWhatIsNotUpToDate)
@@ -364,22 +300,16 @@ TEST(MbrunBatch, ASignalStopsTheRunAndTheReportSaysWhatFinished)
         // What finished is recorded: --resume goes on from the step stopped.
         EXPECT_TRUE(ReadAll(dir.filePath(".mbrun-state.json")).contains("\"copy.tif\""));
     }
-}
 
-TEST(MbrunBatch, WhatAKilledRunWasWritingIsRemovedByTheNextRun)
-{
-    QTemporaryDir dir;
-    MakeRaster(dir.filePath("small.tif"), 400, 1);
-    saveReprojection(dir, "slow.apc", "1");
+    // A run killed outright leaves what it was writing; the next run removes it, and
+    // only it.
     saveReprojection(dir, "quick.apc", "10");
-    const QString unrelated = dir.filePath(".keep");
-    WriteAll(unrelated, "not ours");
+    WriteAll(dir.filePath(".keep"), "not ours");
     QProcess p;
     startUntilTheSlowStep(p, {dir.filePath("slow.apc")}, dir.path());
     ASSERT_EQ(::kill(pid_t(p.processId()), SIGKILL), 0);
     ASSERT_TRUE(p.waitForFinished(30000));
     ASSERT_EQ(hiddenIn(dir.path()).size(), 2) << "no output was being written when the run was killed";
-
     const Outcome next = Mbrun({dir.filePath("quick.apc")});
     EXPECT_EQ(next.code, 0) << qPrintable(next.err);
     EXPECT_TRUE(QFile::exists(dir.filePath("fine.tif")));
@@ -412,9 +342,7 @@ TEST(MbrunBatch, OutputPathsLeadWhereTheSystemResolvesThem)
     QDir().mkpath(base + "/sl");
     ASSERT_TRUE(QFile::link(base + "/real/deep", base + "/sl/link"));
     HeadlessModel m;
-    APCAlgo* copy = AddAlgo(m, "raster.translate");
-    SetConstant(VarOf(m, copy, "In File"), batch.Scene(1));
-    SetConstant(VarOf(m, copy, "Out File"), base + "/sl/link/../o.tif");
+    AddStep(m, "raster.translate", {{"In File", batch.Scene(1)}, {"Out File", base + "/sl/link/../o.tif"}});
     ASSERT_TRUE(m.SaveFile(base + "/linked.apc"));
     const Outcome linked = Mbrun({base + "/linked.apc"});
     EXPECT_EQ(linked.code, 0) << qPrintable(linked.out + linked.err);
@@ -442,12 +370,8 @@ TEST(MbrunBatch, LongNamesAreWrittenAndLongMessagesArriveWhole)
     const QString longName = batch.dir.filePath(QString(246, 'n') + ".tif"); // 250 bytes, 5 short of the limit
     const QString missing = batch.dir.path() + "/" + QString(200, 'd') + "/" + QString(200, 'e') + "/none.tif";
     HeadlessModel m;
-    APCAlgo* copy = AddAlgo(m, "raster.translate");
-    SetConstant(VarOf(m, copy, "In File"), batch.Scene(1));
-    SetConstant(VarOf(m, copy, "Out File"), longName);
-    APCAlgo* broken = AddAlgo(m, "raster.slope");
-    SetConstant(VarOf(m, broken, "In File"), missing);
-    SetConstant(VarOf(m, broken, "Out File"), batch.dir.filePath("slope.tif"));
+    AddStep(m, "raster.translate", {{"In File", batch.Scene(1)}, {"Out File", longName}});
+    AddStep(m, "raster.slope", {{"In File", missing}, {"Out File", batch.dir.filePath("slope.tif")}});
     ASSERT_TRUE(m.SaveFile(batch.dir.filePath("long.apc")));
 
     const Outcome o = Mbrun({batch.dir.filePath("long.apc"), "--report", batch.report});
@@ -469,15 +393,9 @@ TEST(MbrunBatch, AfterAFailureTheStepsStillRunningAreWaitedForAndAccountedFor)
     WriteAll(dir.filePath("broken.tif"), "not a raster");
     // Two branches: a copy that fails at once, a reprojection to a finer grid that takes a while.
     HeadlessModel m;
-    APCAlgo* copy = AddAlgo(m, "raster.translate");
-    SetConstant(VarOf(m, copy, "In File"), dir.filePath("broken.tif"));
-    SetConstant(VarOf(m, copy, "Out File"), dir.filePath("copy.tif"));
-    APCAlgo* warp = AddAlgo(m, "raster.warp");
-    SetConstant(VarOf(m, warp, "In File"), dir.filePath("small.tif"));
-    SetConstant(VarOf(m, warp, "Target SRS"), "EPSG:32632");
-    SetConstant(VarOf(m, warp, "Out File"), dir.filePath("fine.tif"));
-    SetLiteral(m, warp, "Resolution", "2");
-    SetLiteral(m, warp, "Resampling", "lanczos");
+    AddStep(m, "raster.translate", {{"In File", dir.filePath("broken.tif")}, {"Out File", dir.filePath("copy.tif")}});
+    APCAlgo* warp = AddStep(m, "raster.warp", {{"In File", dir.filePath("small.tif")}, {"Target SRS", "EPSG:32632"},
+                                               {"Out File", dir.filePath("fine.tif")}, {"Resolution", "2"}, {"Resampling", "lanczos"}});
     ASSERT_TRUE(m.SaveFile(dir.filePath("branches.apc")));
 
     const Outcome o = Mbrun({dir.filePath("branches.apc"), "--report", dir.filePath("report.json")});
@@ -579,16 +497,11 @@ TEST(MbrunBatch, AnInterruptedStepReportsTheOutputsItLeftOnTheDisk)
     // that to its output "Fine". The step running it publishes one output long
     // before it ends.
     HeadlessModel inner;
-    APCAlgo* copy = AddAlgo(inner, "raster.translate");
-    SetConstant(VarOf(inner, copy, "In File"), dir.filePath("small.tif"));
-    APCVar* copied = VarOf(inner, copy, "Out File");
-    copied->SetDescription("Copy");
-    APCAlgo* warp = AddAlgo(inner, "raster.warp");
-    Connect(inner, copied, warp, "In File");
-    SetConstant(VarOf(inner, warp, "Target SRS"), "EPSG:32632");
+    APCAlgo* copy = AddStep(inner, "raster.translate", {{"In File", dir.filePath("small.tif")}});
+    APCAlgo* warp = AddStep(inner, "raster.warp", {{"Target SRS", "EPSG:32632"}, {"Resolution", "1"}, {"Resampling", "lanczos"}});
+    VarOf(inner, copy, "Out File")->SetDescription("Copy");
+    Connect(inner, VarOf(inner, copy, "Out File"), warp, "In File");
     VarOf(inner, warp, "Out File")->SetDescription("Fine");
-    SetLiteral(inner, warp, "Resolution", "1");
-    SetLiteral(inner, warp, "Resampling", "lanczos");
     ASSERT_TRUE(inner.SaveFile(dir.filePath("inner.apc")));
     const QMap<QString, QString> outputs = {{"Copy", dir.filePath("copy.tif")}, {"Fine", dir.filePath("fine.tif")}};
     HeadlessModel outer;
@@ -633,13 +546,6 @@ TEST(MbrunBatch, ListRoundsAndOneRoundAloneFollowTheRunsNumbering)
     o = Mbrun({batch.model, "--list-rounds"}); // refused as a run is
     EXPECT_EQ(o.code, 2);
     EXPECT_TRUE(o.err.contains("Please set value: Scene folders")) << qPrintable(o.err);
-    HeadlessModel closed;
-    APCAlgo* copy = AddAlgo(closed, "raster.translate");
-    SetConstant(VarOf(closed, copy, "In File"), batch.Scene(1));
-    SetConstant(VarOf(closed, copy, "Out File"), batch.dir.filePath("copy.tif"));
-    closed.SaveFile(batch.dir.filePath("closed.apc"));
-    o = Mbrun({batch.dir.filePath("closed.apc"), "--list-rounds"});
-    EXPECT_EQ(o.out, "Round 1: the whole model (it has no iterator)\n");
 
     o = Mbrun(batch.Args({"--round", "2", "--report", batch.report}));
     EXPECT_EQ(o.code, 0) << qPrintable(o.err);
@@ -659,7 +565,9 @@ TEST(MbrunBatch, ListRoundsAndOneRoundAloneFollowTheRunsNumbering)
     EXPECT_TRUE(o.err.contains("there is no round 4")) << qPrintable(o.err);
 }
 
-TEST(MbrunBatch, RoundsSideBySideGiveTheFilesAndTheReportOfOneJob)
+// The report of a run with a failed round, and rounds side by side give its files
+// and its report.
+TEST(MbrunBatch, TheReportNamesEveryStepAndRoundsSideBySideGiveTheSame)
 {
     SceneBatch batch;
     for (int i : {4, 5})
@@ -687,6 +595,7 @@ TEST(MbrunBatch, RoundsSideBySideGiveTheFilesAndTheReportOfOneJob)
         lines << QString::number(report["failedRounds"].toArray().size());
         return lines;
     };
+    const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-1);
     QMap<QString, QByteArray> files[2];
     QStringList said[2];
     for (int jobs : {1, 2}) {
@@ -699,6 +608,50 @@ TEST(MbrunBatch, RoundsSideBySideGiveTheFilesAndTheReportOfOneJob)
         EXPECT_TRUE(o.err.endsWith("mbrun: 1 of 5 rounds failed: " + batch.Scene(2) + "\n")) << qPrintable(o.err);
         files[jobs - 1] = checksums(out);
         said[jobs - 1] = content(readReport(report), out);
+        if (jobs == 1) {
+            const QJsonObject r = readReport(report);
+            EXPECT_EQ(r["format"].toString(), "mbrun-report/1");
+            EXPECT_EQ(r["model"].toString(), batch.model);
+            EXPECT_EQ(r["status"].toString(), "failed");
+            EXPECT_EQ(r["exitCode"].toInt(), 1);
+            EXPECT_TRUE(r["signal"].isNull());
+            EXPECT_EQ(r["inputs"]["Output folder"].toString(), out);
+            const QJsonObject summary = r["summary"].toObject();
+            EXPECT_EQ(summary["steps"].toInt(), 9); // the table of scene 2 never ran
+            EXPECT_EQ(summary["succeeded"].toInt(), 8);
+            EXPECT_EQ(summary["failed"].toInt(), 1);
+            EXPECT_EQ(summary["rounds"].toInt(), 5);
+            const QJsonArray failedRounds = r["failedRounds"].toArray();
+            ASSERT_EQ(failedRounds.size(), 1);
+            EXPECT_EQ(failedRounds[0]["round"].toInt(), 2);
+            EXPECT_EQ(failedRounds[0]["file"].toString(), batch.Scene(2));
+            EXPECT_EQ(failedRounds[0]["failedSteps"].toArray(), QJsonArray{"NDVI"});
+
+            const QJsonArray steps = r["steps"].toArray();
+            ASSERT_EQ(steps.size(), 9);
+            const QJsonObject first = steps[0].toObject();
+            EXPECT_EQ(first["algorithm"].toString(), "raster.ndvi");
+            EXPECT_EQ(first["step"].toString(), "NDVI");
+            EXPECT_EQ(first["round"].toInt(), 1);
+            EXPECT_EQ(first["parameters"]["In File"].toString(), batch.Scene(1));
+            EXPECT_EQ(first["parameters"]["Out File"].toString(), QDir(out).filePath("scene_01_ndvi.tif"));
+            EXPECT_EQ(first["parameters"]["Red Band"].toString(), "3");
+            EXPECT_EQ(first["status"].toString(), "succeeded");
+            EXPECT_EQ(first["errorCode"].toInt(), 0);
+            EXPECT_EQ(first["written"].toArray(), QJsonArray{QDir(out).filePath("scene_01_ndvi.tif")});
+            const QDateTime start = QDateTime::fromString(first["start"].toString(), Qt::ISODateWithMs);
+            const QDateTime end = QDateTime::fromString(first["end"].toString(), Qt::ISODateWithMs);
+            EXPECT_LE(before, start);
+            EXPECT_LE(start, end);
+            const QJsonObject failed = steps[2].toObject();
+            EXPECT_EQ(failed["round"].toInt(), 2);
+            EXPECT_EQ(failed["status"].toString(), "failed");
+            EXPECT_NE(failed["errorCode"].toInt(), 0);
+            EXPECT_TRUE(failed["errorMessage"].toString().contains("scene_02.tif")) << qPrintable(failed["errorMessage"].toString());
+            EXPECT_TRUE(o.out.contains("Error message: " + failed["errorMessage"].toString()));
+            EXPECT_EQ(failed["outputs"].toArray(), QJsonArray{QDir(out).filePath("scene_02_ndvi.tif")});
+            EXPECT_TRUE(failed["written"].toArray().isEmpty());
+        }
         if (jobs == 2) {
             // Each round's log is whole, in the order the rounds ended: each scene's
             // lines come together, never mixed with another's.
@@ -730,10 +683,8 @@ TEST(MbrunBatch, OneRoundRunsTheStepsOutsideTheIteratorOnlyWhereTheirOutputsAreM
     SceneBatch batch;
     HeadlessModel m;
     ASSERT_TRUE(m.LoadFile(batch.model));
-    APCAlgo* copy = AddAlgo(m, "raster.translate");
-    SetConstant(VarOf(m, copy, "In File"), batch.Scene(1));
     const QString reference = batch.dir.filePath("reference.tif");
-    SetConstant(VarOf(m, copy, "Out File"), reference);
+    AddStep(m, "raster.translate", {{"In File", batch.Scene(1)}, {"Out File", reference}});
     const QString model = batch.dir.filePath("prologue.apc");
     ASSERT_TRUE(m.SaveFile(model));
     const QStringList args{model, "--set", "Scene folders=" + batch.scenes, "--set", "Output folder=" + batch.out,

@@ -5,7 +5,6 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -169,28 +168,4 @@ TEST(Preflight, OptionsGdalRefusesAreNamedBeforeTheRun)
         EXPECT_TRUE(o.err.contains(c.said)) << qPrintable(o.err);
         EXPECT_FALSE(QFileInfo::exists(dir.filePath(c.out)));
     }
-}
-
-// What a model asks of GDAL reaches the file: the output equals gdal_translate's with
-// the same options, byte for byte.
-TEST(Preflight, AcceptedOptionsReachTheOutput)
-{
-    QTemporaryDir dir;
-    const QString out = dir.filePath("out.tif"), ref = dir.filePath("ref.tif");
-    TestSupport::WriteAll(dir.filePath("m.apc"),
-                          optionsModel(kDem, out, "raster.translate",
-                                       {{"Creation options", "COMPRESS=DEFLATE; PREDICTOR=2;TILED=YES"},
-                                        {"Additional options", "-ot Float32 -a_nodata -1"}}));
-    const TestSupport::Outcome o = TestSupport::Mbrun({dir.filePath("m.apc")});
-    ASSERT_EQ(o.code, 0) << qPrintable(o.out + o.err);
-    QProcess reference;
-    reference.start("gdal_translate", {"-q", "-co", "COMPRESS=DEFLATE", "-co", "PREDICTOR=2", "-co", "TILED=YES", "-ot",
-                                       "Float32", "-a_nodata", "-1", kDem, ref});
-    ASSERT_TRUE(reference.waitForFinished(60000));
-    ASSERT_EQ(reference.exitCode(), 0);
-    EXPECT_EQ(TestSupport::ReadAll(out), TestSupport::ReadAll(ref));
-    QProcess info;
-    info.start("gdalinfo", {out});
-    ASSERT_TRUE(info.waitForFinished(60000));
-    EXPECT_TRUE(info.readAllStandardOutput().contains("COMPRESSION=DEFLATE"));
 }

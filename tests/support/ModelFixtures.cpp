@@ -1,6 +1,7 @@
 #include "support/ModelFixtures.h"
 
 #include "engine/APCAlgo.h"
+#include "model/APCArrow.h"
 #include "model/APCModel.h"
 #include "model/APCVar.h"
 
@@ -38,6 +39,20 @@ APCAlgo* AddAlgo(APCModel& model, const QString& algorithm, double x, double y)
     return step;
 }
 
+APCArrow* AddArrow(APCModel& model, APCObject* tail, const QString& tailParam, APCObject* head, const QString& headParam)
+{
+    const auto kind = [](APCObject* o) { return dynamic_cast<APCVar*>(o) ? QStringLiteral("var") : QStringLiteral("process"); };
+    auto* arrow = new APCArrow;
+    arrow->SetTail(tail->GetName());
+    arrow->SetTailType(kind(tail));
+    arrow->SetTailParam(tailParam);
+    arrow->SetHead(head->GetName());
+    arrow->SetHeadType(kind(head));
+    arrow->SetHeadParam(headParam);
+    model.AddArrow(arrow);
+    return arrow;
+}
+
 APCVar* VarOf(APCModel& model, APCAlgo* step, const QString& param)
 {
     return model.FindVar(step->GetParameter(param).value.remove(QLatin1Char('%')));
@@ -55,6 +70,18 @@ void SetConstant(APCVar* var, const QString& value)
 {
     var->SetConstant(true);
     var->SetValue(value);
+}
+
+APCAlgo* AddStep(APCModel& model, const QString& algorithm, const QList<QPair<QString, QString>>& values)
+{
+    APCAlgo* step = AddAlgo(model, algorithm);
+    for (const auto& v : values) {
+        if (APCVar* var = VarOf(model, step, v.first))
+            SetConstant(var, v.second);
+        else
+            SetLiteral(model, step, v.first, v.second);
+    }
+    return step;
 }
 
 } // namespace TestSupport

@@ -8,6 +8,8 @@
 
 namespace Plugin {
 class APCAlgo;
+class APCArrow;
+class APCObject;
 class APCVar;
 } // namespace Plugin
 
@@ -32,6 +34,12 @@ Plugin::APCVar* VarOf(Plugin::APCModel& model, Plugin::APCAlgo* step, const QStr
 void SetLiteral(Plugin::APCModel& model, Plugin::APCAlgo* step, const QString& param, const QString& value);
 // Makes the var constant with value.
 void SetConstant(Plugin::APCVar* var, const QString& value);
+// AddAlgo, then each named parameter set: a wired one's var made constant with the
+// value, any other given the value as its literal.
+Plugin::APCAlgo* AddStep(Plugin::APCModel& model, const QString& algorithm, const QList<QPair<QString, QString>>& values);
+// Adds an arrow by hand, from tail (a var, or a step's parameter) to head.
+Plugin::APCArrow* AddArrow(Plugin::APCModel& model, Plugin::APCObject* tail, const QString& tailParam, Plugin::APCObject* head,
+                           const QString& headParam);
 
 } // namespace TestSupport
 
