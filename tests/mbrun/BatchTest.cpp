@@ -61,13 +61,14 @@ QStringList hiddenIn(const QString& dir)
     return QDir(dir).entryList(QDir::Hidden | QDir::AllEntries | QDir::NoDotAndDotDot).filter(QRegularExpression("^\\.(?!mbrun-state)"));
 }
 
-// A quick copy of small.tif, then a reprojection of the copy into fine.tif; at a
-// resolution of 1 it takes seconds, at 10 a moment.
-void saveReprojection(const QTemporaryDir& dir, const QString& name, const char* resolution)
+// A quick copy of small.tif, then a reprojection of the copy into fine.tif, both
+// in out (dir when empty); at a resolution of 1 it takes seconds, at 10 a moment.
+void saveReprojection(const QTemporaryDir& dir, const QString& name, const char* resolution, QString out = QString())
 {
+    out = out.isEmpty() ? dir.path() : out;
     HeadlessModel m;
-    APCAlgo* copy = AddStep(m, "raster.translate", {{"In File", dir.filePath("small.tif")}, {"Out File", dir.filePath("copy.tif")}});
-    APCAlgo* warp = AddStep(m, "raster.warp", {{"Target SRS", "EPSG:32632"}, {"Out File", dir.filePath("fine.tif")},
+    APCAlgo* copy = AddStep(m, "raster.translate", {{"In File", dir.filePath("small.tif")}, {"Out File", out + "/copy.tif"}});
+    APCAlgo* warp = AddStep(m, "raster.warp", {{"Target SRS", "EPSG:32632"}, {"Out File", out + "/fine.tif"},
                                                {"Resolution", resolution}, {"Resampling", "lanczos"}});
     Connect(m, VarOf(m, copy, "Out File"), warp, "In File");
     ASSERT_TRUE(m.SaveFile(dir.filePath(name)));
@@ -445,21 +446,8 @@ TEST(MbrunBatch, ASecondResumeOnTheSameFolderSaysWhoHoldsItsState)
     QTemporaryDir dir;
     MakeRaster(dir.filePath("small.tif"), 400, 1);
     const QString out = dir.filePath("out");
-    // A quick copy, then a reprojection to a much finer grid that takes seconds;
-    // and a model that only copies, into the same folder.
-    HeadlessModel m;
-    APCAlgo* copy = AddAlgo(m, "raster.translate");
-    SetConstant(VarOf(m, copy, "In File"), dir.filePath("small.tif"));
-    APCVar* copied = VarOf(m, copy, "Out File");
-    SetConstant(copied, QDir(out).filePath("copy.tif"));
-    ASSERT_TRUE(m.SaveFile(dir.filePath("quick.apc")));
-    APCAlgo* warp = AddAlgo(m, "raster.warp");
-    Connect(m, copied, warp, "In File");
-    SetConstant(VarOf(m, warp, "Target SRS"), "EPSG:32632");
-    SetConstant(VarOf(m, warp, "Out File"), QDir(out).filePath("fine.tif"));
-    SetLiteral(m, warp, "Resolution", "1");
-    SetLiteral(m, warp, "Resampling", "lanczos");
-    ASSERT_TRUE(m.SaveFile(dir.filePath("slow.apc")));
+    saveReprojection(dir, "slow.apc", "1", out);
+    saveReprojection(dir, "quick.apc", "10", out);
 
     QProcess first;
     first.start(MbrunPath(), {dir.filePath("slow.apc"), "--resume"});
