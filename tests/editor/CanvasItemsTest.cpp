@@ -1,3 +1,5 @@
+// Canvas items of a loaded model, and the scene and view that carry them: places,
+// shapes, states, and events that reach the current tool.
 #include "editor/AlgoGraphics.h"
 #include "editor/ArrowGraphics.h"
 #include "editor/IteratorGraphics.h"
@@ -6,18 +8,22 @@
 #include "editor/ModelTool.h"
 #include "editor/ModelView.h"
 #include "editor/VarGraphics.h"
-#include "engine/APCAlgo.h"
 #include "model/APCArrow.h"
 #include "model/APCModel.h"
+#include "model/APCVar.h"
 #include "model/PainterText.h"
+#include "support/CanvasDriver.h"
 #include "support/TestSupport.h"
 
+#include <QApplication>
 #include <QImage>
 #include <QPainter>
 #include <QStyleOptionGraphicsItem>
 #include <QTemporaryDir>
 #include <QTest>
 #include <gtest/gtest.h>
+
+#include <memory>
 
 using namespace Plugin;
 
@@ -47,22 +53,6 @@ const char* kModel = R"(<?xml version="1.0" encoding="GB2312" standalone="no"?>
     </Arrows>
 </Configuration>
 )";
-
-class CountingTool : public ModelTool
-{
-public:
-    bool enabled = true;
-    int doubleClicks = 0;
-    APCObject* last = nullptr;
-    void OnClick() override {}
-    bool IsEnable() override { return enabled; }
-    bool ReservedQuery() override { return true; }
-    void OnDoubleClick(QGraphicsSceneMouseEvent*, APCObject* object, void*) override
-    {
-        ++doubleClicks;
-        last = object;
-    }
-};
 
 template <class T>
 T* itemOf(ModelControler& window, const QString& id)
@@ -214,19 +204,75 @@ TEST_F(CanvasItems, ArrowsVanishWhileTheirEndsOverlap)
     EXPECT_EQ(in->GetHeadShape(), head); // nothing painted, nothing recomputed
 }
 
-TEST_F(CanvasItems, DoubleClicksGoToAWillingTool)
+
+// ---------------------------------------------------------------------------
+// The scene and view of an empty window, with items standing for objects
+
+namespace {
+
+// Writes down every call it gets, in order.
+class RecordingTool : public ModelTool
 {
-    window->resize(800, 600);
-    window->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
-    CountingTool tool;
-    window->SetCurrentTool(&tool);
-    ModelView* view = window->GetView();
-    const QPoint at = view->mapFromScene(QPointF(100, 50));
-    QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, at);
-    EXPECT_EQ(tool.doubleClicks, 1);
-    EXPECT_EQ(tool.last, itemOf<AlgoGraphics>(*window, "{a}")->GetObject());
+public:
+    bool enabled = true;
+    QStringList calls;
+    void OnClick() override { calls << "click"; }
+    bool IsEnable() override { return enabled; }
+    bool ReservedQuery() override { return true; }
+    void OnMousePress(QGraphicsSceneMouseEvent*) override { calls << "press"; }
+    void OnMouseDrag(QGraphicsSceneMouseEvent*) override { calls << "drag"; }
+    void OnMouseRelease(QGraphicsSceneMouseEvent*) override { calls << "release"; }
+    void OnMouseHover(QGraphicsSceneMouseEvent*) override { calls << "hover"; }
+    void OnEnter(QEvent*) override { calls << "enter"; }
+    void OnLeave(QEvent*) override { calls << "leave"; }
+};
+
+} // namespace
+
+class Canvas : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        window.resize(400, 300);
+        window.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    }
+    ModelControler window{QString(), false};
+    CanvasDriver::Mouse mouse{window};
+};
+
+TEST_F(Canvas, EventsReachTheCurrentToolOnlyWhenItIsWilling)
+{
+    RecordingTool tool;
+    window.SetCurrentTool(&tool);
+    EXPECT_EQ(tool.calls.join(' '), "click");
+    tool.calls.clear();
+
+    // Moves without a button reach a view only while it tracks the mouse, which
+    // Qt turns on once an item takes hover events.
+    mouse.Viewport()->setMouseTracking(true);
+    int moves = 0;
+    QObject::connect(window.GetScene(), &ModelScene::SceneMouseMove, [&] { ++moves; });
+    mouse.Move(QPoint(50, 50));
+    mouse.Press(QPoint(60, 60));
+    mouse.Move(QPoint(80, 80), Qt::LeftButton);
+    mouse.Release(QPoint(80, 80));
+    EXPECT_EQ(tool.calls.join(' '), "hover press drag release");
+    EXPECT_EQ(moves, 2);
+
+    // A tool that is not enabled hears nothing, and the moves are still told.
     tool.enabled = false;
-    QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, at);
-    EXPECT_EQ(tool.doubleClicks, 1);
+    tool.calls.clear();
+    mouse.Press(QPoint(60, 60));
+    mouse.Move(QPoint(90, 90), Qt::LeftButton);
+    mouse.Release(QPoint(90, 90));
+    EXPECT_EQ(tool.calls.join(' '), "");
+    EXPECT_EQ(moves, 3);
+
+    tool.enabled = true;
+    QEvent enter(QEvent::Enter), leave(QEvent::Leave);
+    QApplication::sendEvent(window.GetView(), &enter);
+    QApplication::sendEvent(window.GetView(), &leave);
+    EXPECT_EQ(tool.calls.join(' '), "enter leave");
 }

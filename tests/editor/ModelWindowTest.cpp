@@ -1,3 +1,8 @@
+// The model window: its menus and their enable rules, runs into the log panels,
+// zooms, saving, deleting, closing; and the run dialog of a model with free inputs.
+#include "HostCatalogGui/DataTypeFactory.h"
+#include "HostCatalogGui/DataTypeWidget.h"
+#include "dialogs/RunCmdDlg.h"
 #include "editor/GraphicsItemBase.h"
 #include "editor/ModelCommandManager.h"
 #include "editor/ModelControler.h"
@@ -12,18 +17,24 @@
 #include "support/TestSupport.h"
 
 #include <QAction>
-#include <QMenuBar>
 #include <QApplication>
 #include <QClipboard>
 #include <QDir>
 #include <QDockWidget>
-#include <QTabWidget>
+#include <QFileDialog>
 #include <QGraphicsItem>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QTabWidget>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QTextEdit>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 using namespace Plugin;
+using GuiDriver::OnNextModal;
 using GuiDriver::Action;
 using TestSupport::WaitUntil;
 
@@ -115,22 +126,6 @@ TEST_F(ModelWindow, MenusAndEnableRulesFollowTheWindowAndTheRun)
     EXPECT_TRUE(Action(&readOnly, "Run")->isEnabled()); // a read-only model runs
 }
 
-TEST_F(ModelWindow, RunColoursTheStepsAndWritesTheLog)
-{
-    ModelControler window(path(), false);
-    window.SetModelName("Two steps");
-    Action(&window, "Run")->trigger();
-    EXPECT_TRUE(window.findChild<QDockWidget*>()->isVisibleTo(&window)); // a run shows the log
-    ASSERT_TRUE(WaitUntil([&] { return window.GetSequenceControl()->GetState() == 0; }));
-    const QString output = panelText(window, 0);
-    EXPECT_TRUE(output.startsWith("Start the model: Two steps\n"));
-    EXPECT_EQ(output.count("Result of execution: Succeed"), 2);
-    EXPECT_TRUE(output.contains("Generate: Succeed: 2, Fail: 0"));
-    EXPECT_EQ(panelText(window, 1), "");
-    EXPECT_EQ(output, window.GetSequenceControl()->GetLog()->GetLogText());
-    EXPECT_FALSE(window.IsModified()); // a run is not an edit
-}
-
 TEST_F(ModelWindow, AClosedWindowGoesAtTheNextTick)
 {
     auto* window = new ModelControler(path(), true);
@@ -177,19 +172,6 @@ TEST_F(ModelWindow, FixedZoomsKeepTheScaleAndTheViewInStep)
     EXPECT_GT(window.GetScene()->GetScale(), 0.0);
 }
 
-TEST_F(ModelWindow, SaveWritesTheModelBackAndClearsTheFlag)
-{
-    ModelControler window(path(), false);
-    window.GetDocument()->FindVar("{mid}")->SetDescription("Renamed");
-    window.SetModified(true);
-    Action(&window, "Save")->trigger();
-    EXPECT_FALSE(window.IsModified());
-    APCModel reread;
-    ASSERT_TRUE(reread.LoadFile(path()));
-    ASSERT_TRUE(reread.FindVar("{mid}"));
-    EXPECT_EQ(reread.FindVar("{mid}")->GetDescription(), "Renamed");
-}
-
 TEST_F(ModelWindow, SaveOnAFullDiskKeepsTheOldFileWhole)
 {
     const QByteArray before = TestSupport::ReadAll(path());
@@ -220,4 +202,99 @@ TEST_F(ModelWindow, DeleteTakesTheSelectionAndItsArrowsAway)
     EXPECT_EQ(window.GetDocument()->FindVar("{mid}"), nullptr);
     EXPECT_TRUE(window.GetDocument()->GetArrows().isEmpty());
     EXPECT_TRUE(window.IsModified());
+}
+
+
+TEST(RunDialog, RefusesAnEmptyTabByItsTitleAndTakesBlanks)
+{
+    RunCmdDlg dialog(nullptr);
+    EXPECT_EQ(dialog.windowTitle(), "Run");
+    auto* tabs = dialog.findChild<QTabWidget*>();
+    ASSERT_TRUE(tabs);
+    EXPECT_EQ(tabs->count(), 0); // the drawn placeholders are gone
+    for (const char* title : {"Scene", "Scene"}) {
+        DataTypeWidget* w = DataTypeFactory::CreateDataTypeWidget("string", "");
+        w->SetCaption(title);
+        dialog.AddPage(w, title);
+    }
+    tabs->setCurrentIndex(1);
+    auto* first = qobject_cast<DataTypeWidget*>(tabs->widget(0));
+    first->SetValue("given");
+
+    GuiDriver::Message message;
+    GuiDriver::AnswerMessage(&message);
+    OnNextModal([&](QWidget*) {}); // the dialog itself
+    QTimer::singleShot(0, [&] { GuiDriver::ClickText(&dialog, "OK"); });
+    QTimer::singleShot(300, [&] {
+        // The second tab is empty: named by its title, and the dialog stays.
+        EXPECT_EQ(message.text, "Please set value: Scene");
+        EXPECT_TRUE(dialog.isVisible());
+        EXPECT_EQ(tabs->currentIndex(), 1);
+        auto* edit = tabs->widget(1)->findChild<QLineEdit*>();
+        ASSERT_TRUE(edit);
+        QTest::keyClicks(edit, "  "); // blanks count as a value
+        GuiDriver::ClickText(&dialog, "OK");
+    });
+    EXPECT_EQ(dialog.exec(), QDialog::Accepted);
+}
+
+// Each shipped model, opened in its window and run on the sample scenes into a
+// fresh folder, with its inputs given in the run dialog as a user gives them.
+TEST(RunDialog, EveryShippedModelRunsFromItsWindow)
+{
+    const QString models = QCoreApplication::applicationDirPath() + "/../Model/apc/";
+    const QString scenes = QStringLiteral(MB_SOURCE_DIR "/examples/data/scenes");
+    QTemporaryDir out;
+    struct Case { const char* model; QStringList outputs; };
+    const std::vector<Case> cases = {
+        {"scene_ndvi.apc", {"scene_01_ndvi.tif", "scene_02_ndvi.tif", "scene_03_ndvi.tif"}},
+        {"batch_nested.apc", {"scene_01_nested.tif", "scene_02_nested.tif", "scene_03_nested.tif"}},
+        {"ndvi_one.apc", {"one.tif"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.model);
+        ModelControler window(models + c.model, false);
+        window.SetModelName(c.model);
+        OnNextModal([&](QWidget* w) {
+            auto* dialog = qobject_cast<RunCmdDlg*>(w);
+            ASSERT_TRUE(dialog);
+            auto* tabs = dialog->findChild<QTabWidget*>();
+            for (int i = 0; i < tabs->count(); ++i) {
+                tabs->setCurrentIndex(i);
+                const QString title = tabs->tabText(i);
+                QWidget* page = tabs->widget(i);
+                if (title == "Scene folders") {
+                    // Add... asks for a folder; the user picks the scenes.
+                    OnNextModal([&](QWidget* picker) {
+                        auto* files = qobject_cast<QFileDialog*>(picker);
+                        ASSERT_TRUE(files);
+                        auto* name = files->findChild<QLineEdit*>("fileNameEdit");
+                        ASSERT_TRUE(name);
+                        name->setText(scenes);
+                        QTest::keyClick(name, Qt::Key_Return);
+                    });
+                    GuiDriver::ClickText(page, "Add...");
+                    continue;
+                }
+                auto* edit = page->findChild<QLineEdit*>();
+                ASSERT_TRUE(edit) << title.toStdString();
+                const QString value = title == "Scene" ? scenes + "/scene_01.tif"
+                                    : title == "NDVI file" ? out.filePath("one.tif")
+                                                           : out.path();
+                QTest::keyClicks(edit, value);
+            }
+            GuiDriver::ClickText(dialog, "OK");
+        });
+        GuiDriver::Action(&window, "Run")->trigger();
+        ASSERT_TRUE(TestSupport::WaitUntil([&] { return window.GetSequenceControl()->GetState() == 0; }, 60000));
+        EXPECT_TRUE(window.findChild<QDockWidget*>()->isVisibleTo(&window)); // a run shows the log
+        const QString log = panelText(window, 0);
+        EXPECT_TRUE(log.startsWith(QString("Start the model: ") + c.model + "\n")) << qPrintable(log);
+        EXPECT_TRUE(log.contains("Fail: 0")) << qPrintable(log);
+        EXPECT_EQ(log, window.GetSequenceControl()->GetLog()->GetLogText());
+        EXPECT_EQ(panelText(window, 1), "");
+        EXPECT_FALSE(window.IsModified()); // a run is not an edit
+        for (const QString& file : c.outputs)
+            EXPECT_TRUE(QFileInfo::exists(out.filePath(file))) << file.toStdString();
+    }
 }

@@ -3,15 +3,13 @@
 // before it, and the bands and lines the tools raise come down as the editor
 // has always taken them down.
 #include "editor/ArrowGraphics.h"
-#include "editor/GraphicsItemBase.h"
-#include "editor/ModelCommandManager.h"
 #include "editor/ModelControler.h"
 #include "editor/ModelScene.h"
 #include "editor/ModelView.h"
 #include "model/APCArrow.h"
-#include "model/APCModel.h"
 #include "model/APCProcess.h"
 #include "model/APCVar.h"
+#include "support/CanvasDriver.h"
 #include "support/GuiDriver.h"
 #include "support/ModelFixtures.h"
 #include "support/TestSupport.h"
@@ -22,11 +20,9 @@
 #include <QFontMetrics>
 #include <QGraphicsRectItem>
 #include <QImage>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QTimer>
 #include <gtest/gtest.h>
 
@@ -35,7 +31,6 @@
 using namespace Plugin;
 
 namespace {
-
 
 // Closes every modal window that opens while it lives, and counts them.
 class ModalWatch
@@ -67,18 +62,16 @@ protected:
     void Open(bool readOnly)
     {
         ASSERT_TRUE(TestSupport::WriteAll(dir.filePath("m.apc"), TestSupport::kStepAndThreeVars));
-        window = std::make_unique<ModelControler>(dir.filePath("m.apc"), readOnly);
-        window->resize(900, 700);
-        window->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+        window = CanvasDriver::OpenShown(dir.filePath("m.apc"), readOnly);
+        mouse.SetWindow(*window);
     }
     ModelView* view() { return window->GetView(); }
     QWidget* viewport() { return view()->viewport(); }
     ModelScene* scene() { return window->GetScene(); }
     APCModel* model() { return window->GetDocument(); }
     QGraphicsItem* item(const QString& id) { return dynamic_cast<QGraphicsItem*>(window->FindItemBaseById(id)); }
-    QPoint at(const QPointF& scenePos) { return view()->mapFromScene(scenePos); }
-    QPoint at(const QString& id) { return at(item(id)->pos()); }
+    QPoint at(const QPointF& scenePos) { return mouse.At(scenePos); }
+    QPoint at(const QString& id) { return mouse.At(id); }
     // Bands and lines a tool has up: scene items that show no object.
     int strayItems() { return scene()->items().size() - scene()->GetItems().size(); }
     QGraphicsItem* firstStray()
@@ -89,25 +82,12 @@ protected:
         return nullptr;
     }
     void use(const char* caption) { GuiDriver::Action(window.get(), caption)->trigger(); }
+    void move(const QPoint& to, Qt::MouseButtons buttons) { mouse.Move(to, buttons); }
+    void press(const QPoint& p) { mouse.Press(p); }
+    void release(const QPoint& p) { mouse.Release(p); }
+    void drag(const QPoint& from, const QPoint& to) { mouse.Drag(from, to); }
 
-    void move(const QPoint& to, Qt::MouseButtons buttons)
-    {
-        QMouseEvent event(QEvent::MouseMove, to, viewport()->mapToGlobal(to), Qt::NoButton, buttons, Qt::NoModifier);
-        QApplication::sendEvent(viewport(), &event);
-    }
-    void press(const QPoint& p, Qt::MouseButton b = Qt::LeftButton) { QTest::mousePress(viewport(), b, {}, p); }
-    void release(const QPoint& p, Qt::MouseButton b = Qt::LeftButton) { QTest::mouseRelease(viewport(), b, {}, p); }
-    // As a user drags: the pointer rests on from, the button goes down, the
-    // pointer travels in three steps, the button comes up.
-    void drag(const QPoint& from, const QPoint& to)
-    {
-        move(from, Qt::NoButton);
-        press(from);
-        for (int i = 1; i <= 3; ++i)
-            move(from + (to - from) * i / 3, Qt::LeftButton);
-        release(to);
-    }
-
+    CanvasDriver::Mouse mouse;
     QTemporaryDir dir;
     std::unique_ptr<ModelControler> window;
 };
@@ -193,12 +173,14 @@ TEST_F(Tools, HandlesResizeTheOneSelectedItemAboutTheOppositePoint)
     }
 }
 
-TEST_F(Tools, AReadOnlyModelIsNeitherResizedNorConnected)
+TEST_F(Tools, AReadOnlyModelIsNeitherMovedResizedNorConnected)
 {
     Open(true);
     QGraphicsItem* step = item("{step}");
-    step->setSelected(true);
     const QRectF before = step->sceneBoundingRect();
+    drag(at("{step}"), at("{step}") + QPoint(30, 20));
+    EXPECT_EQ(step->sceneBoundingRect(), before);
+    step->setSelected(true);
     const QPoint grip = at(step->mapToScene(QPointF(40.5, 20.5)));
     drag(grip, grip + QPoint(60, 60));
     EXPECT_EQ(step->sceneBoundingRect(), before);

@@ -76,29 +76,6 @@ QStringList rowTexts(QListWidget* list)
     return texts;
 }
 
-// The next modal window must be a message box: its title and text are kept and it
-// is answered with its button.
-struct Message
-{
-    int shown = 0;
-    QString title;
-    QString text;
-    QStringList buttons;
-};
-void answerMessage(Message* message)
-{
-    OnNextModal([message](QWidget* w) {
-        auto* box = qobject_cast<QMessageBox*>(w);
-        ASSERT_NE(box, nullptr);
-        ++message->shown;
-        message->title = box->windowTitle();
-        message->text = box->text();
-        for (QAbstractButton* b : box->buttons())
-            message->buttons << b->text();
-        box->buttons().first()->click();
-    });
-}
-
 // Runs dialog modally; act is what the user does in it (it must end it).
 int runModal(QDialog& dialog, std::function<void(QDialog*)> act)
 {
@@ -180,7 +157,7 @@ TEST(FunctionDialog, OkTakesWhatParsesOrIsEmptyAndRefusesTheRest)
         SCOPED_TRACE(c.name);
         APCFunctionDlg dialog(APCFun::GetFunctionList(), {}, nullptr);
         dialog.SetExpression("$AppendSuffix('set', '_by the caller')");
-        Message message;
+        GuiDriver::Message message;
         const int result = runModal(dialog, [&](QDialog* d) {
             auto* edit = Child<QTextEdit>(d, "expressionEdit");
             Retype(edit, c.text);
@@ -189,7 +166,7 @@ TEST(FunctionDialog, OkTakesWhatParsesOrIsEmptyAndRefusesTheRest)
                 clickButton(d, "okButton");
                 return;
             }
-            answerMessage(&message);
+            GuiDriver::AnswerMessage(&message);
             clickButton(d, "okButton");
             EXPECT_EQ(message.shown, 1);
             EXPECT_EQ(message.title, "Error");
@@ -290,44 +267,8 @@ protected:
     boost::signals2::scoped_connection changes;
 };
 
-TEST_F(VarDialog, ShowsAComputedVarAndRadioButtonsSwitchTheEditorsAndCancelLeavesTheVar)
-{
-    APCVarDlg dialog(computed, nullptr);
-    const int result = runModal(dialog, [&](QDialog* d) {
-        auto* expression = Child<QLineEdit>(d, "expressionEdit");
-        auto* dots = Child<QPushButton>(d, "funcButton");
-        EXPECT_TRUE(Child<QRadioButton>(d, "varRadio")->isChecked());
-        EXPECT_EQ(expression->text(), "$AppendSuffix(%{src}%, '_a')");
-        EXPECT_TRUE(expression->isEnabled() && dots->isEnabled());
-        EXPECT_FALSE(valueWidget(d)->isEnabled());
-        EXPECT_EQ(valueWidget(d)->GetValue(), "c:/old/value.tif");
-        clickButton(d, "constRadio");
-        EXPECT_TRUE(valueWidget(d)->isEnabled());
-        EXPECT_FALSE(expression->isEnabled());
-        EXPECT_FALSE(dots->isEnabled());
-        EXPECT_FALSE(Child<QRadioButton>(d, "varRadio")->isChecked());
-        clickButton(d, "varRadio");
-        EXPECT_FALSE(valueWidget(d)->isEnabled());
-        EXPECT_TRUE(expression->isEnabled());
-        EXPECT_TRUE(dots->isEnabled());
-        EXPECT_FALSE(Child<QRadioButton>(d, "constRadio")->isChecked());
-        EXPECT_EQ(expression->text(), "$AppendSuffix(%{src}%, '_a')"); // came back with the mode
-        clickButton(d, "constRadio");
-        Retype(Child<QLineEdit>(d, "descriptionEdit"), "Renamed");
-        Retype(valueEdit(d), "c:/typed.tif");
-        clickButton(d, "cancelButton");
-    });
-    EXPECT_EQ(result, QDialog::Rejected);
-    // Only Apply writes, and the tool calls it only after OK.
-    EXPECT_FALSE(computed->GetConstant());
-    EXPECT_EQ(computed->GetDescription(), "Output");
-    EXPECT_EQ(computed->GetValue(), "c:/old/value.tif");
-    EXPECT_EQ(computed->GetFunExp(), "$AppendSuffix(%{src}%, '_a')");
-    EXPECT_TRUE(changed.isEmpty());
-}
-
-// Only Apply writes, once per dialog; a computed var made constant keeps its
-// expression for a later switch back.
+// Only Apply writes, once per dialog; the radio buttons switch the editors, and a
+// computed var made constant keeps its expression for a later switch back.
 TEST_F(VarDialog, ApplyWritesWhatTheUserChoseAndTellsTheModel)
 {
     APCVar* fresh = addVar(model, "{fresh}", "string", "Fresh");
@@ -358,9 +299,21 @@ TEST_F(VarDialog, ApplyWritesWhatTheUserChoseAndTellsTheModel)
          true, "c:/data/y.tif", "", "Scene file", "c:/data/y.tif"},
         {"computed to Constant and back", computed,
          [&](QDialog* d) {
+             auto* expression = Child<QLineEdit>(d, "expressionEdit");
+             auto* dots = Child<QPushButton>(d, "funcButton");
+             EXPECT_TRUE(Child<QRadioButton>(d, "varRadio")->isChecked());
+             EXPECT_TRUE(expression->isEnabled() && dots->isEnabled());
+             EXPECT_FALSE(valueWidget(d)->isEnabled());
+             EXPECT_EQ(valueWidget(d)->GetValue(), "c:/old/value.tif");
              clickButton(d, "constRadio");
+             EXPECT_TRUE(valueWidget(d)->isEnabled());
+             EXPECT_FALSE(expression->isEnabled() || dots->isEnabled());
+             EXPECT_FALSE(Child<QRadioButton>(d, "varRadio")->isChecked());
              typeValue(d, "c:/fixed.tif");
              clickButton(d, "varRadio");
+             EXPECT_FALSE(valueWidget(d)->isEnabled());
+             EXPECT_TRUE(expression->isEnabled() && dots->isEnabled());
+             EXPECT_EQ(expression->text(), appended); // came back with the mode
          },
          false, "c:/old/value.tif", appended, "Output", ""},
         {"computed to Constant", computed,
@@ -428,8 +381,8 @@ TEST_F(VarDialog, DotsOpenTheFunctionDialogAndOnlyItsOkChangesTheExpression)
                 EXPECT_EQ(Child<QListWidget>(f, "functionList")->count(), APCFun::GetFunctionList().size());
                 Retype(Child<QTextEdit>(f, "expressionEdit"), c.typed);
                 if (c.refusedFirst) {
-                    Message message;
-                    answerMessage(&message);
+                    GuiDriver::Message message;
+                    GuiDriver::AnswerMessage(&message);
                     clickButton(f, "okButton");
                     EXPECT_EQ(message.text, "The function is error!");
                     EXPECT_TRUE(f->isVisible());
@@ -454,12 +407,12 @@ TEST_F(VarDialog, DotsOpenTheFunctionDialogAndOnlyItsOkChangesTheExpression)
 TEST(VarAddDialog, OkWithoutACurrentRowIsRefusedAndTheDialogStays)
 {
     VarAddDlg dialog(nullptr);
-    Message message;
+    GuiDriver::Message message;
     const int result = runModal(dialog, [&](QDialog* d) {
         auto* list = Child<QListWidget>(d, "typeList");
         // The state a list without a current row is in (no host type chosen).
         list->setCurrentRow(-1);
-        answerMessage(&message);
+        GuiDriver::AnswerMessage(&message);
         clickButton(d, "okButton");
         EXPECT_EQ(message.shown, 1);
         EXPECT_EQ(message.title, "Error");
@@ -539,23 +492,3 @@ TEST_F(VarsInWindow, AddsAVarOfTheChosenTypeAtTheFixedPoint)
     EXPECT_EQ(vars.size(), expectedCount);
     EXPECT_FALSE(window.IsModified());
 }
-
-// The window hears the var's change through the model, and the model becomes modified.
-TEST_F(VarsInWindow, VarDialogApplyRaisesTheWindowsModifiedFlag)
-{
-    ModelControler window(dir.filePath("m.apc"), false);
-    APCVar* var = window.GetDocument()->FindVar("{v}");
-    ASSERT_NE(var, nullptr);
-    ASSERT_FALSE(window.IsModified());
-    APCVarDlg dialog(var, &window);
-    const int result = runModal(dialog, [](QDialog* d) {
-        Retype(Child<QLineEdit>(d, "descriptionEdit"), "Threshold");
-        clickButton(d, "okButton");
-    });
-    ASSERT_EQ(result, QDialog::Accepted);
-    dialog.Apply();
-    EXPECT_EQ(var->GetDescription(), "Threshold");
-    EXPECT_EQ(var->GetValue(), "x");
-    EXPECT_TRUE(window.IsModified());
-}
-
