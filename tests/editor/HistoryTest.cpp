@@ -281,8 +281,12 @@ TEST(WholeWork, FromAnExampleToASavedModelThatRan)
     // 2. Its own input var deleted, then the NDVI output connected to it.
     APCVar* ownInput = TestSupport::VarOf(*model, step, "In File");
     ASSERT_TRUE(ownInput);
+    const QString ownInputId = ownInput->GetName();
+    const int arrows = model->GetArrows().size();
     mouse.Click(mouse.At(ownInput));
-    use(window, "Delete");
+    use(window, "Delete"); // the var, and its arrow with it
+    EXPECT_FALSE(model->FindVar(ownInputId));
+    EXPECT_EQ(model->GetArrows().size(), arrows - 1);
     ASSERT_TRUE(step->GetParameter("In File").value.isEmpty());
     use(window, "Connect");
     OnNextModal([](QWidget* arrowDialog) {

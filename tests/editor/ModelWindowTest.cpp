@@ -14,6 +14,7 @@
 #include "model/APCModel.h"
 #include "model/APCVar.h"
 #include "support/GuiDriver.h"
+#include "support/ModelFixtures.h"
 #include "support/TestSupport.h"
 
 #include <QAction>
@@ -40,23 +41,6 @@ using TestSupport::WaitUntil;
 
 namespace {
 
-// Two do-nothing steps in a row, with no free input.
-const char* kModel = R"(<?xml version="1.0" encoding="GB2312" standalone="no"?>
-<Configuration>
-    <Processes>
-        <Process class="algo" name="{one}" posX="0" posY="0" painter="" processName="test.noop"/>
-        <Process class="algo" name="{two}" posX="0" posY="200" painter="" processName="test.noop"/>
-    </Processes>
-    <Vars>
-        <Var class="string" name="{mid}" description="Middle" posX="0" posY="100" painter="" constant="1" value="x"/>
-    </Vars>
-    <Arrows>
-        <Arrow head="{mid}" headType="var" headParam="" tail="{one}" tailType="process" tailParam="Out" class="arrow" posX="0" posY="0" painter=""/>
-        <Arrow head="{two}" headType="process" headParam="In" tail="{mid}" tailType="var" tailParam="" class="arrow" posX="0" posY="0" painter=""/>
-    </Arrows>
-</Configuration>
-)";
-
 QString panelText(ModelControler& window, int panel)
 {
     auto* dock = window.findChild<QDockWidget*>();
@@ -70,7 +54,7 @@ QString panelText(ModelControler& window, int panel)
 class ModelWindow : public ::testing::Test
 {
 protected:
-    void SetUp() override { ASSERT_TRUE(TestSupport::WriteAll(path(), kModel)); }
+    void SetUp() override { ASSERT_TRUE(TestSupport::WriteAll(path(), TestSupport::kStepAndThreeVars)); }
     QString path() const { return dir.filePath("m.apc"); }
     QTemporaryDir dir;
     ModelCommandManager* manager = ModelCommandManager::Instance();
@@ -176,7 +160,7 @@ TEST_F(ModelWindow, SaveOnAFullDiskKeepsTheOldFileWhole)
 {
     const QByteArray before = TestSupport::ReadAll(path());
     ModelControler window(path(), false);
-    window.GetDocument()->FindVar("{mid}")->SetDescription("Renamed");
+    window.GetDocument()->FindVar("{out}")->SetDescription("Renamed");
     window.SetModified(true);
     {
         const TestSupport::FileSizeLimit full(before.size() / 2);
@@ -187,22 +171,6 @@ TEST_F(ModelWindow, SaveOnAFullDiskKeepsTheOldFileWhole)
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"m.apc"}); // no temporary left
 }
 
-TEST_F(ModelWindow, DeleteTakesTheSelectionAndItsArrowsAway)
-{
-    ModelControler window(path(), false);
-    ASSERT_EQ(window.GetScene()->GetItems().size(), 5);
-    for (QGraphicsItem* item : window.GetScene()->GetItems()) {
-        auto* base = dynamic_cast<GraphicsItemBase*>(item);
-        if (base && base->GetObject()->GetName() == "{mid}")
-            item->setSelected(true);
-    }
-    Action(&window, "Delete")->trigger();
-    // The var went, and both arrows with it; the steps stay.
-    EXPECT_EQ(window.GetScene()->GetItems().size(), 2);
-    EXPECT_EQ(window.GetDocument()->FindVar("{mid}"), nullptr);
-    EXPECT_TRUE(window.GetDocument()->GetArrows().isEmpty());
-    EXPECT_TRUE(window.IsModified());
-}
 
 
 TEST(RunDialog, RefusesAnEmptyTabByItsTitleAndTakesBlanks)

@@ -7,7 +7,9 @@
 #include "dialogs/APCFileIteratorDlg.h"
 #include "dialogs/APCModelFileDlg.h"
 #include "editor/GraphicsItemBase.h"
+#include "editor/ModelCommandManager.h"
 #include "editor/ModelControler.h"
+#include "editor/ModelScene.h"
 #include "editor/ModelView.h"
 #include "engine/APCAlgo.h"
 #include "engine/APCModelFile.h"
@@ -579,24 +581,40 @@ TEST(DoubleClick, AnAcceptedFormChangesTheModelOnlyWhenItMayBeEdited)
     }
 }
 
-// While a run goes on its steps read the model from pool threads: no dialog
-// opens, so nothing can be edited under them.
-TEST(DoubleClick, NoDialogOpensOnARunningModel)
+// The steps of a run read the model from pool threads: while it goes on no dialog
+// opens, no layout moves the steps and no undo takes an edit back.
+TEST(DoubleClick, NoDialogLayoutOrUndoWhileARunGoesOn)
 {
     QTemporaryDir dir;
     {
         TestSupport::HeadlessModel model;
-        APCAlgo* sleep = TestSupport::AddAlgo(model, "test.sleep");
+        APCAlgo* sleep = TestSupport::AddAlgo(model, "test.sleep", 0, 0);
+        TestSupport::AddAlgo(model, "test.noop", 0, 300);
         for (APCParameter& p : sleep->GetParameters())
             p.value = "1500";
         ASSERT_TRUE(model.SaveFile(dir.filePath("slow.apc")));
     }
     std::unique_ptr<ModelControler> shown = CanvasDriver::OpenShown(dir.filePath("slow.apc"), false, 1000, 800);
     ModelControler& window = *shown;
+    const auto action = [&](const char* caption) { return GuiDriver::Action(&window, caption); };
+    const auto places = [&] {
+        QList<QPointF> at;
+        for (QGraphicsItem* item : window.GetScene()->GetItems())
+            at << item->pos();
+        return at;
+    };
+    action("Auto Layout")->trigger(); // an edit for Undo to take back
+    const QList<QPointF> before = places();
     QGraphicsItem* item = itemOfKind(window, "process:algo");
     ASSERT_TRUE(item);
-    GuiDriver::Action(&window, "Run")->trigger();
+    action("Run")->trigger();
     ASSERT_EQ(window.GetSequenceControl()->GetState(), SequenceControl::Running);
+    ModelCommandManager::Instance()->OnUpdateState();
+    EXPECT_FALSE(action("Auto Layout")->isEnabled());
+    EXPECT_FALSE(action("Undo Auto Layout")->isEnabled());
+    action("Auto Layout")->trigger(); // still enabled from the last tick
+    action("Undo Auto Layout")->trigger();
+    EXPECT_EQ(places(), before);
 
     bool opened = false;
     QTimer::singleShot(500, [&] {
@@ -611,6 +629,9 @@ TEST(DoubleClick, NoDialogOpensOnARunningModel)
     QTest::qWait(600);
     EXPECT_FALSE(opened);
     EXPECT_TRUE(TestSupport::WaitUntil([&] { return window.GetSequenceControl()->GetState() == SequenceControl::Idle; }));
+    ModelCommandManager::Instance()->OnUpdateState();
+    EXPECT_TRUE(action("Auto Layout")->isEnabled());
+    EXPECT_TRUE(action("Undo Auto Layout")->isEnabled());
     // Once the run is over, the same double click opens the form again.
     EXPECT_EQ(dialogOnDoubleClick(window, item), "Plugin::AlgoForm");
 }
