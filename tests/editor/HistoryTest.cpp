@@ -54,14 +54,14 @@ public:
         EXPECT_TRUE(TestSupport::WriteAll(dir.filePath(name), TestSupport::kStepAndThreeVars));
         auto shown = CanvasDriver::OpenShown(dir.filePath(name), readOnly);
         EXPECT_TRUE(QTest::qWaitForWindowActive(shown.get()));
-        mouse.SetWindow(*shown);
         return shown;
     }
     void SetUp() override { window = Open("m.apc"); }
 
-    QPoint at(const QString& id) { return mouse.At(id); }
-    void drag(const QPoint& from, const QPoint& to) { mouse.Drag(from, to); }
-    void click(const QString& id) { mouse.Click(at(id)); }
+    CanvasDriver::Mouse mouse() { return CanvasDriver::Mouse(*window); }
+    QPoint at(const QString& id) { return mouse().At(id); }
+    void drag(const QPoint& from, const QPoint& to) { mouse().Drag(from, to); }
+    void click(const QString& id) { mouse().Click(at(id)); }
     // A key pressed in the window, which a dialog may have left inactive.
     void key(int key, Qt::KeyboardModifiers modifiers = Qt::ControlModifier, ModelControler* in = nullptr)
     {
@@ -89,7 +89,6 @@ public:
     }
 
     QTemporaryDir dir;
-    CanvasDriver::Mouse mouse;
     std::unique_ptr<ModelControler> window;
 };
 
@@ -107,8 +106,8 @@ TEST_F(History, EveryKindOfEditIsOneStepThatUndoesAndRedoesWhole)
          [](History& t) {
              t.click("{step}");
              auto* step = dynamic_cast<QGraphicsItem*>(t.window->FindItemBaseById("{step}"));
-             const QPoint grip = t.mouse.At(step->mapToScene(QPointF(40.5, 20.5)));
-             t.mouse.Move(grip);
+             const QPoint grip = t.mouse().At(step->mapToScene(QPointF(40.5, 20.5)));
+             t.mouse().Move(grip);
              t.drag(grip, grip + QPoint(40, 40));
          },
          "Resize"},
@@ -142,7 +141,7 @@ TEST_F(History, EveryKindOfEditIsOneStepThatUndoesAndRedoesWhole)
                  GuiDriver::Retype(GuiDriver::Child<QLineEdit>(d, "descriptionEdit"), "Renamed");
                  GuiDriver::Click(d, "okButton");
              });
-             t.mouse.DoubleClick(t.at("{out}"));
+             t.mouse().DoubleClick(t.at("{out}"));
          },
          "Change Result"},
         {"paste",
