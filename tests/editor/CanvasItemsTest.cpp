@@ -119,6 +119,8 @@ TEST_F(CanvasItems, LoadingPutsEveryObjectOnTheCanvasAtItsPlace)
     EXPECT_EQ(in->GetTailItem(), scene);
     EXPECT_EQ(in->zValue(), -1.0);
     EXPECT_FALSE(in->flags() & QGraphicsItem::ItemIsMovable);
+    // A var of no size has no outline to meet: its arrow still paints.
+    paintOnce(itemOf<ArrowGraphics>(*window, window->GetDocument()->GetArrows()[1]->GetName()));
 }
 
 TEST_F(CanvasItems, AMoveWritesBackThePlaceTheItemHadBefore)
@@ -142,52 +144,6 @@ TEST_F(CanvasItems, AMoveWritesBackThePlaceTheItemHadBefore)
     iterator->setPos(-180, 50);
     EXPECT_EQ(iterator->GetObject()->GetPos(), QPointF(-190, 50));
     EXPECT_EQ(QPolygonF(PainterText::ReadPoints(iterator->GetObject()->GetPainter())), iterator->polygon());
-}
-
-TEST_F(CanvasItems, StepStatesColourTheShapesButNeverAVar)
-{
-    auto* algo = itemOf<AlgoGraphics>(*window, "{a}");
-    algo->SetProgress(42.9);
-    algo->SetState(1);
-    EXPECT_EQ(algo->brush().color(), QColor(Qt::yellow));
-    EXPECT_EQ(algo->GetProgress(), 42);
-    algo->SetState(2);
-    EXPECT_EQ(algo->brush().color(), QColor(Qt::darkYellow));
-    EXPECT_EQ(algo->GetProgress(), 100);
-    algo->SetState(-1); // a failure has no colour of its own
-    EXPECT_EQ(algo->brush().color(), QColor(Qt::lightGray));
-    EXPECT_EQ(algo->GetProgress(), 0);
-
-    auto* var = itemOf<VarGraphics>(*window, "{in}");
-    var->SetState(1);
-    EXPECT_EQ(var->brush().color(), QColor(Qt::green));
-    EXPECT_EQ(var->GetState(), 1);
-}
-
-TEST_F(CanvasItems, ScalingStartsFromTheBoundingRectangle)
-{
-    auto* algo = itemOf<AlgoGraphics>(*window, "{a}");
-    const double pen = algo->pen().widthF();
-    algo->ScaleBy(QPointF(0, 0), 1, 1);
-    EXPECT_EQ(algo->rect().size(), QSizeF(120 + pen, 60 + pen));
-    algo->ScaleBy(QPointF(0, 50), -1, 1); // no turning inside out; the place mirrors
-    EXPECT_GT(algo->rect().width(), 0);
-    EXPECT_EQ(algo->pos(), QPointF(-100, 50));
-
-    auto* iterator = itemOf<IteratorGraphics>(*window, "{it}");
-    const QPointF before = iterator->pos();
-    iterator->ScaleBy(iterator->pos(), 2, 2); // about its own centre: it stays put
-    EXPECT_EQ(iterator->pos(), before);
-    EXPECT_EQ(iterator->polygon().boundingRect(), QRectF(-100, -100, 200, 200));
-}
-
-TEST_F(CanvasItems, AVarsOutlineLeavesOutThePointsOnItsAxes)
-{
-    auto* var = itemOf<VarGraphics>(*window, "{in}");
-    const QPolygonF outline = var->GetOutline();
-    EXPECT_GT(outline.size(), 100);
-    for (const QPointF& p : outline)
-        EXPECT_TRUE(p.x() != 0 && p.y() != 0);
 }
 
 TEST_F(CanvasItems, ArrowsVanishWhileTheirEndsOverlap)
@@ -276,3 +232,67 @@ TEST_F(Canvas, EventsReachTheCurrentToolOnlyWhenItIsWilling)
     QApplication::sendEvent(window.GetView(), &leave);
     EXPECT_EQ(tool.calls.join(' '), "enter leave");
 }
+
+TEST_F(Canvas, TheCanvasFollowsTheDocument)
+{
+    EXPECT_FALSE(window.IsModified());
+    auto* var = new APCVar;
+    ASSERT_TRUE(window.AddObject(var));
+    EXPECT_TRUE(window.IsModified()); // an add is an edit
+    ASSERT_EQ(window.GetScene()->GetItems().size(), 1);
+    QGraphicsItem* item = window.GetScene()->GetItems().first();
+
+    // The engine reports clones: same id, other object.
+    std::unique_ptr<APCObject> clone(var->Clone());
+    EXPECT_EQ(window.FindItem(clone.get()), item);
+    APCVar stranger;
+    EXPECT_EQ(window.FindItem(&stranger), nullptr);
+    EXPECT_EQ(window.FindItem(nullptr), nullptr);
+
+    // Removing the object takes its item off the canvas and the object dies.
+    window.SetModified(false);
+    window.RemoveObject(var);
+    EXPECT_EQ(window.GetDocument()->FindVar(clone->GetName()), nullptr);
+    EXPECT_TRUE(window.GetScene()->GetItems().isEmpty());
+    EXPECT_EQ(item->scene(), nullptr);
+    EXPECT_TRUE(window.IsModified());
+}
+
+TEST_F(CanvasItems, StepStatesColourTheShapesButNeverAVar)
+{
+    auto* algo = itemOf<AlgoGraphics>(*window, "{a}");
+    algo->SetProgress(42.9);
+    algo->SetState(1);
+    EXPECT_EQ(algo->brush().color(), QColor(Qt::yellow));
+    EXPECT_EQ(algo->GetProgress(), 42);
+    algo->SetState(2);
+    EXPECT_EQ(algo->brush().color(), QColor(Qt::darkYellow));
+    EXPECT_EQ(algo->GetProgress(), 100);
+    algo->SetState(-1); // a failure has no colour of its own
+    EXPECT_EQ(algo->brush().color(), QColor(Qt::lightGray));
+    EXPECT_EQ(algo->GetProgress(), 0);
+
+    auto* var = itemOf<VarGraphics>(*window, "{in}");
+    var->SetState(1);
+    EXPECT_EQ(var->brush().color(), QColor(Qt::green));
+    EXPECT_EQ(var->GetState(), 1);
+}
+
+
+TEST_F(CanvasItems, ScalingStartsFromTheBoundingRectangle)
+{
+    auto* algo = itemOf<AlgoGraphics>(*window, "{a}");
+    const double pen = algo->pen().widthF();
+    algo->ScaleBy(QPointF(0, 0), 1, 1);
+    EXPECT_EQ(algo->rect().size(), QSizeF(120 + pen, 60 + pen));
+    algo->ScaleBy(QPointF(0, 50), -1, 1); // no turning inside out; the place mirrors
+    EXPECT_GT(algo->rect().width(), 0);
+    EXPECT_EQ(algo->pos(), QPointF(-100, 50));
+
+    auto* iterator = itemOf<IteratorGraphics>(*window, "{it}");
+    const QPointF before = iterator->pos();
+    iterator->ScaleBy(iterator->pos(), 2, 2); // about its own centre: it stays put
+    EXPECT_EQ(iterator->pos(), before);
+    EXPECT_EQ(iterator->polygon().boundingRect(), QRectF(-100, -100, 200, 200));
+}
+

@@ -234,27 +234,6 @@ TEST_F(History, CutInOneWindowPastesIntoAnotherAndEachUndoesItsOwn)
     EXPECT_TRUE(window->GetDocument()->FindVar("{other}"));
 }
 
-TEST_F(History, NothingToUndoInAReadOnlyModelAndTheWindowsOwnKeysWork)
-{
-    std::unique_ptr<ModelControler> readOnly = Open("locked.apc", true);
-    QTest::keyClick(readOnly->GetView()->viewport(), Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClick(readOnly->GetView()->viewport(), Qt::Key_Delete);
-    EXPECT_EQ(readOnly->GetHistory()->count(), 0);
-    EXPECT_FALSE(GuiDriver::Action(readOnly.get(), "Undo")->isEnabled());
-    readOnly.reset();
-
-    // Escape drops the current tool back to Select; Ctrl+A selects every item.
-    window->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-    use("Zoom In");
-    key(Qt::Key_Escape, Qt::NoModifier);
-    EXPECT_TRUE(dynamic_cast<SelectTool*>(window->GetCurrentTool()));
-    key(Qt::Key_A);
-    EXPECT_EQ(window->GetScene()->selectedItems().size(), window->GetScene()->GetItems().size());
-    // The new entries come after the Edit menu's own.
-    EXPECT_EQ(editMenu().mid(0, 3), QStringList({"Copy", "Paste", "Delete"}));
-}
-
 // One piece of work as a user does it, from an example model to a saved,
 // reopened model that has run: drop a tool, wire it, set a var, run, save.
 TEST(WholeWork, FromAnExampleToASavedModelThatRan)
@@ -353,3 +332,25 @@ TEST(WholeWork, FromAnExampleToASavedModelThatRan)
     EXPECT_EQ(again->DialogText(), step->DialogText());
     EXPECT_EQ(reread.FindVar(converted->GetName())->GetValue(), output);
 }
+
+TEST_F(History, NothingToUndoInAReadOnlyModelAndTheWindowsOwnKeysWork)
+{
+    std::unique_ptr<ModelControler> readOnly = Open("locked.apc", true);
+    QTest::keyClick(readOnly->GetView()->viewport(), Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(readOnly->GetView()->viewport(), Qt::Key_Delete);
+    EXPECT_EQ(readOnly->GetHistory()->count(), 0);
+    EXPECT_FALSE(GuiDriver::Action(readOnly.get(), "Undo")->isEnabled());
+    readOnly.reset();
+
+    // Escape drops the current tool back to Select; Ctrl+A selects every item.
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    use("Zoom In");
+    key(Qt::Key_Escape, Qt::NoModifier);
+    EXPECT_TRUE(dynamic_cast<SelectTool*>(window->GetCurrentTool()));
+    key(Qt::Key_A);
+    EXPECT_EQ(window->GetScene()->selectedItems().size(), window->GetScene()->GetItems().size());
+    // The new entries come after the Edit menu's own.
+    EXPECT_EQ(editMenu().mid(0, 3), QStringList({"Copy", "Paste", "Delete"}));
+}
+

@@ -110,52 +110,6 @@ TEST_F(ModelWindow, MenusAndEnableRulesFollowTheWindowAndTheRun)
     EXPECT_TRUE(Action(&readOnly, "Run")->isEnabled()); // a read-only model runs
 }
 
-TEST_F(ModelWindow, AClosedWindowGoesAtTheNextTick)
-{
-    auto* window = new ModelControler(path(), true);
-    window->SetModified(true);
-    window->show();
-    manager->AddWindow(window);
-    const int before = manager->WindowCount();
-    QAction* save = Action(window, "Save");
-    EXPECT_TRUE(window->close()); // read-only: no question, the flag is dropped
-    EXPECT_FALSE(window->IsModified());
-    EXPECT_EQ(manager->FindWindow(path()), window); // still found until the tick
-    int ticks = 0;
-    QObject listener; // the connection ends with the test
-    QObject::connect(manager, &ModelCommandManager::InspectTimer, &listener, [&] { ++ticks; });
-    manager->OnUpdateState();
-    EXPECT_EQ(ticks, 1);
-    EXPECT_EQ(manager->WindowCount(), before - 1);
-    EXPECT_EQ(manager->FindWindow(path()), nullptr);
-    EXPECT_EQ(manager->FindCommand(save), nullptr); // its commands left the list
-}
-
-TEST_F(ModelWindow, FixedZoomsKeepTheScaleAndTheViewInStep)
-{
-    ModelControler window(path(), false);
-    window.resize(800, 500);
-    QAction* out = Action(&window, "Fixed Zoom Out");
-    for (int i = 0; i < 12; ++i)
-        out->trigger();
-    // Stops at the last step that is not below 0.001: nine halvings from 1.0.
-    EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 0.001953125);
-    EXPECT_DOUBLE_EQ(window.GetView()->transform().m11(), 0.001953125);
-
-    Action(&window, "Fixed Zoom In")->trigger();
-    EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 0.001953125 * 1.5);
-
-    window.GetView()->translate(30, 20);
-    const QTransform before = window.GetView()->transform();
-    Action(&window, "1:1")->trigger();
-    EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 1.0);
-    EXPECT_DOUBLE_EQ(window.GetView()->transform().m11(), 1.0);
-    EXPECT_DOUBLE_EQ(window.GetView()->transform().dx(), before.dx()); // the scroll offset stays
-
-    Action(&window, "Full Extent")->trigger();
-    EXPECT_GT(window.GetScene()->GetScale(), 0.0);
-}
-
 TEST_F(ModelWindow, SaveOnAFullDiskKeepsTheOldFileWhole)
 {
     const QByteArray before = TestSupport::ReadAll(path());
@@ -204,6 +158,13 @@ TEST(RunDialog, RefusesAnEmptyTabByItsTitleAndTakesBlanks)
         GuiDriver::ClickText(&dialog, "OK");
     });
     EXPECT_EQ(dialog.exec(), QDialog::Accepted);
+}
+
+TEST(RunDialog, CancelRejects)
+{
+    RunCmdDlg cancelled(nullptr);
+    QTimer::singleShot(0, [&] { GuiDriver::ClickText(&cancelled, "Cancel"); });
+    EXPECT_EQ(cancelled.exec(), QDialog::Rejected);
 }
 
 // Each shipped model, opened in its window and run on the sample scenes into a
@@ -266,3 +227,29 @@ TEST(RunDialog, EveryShippedModelRunsFromItsWindow)
             EXPECT_TRUE(QFileInfo::exists(out.filePath(file))) << file.toStdString();
     }
 }
+
+TEST_F(ModelWindow, FixedZoomsKeepTheScaleAndTheViewInStep)
+{
+    ModelControler window(path(), false);
+    window.resize(800, 500);
+    QAction* out = Action(&window, "Fixed Zoom Out");
+    for (int i = 0; i < 12; ++i)
+        out->trigger();
+    // Stops at the last step that is not below 0.001: nine halvings from 1.0.
+    EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 0.001953125);
+    EXPECT_DOUBLE_EQ(window.GetView()->transform().m11(), 0.001953125);
+
+    Action(&window, "Fixed Zoom In")->trigger();
+    EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 0.001953125 * 1.5);
+
+    window.GetView()->translate(30, 20);
+    const QTransform before = window.GetView()->transform();
+    Action(&window, "1:1")->trigger();
+    EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 1.0);
+    EXPECT_DOUBLE_EQ(window.GetView()->transform().m11(), 1.0);
+    EXPECT_DOUBLE_EQ(window.GetView()->transform().dx(), before.dx()); // the scroll offset stays
+
+    Action(&window, "Full Extent")->trigger();
+    EXPECT_GT(window.GetScene()->GetScale(), 0.0);
+}
+

@@ -548,39 +548,6 @@ TEST(DoubleClick, EachKindOfObjectOpensItsOwnDialog)
     }
 }
 
-TEST(DoubleClick, AnAcceptedFormChangesTheModelOnlyWhenItMayBeEdited)
-{
-    struct Case { const char* name; bool readOnly; bool applied; };
-    const Case cases[] = {
-        {"editable", false, true},
-        {"read-only: opens for reading", true, false},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        auto window = openShown("ndvi_one.apc", c.readOnly);
-        QGraphicsItem* item = itemOfKind(*window, "process:algo");
-        ASSERT_TRUE(item);
-        auto* algo = dynamic_cast<APCAlgo*>(dynamic_cast<GraphicsItemBase*>(item)->GetObject());
-        // The user changes the red band from 3 to 5 in the form and presses OK.
-        GuiDriver::OnNextModal([](QWidget* form) {
-            for (QLineEdit* edit : form->findChildren<QLineEdit*>())
-                if (edit->text() == "3") {
-                    edit->selectAll();
-                    QTest::keyClicks(edit, "5");
-                }
-            for (QPushButton* button : form->findChildren<QPushButton*>())
-                if (button->text() == "OK")
-                    QTest::mouseClick(button, Qt::LeftButton);
-        });
-        ModelView* view = window->GetView();
-        view->centerOn(item);
-        QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier,
-                           view->mapFromScene(item->sceneBoundingRect().center()));
-        EXPECT_EQ(algo->GetParameter("Red Band").value, c.applied ? "5" : "3") << qPrintable(algo->DialogText());
-        EXPECT_EQ(window->IsModified(), c.applied);
-    }
-}
-
 // The steps of a run read the model from pool threads: while it goes on no dialog
 // opens, no layout moves the steps and no undo takes an edit back.
 TEST(DoubleClick, NoDialogLayoutOrUndoWhileARunGoesOn)
@@ -635,3 +602,37 @@ TEST(DoubleClick, NoDialogLayoutOrUndoWhileARunGoesOn)
     // Once the run is over, the same double click opens the form again.
     EXPECT_EQ(dialogOnDoubleClick(window, item), "Plugin::AlgoForm");
 }
+
+TEST(DoubleClick, AnAcceptedFormChangesTheModelOnlyWhenItMayBeEdited)
+{
+    struct Case { const char* name; bool readOnly; bool applied; };
+    const Case cases[] = {
+        {"editable", false, true},
+        {"read-only: opens for reading", true, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        auto window = openShown("ndvi_one.apc", c.readOnly);
+        QGraphicsItem* item = itemOfKind(*window, "process:algo");
+        ASSERT_TRUE(item);
+        auto* algo = dynamic_cast<APCAlgo*>(dynamic_cast<GraphicsItemBase*>(item)->GetObject());
+        // The user changes the red band from 3 to 5 in the form and presses OK.
+        GuiDriver::OnNextModal([](QWidget* form) {
+            for (QLineEdit* edit : form->findChildren<QLineEdit*>())
+                if (edit->text() == "3") {
+                    edit->selectAll();
+                    QTest::keyClicks(edit, "5");
+                }
+            for (QPushButton* button : form->findChildren<QPushButton*>())
+                if (button->text() == "OK")
+                    QTest::mouseClick(button, Qt::LeftButton);
+        });
+        ModelView* view = window->GetView();
+        view->centerOn(item);
+        QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier,
+                           view->mapFromScene(item->sceneBoundingRect().center()));
+        EXPECT_EQ(algo->GetParameter("Red Band").value, c.applied ? "5" : "3") << qPrintable(algo->DialogText());
+        EXPECT_EQ(window->IsModified(), c.applied);
+    }
+}
+

@@ -92,19 +92,6 @@ protected:
     std::unique_ptr<ModelControler> window;
 };
 
-TEST_F(Tools, ABandSelectsWhatItTouchesAndGoesAway)
-{
-    drag(at(QPointF(-120, -200)), at(QPointF(40, 10)));
-    QStringList selected;
-    for (QGraphicsItem* it : scene()->selectedItems())
-        if (it->type() != ArrowGraphics::Type)
-            selected << dynamic_cast<GraphicsItemBase*>(it)->GetObject()->GetName();
-    selected.sort();
-    EXPECT_EQ(selected, QStringList({"{in}", "{step}"}));
-    EXPECT_EQ(strayItems(), 0);
-    EXPECT_FALSE(window->IsModified());
-}
-
 TEST_F(Tools, EachStepOfADragIsWrittenBackSoTheModelLagsByTheLastStep)
 {
     APCVar* in = model()->FindVar("{in}");
@@ -265,21 +252,6 @@ TEST_F(Tools, ASecondPressReusesABandButLeavesTheFirstConnectLineBehind)
     }
 }
 
-TEST_F(Tools, PanScrollsTheViewAndMovesNoItem)
-{
-    view()->ApplyScale(4.0); // larger than the window: there is somewhere to scroll
-    QApplication::processEvents();
-    use("Pan");
-    QScrollBar* bar = view()->horizontalScrollBar();
-    const int before = bar->value();
-    const QPoint middle = viewport()->rect().center();
-    drag(middle, middle - QPoint(100, 0));
-    EXPECT_EQ(bar->value(), before + 100);
-    EXPECT_EQ(view()->dragMode(), QGraphicsView::NoDrag);
-    EXPECT_EQ(item("{step}")->pos(), QPointF(0, 0));
-    EXPECT_FALSE(window->IsModified());
-}
-
 TEST_F(Tools, ZoomBandsStopAtTheirLimits)
 {
     struct Case { const char* name; const char* tool; double start; QPoint box; double scale; };
@@ -352,3 +324,33 @@ TEST_F(Tools, ALongNameShowsItsStartOnTheCanvasAndWholeAsTheToolTip)
     model()->NotifyVarChanged(in);
     EXPECT_EQ(item("{in}")->toolTip(), "Scene of the first of May");
 }
+
+TEST_F(Tools, ABandSelectsWhatItTouchesAndGoesAway)
+{
+    drag(at(QPointF(-120, -200)), at(QPointF(40, 10)));
+    QStringList selected;
+    for (QGraphicsItem* it : scene()->selectedItems())
+        if (it->type() != ArrowGraphics::Type)
+            selected << dynamic_cast<GraphicsItemBase*>(it)->GetObject()->GetName();
+    selected.sort();
+    EXPECT_EQ(selected, QStringList({"{in}", "{step}"}));
+    EXPECT_EQ(strayItems(), 0);
+    EXPECT_FALSE(window->IsModified());
+}
+
+
+TEST_F(Tools, PanScrollsTheViewAndMovesNoItem)
+{
+    view()->ApplyScale(4.0); // larger than the window: there is somewhere to scroll
+    QApplication::processEvents();
+    use("Pan");
+    QScrollBar* bar = view()->horizontalScrollBar();
+    const int before = bar->value();
+    const QPoint middle = viewport()->rect().center();
+    drag(middle, middle - QPoint(100, 0));
+    EXPECT_EQ(bar->value(), before + 100);
+    EXPECT_EQ(view()->dragMode(), QGraphicsView::NoDrag);
+    EXPECT_EQ(item("{step}")->pos(), QPointF(0, 0));
+    EXPECT_FALSE(window->IsModified());
+}
+

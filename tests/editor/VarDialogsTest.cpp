@@ -329,9 +329,17 @@ TEST_F(VarDialog, ApplyWritesWhatTheUserChoseAndTellsTheModel)
             EXPECT_EQ(c.var->GetRunValue(), c.runValue);
         }
     }
-    // A constant's dialog does not show the expression it keeps.
+    // A constant's dialog does not show the expression it keeps; Cancel leaves the var.
     APCVarDlg again(computed, nullptr);
-    EXPECT_EQ(Child<QLineEdit>(&again, "expressionEdit")->text(), "");
+    changed.clear();
+    const int result = runModal(again, [](QDialog* d) {
+        EXPECT_EQ(Child<QLineEdit>(d, "expressionEdit")->text(), "");
+        Retype(Child<QLineEdit>(d, "descriptionEdit"), "Renamed");
+        clickButton(d, "cancelButton");
+    });
+    EXPECT_EQ(result, QDialog::Rejected);
+    EXPECT_EQ(computed->GetDescription(), "Output");
+    EXPECT_TRUE(changed.isEmpty());
 }
 
 TEST_F(VarDialog, DotsOpenTheFunctionDialogAndOnlyItsOkChangesTheExpression)

@@ -238,15 +238,6 @@ protected:
     ModelCommandManager* manager = ModelCommandManager::Instance();
 };
 
-TEST_F(ToolBoxActions, EachKindOffersItsEntries)
-{
-    EXPECT_EQ(Entries("Mine"), QStringList({"New", "Delete", "Import Model"}));
-    EXPECT_EQ(Entries("Shipped"), QStringList({"New", "Import Model"}));
-    EXPECT_EQ(Entries("First"), QStringList({"Remove", "Edit", "Export"}));
-    EXPECT_EQ(Entries("Locked"), QStringList({"Export"}));
-    EXPECT_EQ(Shutdown(), QString::fromLatin1(kToolBox)); // looking changes nothing
-}
-
 TEST_F(ToolBoxActions, NewToolSetRefusesAnEmptyNameAndMakesADeletableFolder)
 {
     GuiDriver::OnNextModal([&](QWidget* dialog) {
@@ -300,14 +291,6 @@ TEST_F(ToolBoxActions, RemoveAsksAndOnlyYesDeletes)
         EXPECT_EQ(toolBox()->IsModified(), !no);
     }
     EXPECT_FALSE(Shutdown().contains("Second"));
-}
-
-TEST_F(ToolBoxActions, DeleteTakesTheFolderAtOnceAndLeavesItsModels)
-{
-    Menu("Mine", {"Delete"});
-    EXPECT_EQ(Children("Models"), QStringList({"Shipped"}));
-    EXPECT_TRUE(QFileInfo::exists(apc("first")));
-    EXPECT_FALSE(Shutdown().contains("Mine"));
 }
 
 TEST_F(ToolBoxActions, EditRenamesTheFileOrRefusesATakenName)
@@ -518,3 +501,12 @@ TEST(PluginModule, ACommandNeverOpenedNeverTouchesTheFile)
     HostShell::EnvironmentSetting::Instance()->SetAppBinDir(QString());
     EXPECT_FALSE(QFileInfo::exists(root.path() + "/Model/atb/ToolBox.atb"));
 }
+
+TEST_F(ToolBoxActions, DeleteTakesTheFolderAtOnceAndLeavesItsModels)
+{
+    Menu("Mine", {"Delete"});
+    EXPECT_EQ(Children("Models"), QStringList({"Shipped"}));
+    EXPECT_TRUE(QFileInfo::exists(apc("first")));
+    EXPECT_FALSE(Shutdown().contains("Mine"));
+}
+
