@@ -123,29 +123,6 @@ TEST_F(CanvasItems, LoadingPutsEveryObjectOnTheCanvasAtItsPlace)
     paintOnce(itemOf<ArrowGraphics>(*window, window->GetDocument()->GetArrows()[1]->GetName()));
 }
 
-TEST_F(CanvasItems, AMoveWritesBackThePlaceTheItemHadBefore)
-{
-    auto* algo = itemOf<AlgoGraphics>(*window, "{a}");
-    APCObject* object = algo->GetObject();
-    algo->setPos(130, 70);
-    EXPECT_EQ(object->GetPos(), QPointF(100, 50)); // lags by one step, as files expect
-    EXPECT_EQ(object->GetPainter(), R"({"width":"120.000000", "height":"60.000000"})");
-    algo->setPos(160, 90);
-    EXPECT_EQ(object->GetPos(), QPointF(130, 70));
-
-    // Its arrows follow, one step behind as well until the next paint.
-    auto* in = itemOf<ArrowGraphics>(*window, window->GetDocument()->GetArrows()[0]->GetName());
-    EXPECT_EQ(in->mapToScene(in->line().p2()), QPointF(130, 70));
-    paintOnce(in);
-    EXPECT_EQ(in->GetHeadShape().first(), QPointF(152.5, 60)); // on the top edge, where the line from the var meets it
-
-    auto* iterator = itemOf<IteratorGraphics>(*window, "{it}");
-    iterator->setPos(-190, 50);
-    iterator->setPos(-180, 50);
-    EXPECT_EQ(iterator->GetObject()->GetPos(), QPointF(-190, 50));
-    EXPECT_EQ(QPolygonF(PainterText::ReadPoints(iterator->GetObject()->GetPainter())), iterator->polygon());
-}
-
 TEST_F(CanvasItems, ArrowsVanishWhileTheirEndsOverlap)
 {
     auto* algo = itemOf<AlgoGraphics>(*window, "{a}");

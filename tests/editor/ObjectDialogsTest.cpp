@@ -529,25 +529,6 @@ QString dialogOnDoubleClick(ModelControler& window, QGraphicsItem* item)
 
 } // namespace
 
-TEST(DoubleClick, EachKindOfObjectOpensItsOwnDialog)
-{
-    struct Case { const char* model; const char* kind; const char* dialog; };
-    const Case cases[] = {
-        {"scene_ndvi.apc", "process:algo", "Plugin::AlgoForm"}, // the catalogue's form
-        {"scene_ndvi.apc", "process:RasterFileIterator", "Plugin::APCFileIteratorDlg"},
-        {"scene_ndvi.apc", "var", "Plugin::APCVarDlg"},
-        {"batch_nested.apc", "process:model", "Plugin::APCModelFileDlg"},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.kind);
-        auto window = openShown(c.model, false);
-        QGraphicsItem* item = itemOfKind(*window, c.kind);
-        ASSERT_TRUE(item);
-        EXPECT_EQ(dialogOnDoubleClick(*window, item), c.dialog);
-        EXPECT_FALSE(window->IsModified()); // closed without OK: nothing applied
-    }
-}
-
 // The steps of a run read the model from pool threads: while it goes on no dialog
 // opens, no layout moves the steps and no undo takes an edit back.
 TEST(DoubleClick, NoDialogLayoutOrUndoWhileARunGoesOn)
@@ -633,6 +614,25 @@ TEST(DoubleClick, AnAcceptedFormChangesTheModelOnlyWhenItMayBeEdited)
                            view->mapFromScene(item->sceneBoundingRect().center()));
         EXPECT_EQ(algo->GetParameter("Red Band").value, c.applied ? "5" : "3") << qPrintable(algo->DialogText());
         EXPECT_EQ(window->IsModified(), c.applied);
+    }
+}
+
+TEST(DoubleClick, EachKindOfObjectOpensItsOwnDialog)
+{
+    struct Case { const char* model; const char* kind; const char* dialog; };
+    const Case cases[] = {
+        {"scene_ndvi.apc", "process:algo", "Plugin::AlgoForm"}, // the catalogue's form
+        {"scene_ndvi.apc", "process:RasterFileIterator", "Plugin::APCFileIteratorDlg"},
+        {"scene_ndvi.apc", "var", "Plugin::APCVarDlg"},
+        {"batch_nested.apc", "process:model", "Plugin::APCModelFileDlg"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.kind);
+        auto window = openShown(c.model, false);
+        QGraphicsItem* item = itemOfKind(*window, c.kind);
+        ASSERT_TRUE(item);
+        EXPECT_EQ(dialogOnDoubleClick(*window, item), c.dialog);
+        EXPECT_FALSE(window->IsModified()); // closed without OK: nothing applied
     }
 }
 

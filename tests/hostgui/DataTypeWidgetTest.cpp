@@ -318,16 +318,6 @@ protected:
 
 } // namespace
 
-TEST_F(AlgoInfoForm, OnlyAlgorithmsInTheCatalogueHaveOne)
-{
-    EXPECT_EQ(Plugin::GetAlgoInfo("no.such.algorithm", nullptr), nullptr);
-#ifdef MB_METADATA_HAS_ALGOINFO
-    EXPECT_EQ(Plugin::Metadata::Instance("")->GetAlgoInfo("no.such.algorithm", nullptr), nullptr);
-    const std::unique_ptr<AlgoInfo> known(Plugin::Metadata::Instance("")->GetAlgoInfo("raster.aspect", nullptr));
-    EXPECT_NE(known, nullptr);
-#endif
-}
-
 TEST_F(AlgoInfoForm, ShowsTheCatalogueWithDefaultsAndMarksWhatIsRequired)
 {
     auto info = aspect();

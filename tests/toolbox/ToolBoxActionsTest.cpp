@@ -279,20 +279,6 @@ TEST_F(ToolBoxActions, NewModelRefusesEmptyAndTakenNamesThenWritesTheModelWithou
     EXPECT_TRUE(Shutdown().contains(R"(<APC name="Fresh" file="Model/apc/Fresh.apc" description="made here"/>)"));
 }
 
-TEST_F(ToolBoxActions, RemoveAsksAndOnlyYesDeletes)
-{
-    for (auto answer : {QMessageBox::No, QMessageBox::Yes}) {
-        const bool no = answer == QMessageBox::No;
-        SCOPED_TRACE(no ? "no" : "yes");
-        Answer("Warning", "Whether to delete or not?", answer);
-        Menu("Second", {"Remove"});
-        EXPECT_EQ(QFileInfo::exists(apc("second")), no);
-        EXPECT_EQ(Children("Mine").contains("Second"), no);
-        EXPECT_EQ(toolBox()->IsModified(), !no);
-    }
-    EXPECT_FALSE(Shutdown().contains("Second"));
-}
-
 TEST_F(ToolBoxActions, EditRenamesTheFileOrRefusesATakenName)
 {
     GuiDriver::OnNextModal([&](QWidget* dialog) {
@@ -346,14 +332,6 @@ TEST_F(ToolBoxActions, ImportCopiesUnderAFreeName)
         EXPECT_EQ(item->GetFile(), c.file);
         EXPECT_EQ(item->GetDescription(), c.row);
     }
-}
-
-TEST_F(ToolBoxActions, ExportCopiesTheModelFile)
-{
-    PickFile(root.filePath("elsewhere/out.apc"));
-    Menu("First", {"Export"});
-    EXPECT_EQ(ReadAll(root.filePath("elsewhere/out.apc")), kWide);
-    EXPECT_EQ(Shutdown(), QString::fromLatin1(kToolBox)); // the tree did not change
 }
 
 TEST_F(ToolBoxActions, DoubleClickOpensOneWindowAtOneToOne)
@@ -508,5 +486,27 @@ TEST_F(ToolBoxActions, DeleteTakesTheFolderAtOnceAndLeavesItsModels)
     EXPECT_EQ(Children("Models"), QStringList({"Shipped"}));
     EXPECT_TRUE(QFileInfo::exists(apc("first")));
     EXPECT_FALSE(Shutdown().contains("Mine"));
+}
+
+TEST_F(ToolBoxActions, RemoveAsksAndOnlyYesDeletes)
+{
+    for (auto answer : {QMessageBox::No, QMessageBox::Yes}) {
+        const bool no = answer == QMessageBox::No;
+        SCOPED_TRACE(no ? "no" : "yes");
+        Answer("Warning", "Whether to delete or not?", answer);
+        Menu("Second", {"Remove"});
+        EXPECT_EQ(QFileInfo::exists(apc("second")), no);
+        EXPECT_EQ(Children("Mine").contains("Second"), no);
+        EXPECT_EQ(toolBox()->IsModified(), !no);
+    }
+    EXPECT_FALSE(Shutdown().contains("Second"));
+}
+
+TEST_F(ToolBoxActions, ExportCopiesTheModelFile)
+{
+    PickFile(root.filePath("elsewhere/out.apc"));
+    Menu("First", {"Export"});
+    EXPECT_EQ(ReadAll(root.filePath("elsewhere/out.apc")), kWide);
+    EXPECT_EQ(Shutdown(), QString::fromLatin1(kToolBox)); // the tree did not change
 }
 
