@@ -88,41 +88,6 @@ protected:
     std::unique_ptr<ModelControler> window;
 };
 
-TEST_F(CanvasItems, LoadingPutsEveryObjectOnTheCanvasAtItsPlace)
-{
-    EXPECT_EQ(window->GetScene()->GetItems().size(), 7);
-    auto* algo = itemOf<AlgoGraphics>(*window, "{a}");
-    ASSERT_TRUE(algo);
-    EXPECT_EQ(algo->rect(), QRectF(-60, -30, 120, 60));
-    EXPECT_EQ(algo->pos(), QPointF(100, 50));
-
-    // An algorithm of the catalogue comes back at the default size, whatever its
-    // file says.
-    auto* known = itemOf<AlgoGraphics>(*window, "{known}");
-    ASSERT_TRUE(known);
-    EXPECT_EQ(known->rect(), QRectF(-40, -20, 80, 40));
-
-    // Unreadable painter texts give the defaults; an empty object gives zero.
-    auto* iterator = itemOf<IteratorGraphics>(*window, "{it}");
-    ASSERT_TRUE(iterator);
-    EXPECT_EQ(iterator->polygon().boundingRect(), QRectF(-50, -50, 100, 100));
-    auto* scene = itemOf<VarGraphics>(*window, "{in}");
-    auto* result = itemOf<VarGraphics>(*window, "{out}");
-    ASSERT_TRUE(scene && result);
-    EXPECT_EQ(scene->rect(), QRectF(-40, -20, 80, 40));
-    EXPECT_EQ(result->rect().size(), QSizeF(0, 0));
-
-    // Arrows found their ends and lie under the items.
-    auto* in = itemOf<ArrowGraphics>(*window, window->GetDocument()->GetArrows()[0]->GetName());
-    ASSERT_TRUE(in);
-    EXPECT_EQ(in->GetHeadItem(), algo);
-    EXPECT_EQ(in->GetTailItem(), scene);
-    EXPECT_EQ(in->zValue(), -1.0);
-    EXPECT_FALSE(in->flags() & QGraphicsItem::ItemIsMovable);
-    // A var of no size has no outline to meet: its arrow still paints.
-    paintOnce(itemOf<ArrowGraphics>(*window, window->GetDocument()->GetArrows()[1]->GetName()));
-}
-
 TEST_F(CanvasItems, ArrowsVanishWhileTheirEndsOverlap)
 {
     auto* algo = itemOf<AlgoGraphics>(*window, "{a}");
@@ -271,5 +236,40 @@ TEST_F(CanvasItems, ScalingStartsFromTheBoundingRectangle)
     iterator->ScaleBy(iterator->pos(), 2, 2); // about its own centre: it stays put
     EXPECT_EQ(iterator->pos(), before);
     EXPECT_EQ(iterator->polygon().boundingRect(), QRectF(-100, -100, 200, 200));
+}
+
+TEST_F(CanvasItems, LoadingPutsEveryObjectOnTheCanvasAtItsPlace)
+{
+    EXPECT_EQ(window->GetScene()->GetItems().size(), 7);
+    auto* algo = itemOf<AlgoGraphics>(*window, "{a}");
+    ASSERT_TRUE(algo);
+    EXPECT_EQ(algo->rect(), QRectF(-60, -30, 120, 60));
+    EXPECT_EQ(algo->pos(), QPointF(100, 50));
+
+    // An algorithm of the catalogue comes back at the default size, whatever its
+    // file says.
+    auto* known = itemOf<AlgoGraphics>(*window, "{known}");
+    ASSERT_TRUE(known);
+    EXPECT_EQ(known->rect(), QRectF(-40, -20, 80, 40));
+
+    // Unreadable painter texts give the defaults; an empty object gives zero.
+    auto* iterator = itemOf<IteratorGraphics>(*window, "{it}");
+    ASSERT_TRUE(iterator);
+    EXPECT_EQ(iterator->polygon().boundingRect(), QRectF(-50, -50, 100, 100));
+    auto* scene = itemOf<VarGraphics>(*window, "{in}");
+    auto* result = itemOf<VarGraphics>(*window, "{out}");
+    ASSERT_TRUE(scene && result);
+    EXPECT_EQ(scene->rect(), QRectF(-40, -20, 80, 40));
+    EXPECT_EQ(result->rect().size(), QSizeF(0, 0));
+
+    // Arrows found their ends and lie under the items.
+    auto* in = itemOf<ArrowGraphics>(*window, window->GetDocument()->GetArrows()[0]->GetName());
+    ASSERT_TRUE(in);
+    EXPECT_EQ(in->GetHeadItem(), algo);
+    EXPECT_EQ(in->GetTailItem(), scene);
+    EXPECT_EQ(in->zValue(), -1.0);
+    EXPECT_FALSE(in->flags() & QGraphicsItem::ItemIsMovable);
+    // A var of no size has no outline to meet: its arrow still paints.
+    paintOnce(itemOf<ArrowGraphics>(*window, window->GetDocument()->GetArrows()[1]->GetName()));
 }
 

@@ -159,65 +159,6 @@ TEST(DataTypeWidget, SpatialReferenceSaysWhatGdalThinksOfTheText)
     }
 }
 
-TEST(DataTypeWidget, FolderRowsFollowClicksAndTheFolderPicker)
-{
-    QTemporaryDir dir;
-    WidgetPtr w = make("multiDirectory");
-    w->SetValue(R"({"/b":{"subdir":"1","enabled":"1","note":"kept"},"/a":{"enabled":"1"}})");
-    QTableWidget* table = tableOf(w.get());
-    ASSERT_EQ(table->rowCount(), 2);
-    EXPECT_EQ(table->item(0, 0)->text(), "/a"); // sorted, as the iterator reads them
-    EXPECT_FALSE(checkAt(w.get(), 0, 1)->isChecked());
-    EXPECT_TRUE(checkAt(w.get(), 1, 1)->isChecked());
-
-    QTest::mouseClick(checkAt(w.get(), 0, 1), Qt::LeftButton);
-    EXPECT_EQ(json(w->GetValue()), json(R"({"/a":{"subdir":"1","enabled":"1"},
-        "/b":{"subdir":"1","enabled":"1","note":"kept"}})"));
-
-    const QString picked = QDir(dir.path()).absolutePath();
-    for (int round = 0; round < 2; ++round) { // the second pick of the same folder adds nothing
-        GuiDriver::OnNextModal([&](QWidget* modal) {
-            auto* dialog = qobject_cast<QFileDialog*>(modal);
-            ASSERT_NE(dialog, nullptr);
-            EXPECT_EQ(dialog->fileMode(), QFileDialog::Directory);
-            dialog->setDirectory(picked); // a folder dialog answers with the folder it shows
-            static_cast<QDialog*>(dialog)->accept();
-        });
-        GuiDriver::Click(w.get(), "add");
-    }
-    ASSERT_EQ(table->rowCount(), 3);
-    EXPECT_EQ(json(w->GetValue()).value(picked).toObject(), json(R"({"subdir":"0","enabled":"1"})"));
-
-    table->selectRow(0);
-    GuiDriver::Click(w.get(), "remove");
-    table->selectRow(0);
-    GuiDriver::Click(w.get(), "remove");
-    EXPECT_EQ(json(w->GetValue()).keys(), QStringList{picked});
-    table->selectRow(0);
-    GuiDriver::Click(w.get(), "remove");
-    EXPECT_EQ(w->GetValue(), ""); // no rows is nothing set
-}
-
-TEST(DataTypeWidget, FilterRowsAreEditedInPlaceAndTextTheyCannotShowIsKept)
-{
-    WidgetPtr w = make("filter");
-    w->SetValue("%{5f0e}%"); // a var reference is no list of rows
-    EXPECT_TRUE(w->findChild<QLineEdit*>("text")->isVisibleTo(w.get()));
-    EXPECT_EQ(w->GetValue(), "%{5f0e}%");
-    GuiDriver::Click(w.get(), "useRows");
-    EXPECT_EQ(w->GetValue(), "");
-
-    w->SetValue(R"({"Out File":"*.tif"})");
-    w->show();
-    GuiDriver::Click(w.get(), "add"); // opens the new row's patterns for typing
-    auto* editor = tableOf(w.get())->findChild<QLineEdit*>();
-    ASSERT_NE(editor, nullptr);
-    QTest::keyClicks(editor, "*_b.tif");
-    QTest::keyClick(editor, Qt::Key_Return);
-    QCoreApplication::processEvents(); // the table takes the edit in a queued call
-    EXPECT_EQ(w->GetValue(), R"({"Out File":"*.tif","Out File 2":"*_b.tif"})");
-}
-
 TEST(DataTypeWidget, BrowseAsksForTheRightKindOfPathAndTakesTheAnswer)
 {
     QTemporaryDir dir;
@@ -361,19 +302,6 @@ TEST_F(AlgoInfoForm, ParameterTextRoundTrips)
     }
 }
 
-TEST_F(AlgoInfoForm, VarReferenceIsReadOnlyUntilUnlinked)
-{
-    auto info = aspect();
-    QDialog* form = info->GetAlgoDialog();
-    info->SetAlgoParams("{\"Band\":\"" + kRef + "\"}");
-    auto* linked = row(form, "Band")->findChild<QLineEdit*>("edit");
-    EXPECT_TRUE(linked->isReadOnly());
-    EXPECT_EQ(linked->text(), kRef);
-    QTest::mouseClick(row(form, "Band")->findChild<QPushButton*>("unlink"), Qt::LeftButton);
-    GuiDriver::TypeInto(row(form, "Band"), "edit", "x3"); // the int widget again, refusing the letter
-    EXPECT_EQ(QJsonDocument::fromJson(info->GetAlgoParams().toUtf8()).object().value("Band").toString(), "13");
-}
-
 TEST_F(AlgoInfoForm, OkRefusesAnEmptyRequiredValueThenKeepsWhatWasTyped)
 {
     auto info = aspect();
@@ -428,3 +356,56 @@ TEST_F(AlgoInfoForm, OutlivesItsParentsForm)
     EXPECT_EQ(info->GetAlgoDialog()->findChild<QStackedWidget*>("In File")->currentWidget()->findChild<QLineEdit*>("edit")->text(),
               "/d/dem.tif");
 }
+
+TEST_F(AlgoInfoForm, VarReferenceIsReadOnlyUntilUnlinked)
+{
+    auto info = aspect();
+    QDialog* form = info->GetAlgoDialog();
+    info->SetAlgoParams("{\"Band\":\"" + kRef + "\"}");
+    auto* linked = row(form, "Band")->findChild<QLineEdit*>("edit");
+    EXPECT_TRUE(linked->isReadOnly());
+    EXPECT_EQ(linked->text(), kRef);
+    QTest::mouseClick(row(form, "Band")->findChild<QPushButton*>("unlink"), Qt::LeftButton);
+    GuiDriver::TypeInto(row(form, "Band"), "edit", "x3"); // the int widget again, refusing the letter
+    EXPECT_EQ(QJsonDocument::fromJson(info->GetAlgoParams().toUtf8()).object().value("Band").toString(), "13");
+}
+
+TEST(DataTypeWidget, FolderRowsFollowClicksAndTheFolderPicker)
+{
+    QTemporaryDir dir;
+    WidgetPtr w = make("multiDirectory");
+    w->SetValue(R"({"/b":{"subdir":"1","enabled":"1","note":"kept"},"/a":{"enabled":"1"}})");
+    QTableWidget* table = tableOf(w.get());
+    ASSERT_EQ(table->rowCount(), 2);
+    EXPECT_EQ(table->item(0, 0)->text(), "/a"); // sorted, as the iterator reads them
+    EXPECT_FALSE(checkAt(w.get(), 0, 1)->isChecked());
+    EXPECT_TRUE(checkAt(w.get(), 1, 1)->isChecked());
+
+    QTest::mouseClick(checkAt(w.get(), 0, 1), Qt::LeftButton);
+    EXPECT_EQ(json(w->GetValue()), json(R"({"/a":{"subdir":"1","enabled":"1"},
+        "/b":{"subdir":"1","enabled":"1","note":"kept"}})"));
+
+    const QString picked = QDir(dir.path()).absolutePath();
+    for (int round = 0; round < 2; ++round) { // the second pick of the same folder adds nothing
+        GuiDriver::OnNextModal([&](QWidget* modal) {
+            auto* dialog = qobject_cast<QFileDialog*>(modal);
+            ASSERT_NE(dialog, nullptr);
+            EXPECT_EQ(dialog->fileMode(), QFileDialog::Directory);
+            dialog->setDirectory(picked); // a folder dialog answers with the folder it shows
+            static_cast<QDialog*>(dialog)->accept();
+        });
+        GuiDriver::Click(w.get(), "add");
+    }
+    ASSERT_EQ(table->rowCount(), 3);
+    EXPECT_EQ(json(w->GetValue()).value(picked).toObject(), json(R"({"subdir":"0","enabled":"1"})"));
+
+    table->selectRow(0);
+    GuiDriver::Click(w.get(), "remove");
+    table->selectRow(0);
+    GuiDriver::Click(w.get(), "remove");
+    EXPECT_EQ(json(w->GetValue()).keys(), QStringList{picked});
+    table->selectRow(0);
+    GuiDriver::Click(w.get(), "remove");
+    EXPECT_EQ(w->GetValue(), ""); // no rows is nothing set
+}
+

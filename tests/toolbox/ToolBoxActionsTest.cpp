@@ -374,27 +374,6 @@ TEST_F(ToolBoxActions, MenusLockWhileAnyModelWindowIsOpen)
     EXPECT_EQ(Entries("Mine"), QStringList({"New", "Delete", "Import Model"}));
 }
 
-TEST_F(ToolBoxActions, OpensTheFileIntoADockOnTheRight)
-{
-    auto* toolBoxCommand = static_cast<ToolBoxCommand*>(command.get());
-    ASSERT_TRUE(toolBoxCommand->GetDock());
-    EXPECT_EQ(window.dockWidgetArea(toolBoxCommand->GetDock()), Qt::RightDockWidgetArea);
-    EXPECT_EQ(Children("Models"), QStringList({"Mine", "Shipped"}));
-    EXPECT_EQ(Children("Mine"), QStringList({"First", "Second", "Locked"}));
-    EXPECT_FALSE(Row("Models")->icon(0).isNull()); // the icons come from the plug-in's resources
-    ATBItem* first = ToolBoxWidget::ItemOf(Row("First"));
-    ASSERT_TRUE(first);
-    EXPECT_EQ(first->GetName(), "First");
-    EXPECT_EQ(first->GetParentWidget(), &window);
-
-    // Closed by the user, shown again by the next click with the same tree.
-    QTreeWidget* before = tree();
-    toolBoxCommand->GetDock()->close();
-    command->OnClick();
-    EXPECT_FALSE(toolBoxCommand->GetDock()->isHidden());
-    EXPECT_EQ(tree(), before);
-}
-
 // Only a changed tree is written, at exit: an unchanged or unreadable file stays as it is.
 TEST_F(ToolBoxActions, AFileThatDidNotChangeOrCannotBeReadIsLeftAlone)
 {
@@ -508,5 +487,26 @@ TEST_F(ToolBoxActions, ExportCopiesTheModelFile)
     Menu("First", {"Export"});
     EXPECT_EQ(ReadAll(root.filePath("elsewhere/out.apc")), kWide);
     EXPECT_EQ(Shutdown(), QString::fromLatin1(kToolBox)); // the tree did not change
+}
+
+TEST_F(ToolBoxActions, OpensTheFileIntoADockOnTheRight)
+{
+    auto* toolBoxCommand = static_cast<ToolBoxCommand*>(command.get());
+    ASSERT_TRUE(toolBoxCommand->GetDock());
+    EXPECT_EQ(window.dockWidgetArea(toolBoxCommand->GetDock()), Qt::RightDockWidgetArea);
+    EXPECT_EQ(Children("Models"), QStringList({"Mine", "Shipped"}));
+    EXPECT_EQ(Children("Mine"), QStringList({"First", "Second", "Locked"}));
+    EXPECT_FALSE(Row("Models")->icon(0).isNull()); // the icons come from the plug-in's resources
+    ATBItem* first = ToolBoxWidget::ItemOf(Row("First"));
+    ASSERT_TRUE(first);
+    EXPECT_EQ(first->GetName(), "First");
+    EXPECT_EQ(first->GetParentWidget(), &window);
+
+    // Closed by the user, shown again by the next click with the same tree.
+    QTreeWidget* before = tree();
+    toolBoxCommand->GetDock()->close();
+    command->OnClick();
+    EXPECT_FALSE(toolBoxCommand->GetDock()->isHidden());
+    EXPECT_EQ(tree(), before);
 }
 
