@@ -1,30 +1,32 @@
 // Undo and redo in a real window, driven by mouse, menus and keys: every kind of
 // edit is one step, the model after an undo saves byte for byte as before the
 // edit, the modified flag follows the history, and cut and paste reach across
-// windows.
+// windows; and one piece of work walked whole.
 #include "editor/GraphicsItemBase.h"
 #include "editor/ModelControler.h"
 #include "editor/ModelScene.h"
 #include "editor/ModelView.h"
 #include "editor/SelectTool.h"
-#include "model/APCModel.h"
+#include "engine/APCAlgo.h"
+#include "engine/APCLog.h"
+#include "engine/SequenceControl.h"
+#include "engine/SequenceNode.h"
 #include "model/APCVar.h"
 #include "support/CanvasDriver.h"
 #include "support/GuiDriver.h"
 #include "support/ModelFixtures.h"
 #include "support/TestSupport.h"
-#include "toolbox/ATBAlgo.h"
-#include "toolbox/ATBTreeWidget.h"
 
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
+#include <QComboBox>
 #include <QDialog>
-#include <QGraphicsItem>
+#include <QFile>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMouseEvent>
+#include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QUndoStack>
@@ -32,10 +34,19 @@
 
 #include <functional>
 #include <memory>
+#include <set>
 
 using namespace Plugin;
 using GuiDriver::OnNextModal;
 
+namespace {
+
+void use(ModelControler& window, const char* caption)
+{
+    GuiDriver::Action(&window, caption)->trigger();
+}
+
+} // namespace
 
 class History : public ::testing::Test
 {
@@ -43,35 +54,16 @@ public:
     std::unique_ptr<ModelControler> Open(const QString& name, bool readOnly = false)
     {
         EXPECT_TRUE(TestSupport::WriteAll(dir.filePath(name), TestSupport::kStepAndThreeVars));
-        auto window = std::make_unique<ModelControler>(dir.filePath(name), readOnly);
-        window->resize(900, 700);
-        window->show();
-        window->activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
-        return window;
+        auto shown = CanvasDriver::OpenShown(dir.filePath(name), readOnly);
+        EXPECT_TRUE(QTest::qWaitForWindowActive(shown.get()));
+        return shown;
     }
     void SetUp() override { window = Open("m.apc"); }
 
-    QWidget* viewport() { return window->GetView()->viewport(); }
-    QPoint at(const QPointF& scenePos) { return window->GetView()->mapFromScene(scenePos); }
-    QPoint at(const QString& id)
-    {
-        return at(dynamic_cast<QGraphicsItem*>(window->FindItemBaseById(id))->pos());
-    }
-    void move(const QPoint& to, Qt::MouseButtons buttons)
-    {
-        QMouseEvent event(QEvent::MouseMove, to, viewport()->mapToGlobal(to), Qt::NoButton, buttons, Qt::NoModifier);
-        QApplication::sendEvent(viewport(), &event);
-    }
-    void drag(const QPoint& from, const QPoint& to)
-    {
-        move(from, Qt::NoButton);
-        QTest::mousePress(viewport(), Qt::LeftButton, {}, from);
-        for (int i = 1; i <= 3; ++i)
-            move(from + (to - from) * i / 3, Qt::LeftButton);
-        QTest::mouseRelease(viewport(), Qt::LeftButton, {}, to);
-    }
-    void click(const QString& id) { drag(at(id), at(id)); }
+    CanvasDriver::Mouse mouse() { return CanvasDriver::Mouse(*window); }
+    QPoint at(const QString& id) { return mouse().At(id); }
+    void drag(const QPoint& from, const QPoint& to) { mouse().Drag(from, to); }
+    void click(const QString& id) { mouse().Click(at(id)); }
     // A key pressed in the window, which a dialog may have left inactive.
     void key(int key, Qt::KeyboardModifiers modifiers = Qt::ControlModifier, ModelControler* in = nullptr)
     {
@@ -84,14 +76,11 @@ public:
     // The texts of the Edit menu's entries.
     QStringList editMenu()
     {
+        QStringList texts;
         for (QAction* menu : window->menuBar()->actions())
-            if (menu->text() == "Edit") {
-                QStringList texts;
-                for (QAction* entry : menu->menu()->actions())
-                    texts << entry->text();
-                return texts;
-            }
-        return {};
+            for (QAction* entry : menu->text() == "Edit" ? menu->menu()->actions() : QList<QAction*>())
+                texts << entry->text();
+        return texts;
     }
     // The model as a save would write it.
     QByteArray saved(ModelControler& w)
@@ -119,8 +108,8 @@ TEST_F(History, EveryKindOfEditIsOneStepThatUndoesAndRedoesWhole)
          [](History& t) {
              t.click("{step}");
              auto* step = dynamic_cast<QGraphicsItem*>(t.window->FindItemBaseById("{step}"));
-             const QPoint grip = t.at(step->mapToScene(QPointF(40.5, 20.5)));
-             t.move(grip, Qt::NoButton);
+             const QPoint grip = t.mouse().At(step->mapToScene(QPointF(40.5, 20.5)));
+             t.mouse().Move(grip);
              t.drag(grip, grip + QPoint(40, 40));
          },
          "Resize"},
@@ -154,8 +143,7 @@ TEST_F(History, EveryKindOfEditIsOneStepThatUndoesAndRedoesWhole)
                  GuiDriver::Retype(GuiDriver::Child<QLineEdit>(d, "descriptionEdit"), "Renamed");
                  GuiDriver::Click(d, "okButton");
              });
-             t.move(t.at("{out}"), Qt::NoButton);
-             QTest::mouseDClick(t.viewport(), Qt::LeftButton, {}, t.at("{out}"));
+             t.mouse().DoubleClick(t.at("{out}"));
          },
          "Change Result"},
         {"paste",
@@ -168,17 +156,15 @@ TEST_F(History, EveryKindOfEditIsOneStepThatUndoesAndRedoesWhole)
         {"auto layout", [](History& t) { t.use("Auto Layout"); }, "Auto Layout"},
         {"a drop from the tool box",
          [](History& t) {
-             ATBTreeWidget tree;
-             ATBAlgo convert;
-             convert.SetName("Convert raster");
-             convert.SetMetadata("raster.translate");
-             ASSERT_TRUE(CanvasDriver::DropOnCanvas(&tree, &convert, *t.window, QPointF(300, 200)));
+             ASSERT_TRUE(CanvasDriver::DropAlgo(*t.window, "Convert raster", "raster.translate", QPointF(300, 200)));
          },
          "Add Convert raster"},
         {"cut, by key",
          [](History& t) {
              t.click("{other}");
              t.key(Qt::Key_X);
+             const QString copied = QApplication::clipboard()->text(); // for a paste elsewhere
+             EXPECT_TRUE(copied.startsWith("ModelBuilder$$") && copied.contains("\"{other}\"")) << qPrintable(copied);
          },
          "Cut"},
     };
@@ -206,6 +192,126 @@ TEST_F(History, EveryKindOfEditIsOneStepThatUndoesAndRedoesWhole)
     }
 }
 
+// One piece of work as a user does it, from an example model to a saved,
+// reopened model that has run: drop a tool, wire it, set a var, run, save.
+TEST(WholeWork, FromAnExampleToASavedModelThatRan)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath("work.apc");
+    ASSERT_TRUE(QFile::copy(QCoreApplication::applicationDirPath() + "/../Model/apc/ndvi_one.apc", path));
+    const QString scene = QStringLiteral(MB_SOURCE_DIR "/examples/data/scenes/scene_01.tif");
+
+    std::unique_ptr<ModelControler> shown = CanvasDriver::OpenShown(path, false, 1100, 800);
+    ModelControler& window = *shown;
+    window.SetModelName("work");
+    APCModel* model = window.GetDocument();
+    CanvasDriver::Mouse mouse(window);
+
+    // 1. A conversion dropped from the tool box beside the NDVI step.
+    ASSERT_TRUE(CanvasDriver::DropAlgo(window, "Convert raster", "raster.translate", QPointF(300, 0)));
+    ASSERT_EQ(model->GetProcesses().size(), 2);
+    auto* step = dynamic_cast<APCAlgo*>(model->GetProcesses().last());
+    ASSERT_TRUE(step);
+    APCVar* ndvi = model->GetVars()[1]; // "NDVI file", the NDVI step's output
+
+    // 2. Its own input var deleted, then the NDVI output connected to it.
+    APCVar* ownInput = TestSupport::VarOf(*model, step, "In File");
+    ASSERT_TRUE(ownInput);
+    const QString ownInputId = ownInput->GetName();
+    const int arrows = model->GetArrows().size();
+    mouse.Click(mouse.At(ownInput));
+    use(window, "Delete"); // the var, and its arrow with it
+    EXPECT_FALSE(model->FindVar(ownInputId));
+    EXPECT_EQ(model->GetArrows().size(), arrows - 1);
+    ASSERT_TRUE(step->GetParameter("In File").value.isEmpty());
+    use(window, "Connect");
+    OnNextModal([](QWidget* arrowDialog) {
+        // The user picks the step's input among its parameters.
+        auto* parameter = arrowDialog->findChild<QComboBox*>("headParameter");
+        ASSERT_TRUE(parameter);
+        for (int i = 0; i < parameter->count(); ++i)
+            if (parameter->itemText(i).contains("In File") || parameter->itemData(i).toString() == "In File")
+                parameter->setCurrentIndex(i);
+        GuiDriver::Click(arrowDialog, "okButton");
+    });
+    mouse.Drag(mouse.At(ndvi), mouse.At(step));
+    EXPECT_EQ(step->GetParameter("In File").value, "%" + ndvi->GetName() + "%");
+
+    // 3. Its output given a file name through the var dialog.
+    use(window, "Select");
+    APCVar* converted = TestSupport::VarOf(*model, step, "Out File");
+    ASSERT_TRUE(converted);
+    const QString output = dir.filePath("converted.tif");
+    OnNextModal([&](QWidget* varDialog) {
+        GuiDriver::Click(varDialog, "constRadio");
+        auto* edit = varDialog->findChild<QWidget*>("valueWidget")->findChild<QLineEdit*>();
+        ASSERT_TRUE(edit);
+        edit->selectAll();
+        QTest::keyClicks(edit, output);
+        GuiDriver::Click(varDialog, "okButton");
+    });
+    mouse.DoubleClick(mouse.At(converted));
+    EXPECT_TRUE(converted->GetConstant());
+    EXPECT_EQ(converted->GetValue(), output);
+    EXPECT_TRUE(window.IsModified());
+
+    // 4. Run: the dialog asks for the two free inputs; both steps run in turn.
+    std::set<int> stepStates;
+    window.GetSequenceControl()->NodeStatus.connect([&](SequenceNode* node, int status) {
+        if (node->GetProcess()->GetName() == step->GetName())
+            stepStates.insert(status);
+    });
+    OnNextModal([&](QWidget* runDialog) {
+        auto* tabs = runDialog->findChild<QTabWidget*>();
+        for (int i = 0; i < tabs->count(); ++i) {
+            tabs->setCurrentIndex(i);
+            QTest::keyClicks(tabs->widget(i)->findChild<QLineEdit*>(),
+                             tabs->tabText(i) == "Scene" ? scene : dir.filePath("ndvi.tif"));
+        }
+        GuiDriver::Click(runDialog, "okButton");
+    });
+    use(window, "Run");
+    ASSERT_TRUE(TestSupport::WaitUntil([&] { return window.GetSequenceControl()->GetState() == SequenceControl::Idle; }, 60000));
+    const QString log = window.GetSequenceControl()->GetLog()->GetLogText();
+    EXPECT_TRUE(log.contains("Succeed: 2, Fail: 0")) << qPrintable(log);
+    EXPECT_TRUE(stepStates.count(SequenceNode::Running)) << "the canvas never saw the step run";
+    EXPECT_TRUE(QFile::exists(output));
+
+    // 5. Saved, reopened: the same model.
+    use(window, "Save");
+    EXPECT_FALSE(window.IsModified());
+    TestSupport::HeadlessModel reread;
+    ASSERT_TRUE(reread.LoadFile(path));
+    ASSERT_EQ(reread.GetProcesses().size(), 2);
+    EXPECT_EQ(reread.GetVars().size(), model->GetVars().size());
+    EXPECT_EQ(reread.GetArrows().size(), model->GetArrows().size());
+    auto* again = dynamic_cast<APCAlgo*>(reread.FindProcess(step->GetName()));
+    ASSERT_TRUE(again);
+    EXPECT_EQ(again->DialogText(), step->DialogText());
+    EXPECT_EQ(reread.FindVar(converted->GetName())->GetValue(), output);
+}
+
+TEST_F(History, NothingToUndoInAReadOnlyModelAndTheWindowsOwnKeysWork)
+{
+    std::unique_ptr<ModelControler> readOnly = Open("locked.apc", true);
+    QTest::keyClick(readOnly->GetView()->viewport(), Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(readOnly->GetView()->viewport(), Qt::Key_Delete);
+    EXPECT_EQ(readOnly->GetHistory()->count(), 0);
+    EXPECT_FALSE(GuiDriver::Action(readOnly.get(), "Undo")->isEnabled());
+    readOnly.reset();
+
+    // Escape drops the current tool back to Select; Ctrl+A selects every item.
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    use("Zoom In");
+    key(Qt::Key_Escape, Qt::NoModifier);
+    EXPECT_TRUE(dynamic_cast<SelectTool*>(window->GetCurrentTool()));
+    key(Qt::Key_A);
+    EXPECT_EQ(window->GetScene()->selectedItems().size(), window->GetScene()->GetItems().size());
+    // The new entries come after the Edit menu's own.
+    EXPECT_EQ(editMenu().mid(0, 3), QStringList({"Copy", "Paste", "Delete"}));
+}
+
 TEST_F(History, TheModifiedFlagFollowsTheHistoryThroughASave)
 {
     EXPECT_FALSE(window->IsModified());
@@ -230,45 +336,3 @@ TEST_F(History, TheModifiedFlagFollowsTheHistoryThroughASave)
     EXPECT_EQ(window->GetHistory()->index(), 1);
 }
 
-TEST_F(History, CutInOneWindowPastesIntoAnotherAndEachUndoesItsOwn)
-{
-    std::unique_ptr<ModelControler> other = Open("second.apc");
-    window->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-    click("{other}");
-    key(Qt::Key_X);
-    EXPECT_FALSE(window->GetDocument()->FindVar("{other}"));
-
-    other->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(other.get()));
-    GuiDriver::Action(other.get(), "Paste")->trigger();
-    EXPECT_EQ(other->GetDocument()->GetVars().size(), 4);
-    key(Qt::Key_Z, Qt::ControlModifier, other.get());
-    EXPECT_EQ(other->GetDocument()->GetVars().size(), 3);
-
-    window->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-    key(Qt::Key_Z);
-    EXPECT_TRUE(window->GetDocument()->FindVar("{other}"));
-}
-
-TEST_F(History, NothingToUndoInAReadOnlyModelAndTheWindowsOwnKeysWork)
-{
-    std::unique_ptr<ModelControler> readOnly = Open("locked.apc", true);
-    QTest::keyClick(readOnly->GetView()->viewport(), Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClick(readOnly->GetView()->viewport(), Qt::Key_Delete);
-    EXPECT_EQ(readOnly->GetHistory()->count(), 0);
-    EXPECT_FALSE(GuiDriver::Action(readOnly.get(), "Undo")->isEnabled());
-    readOnly.reset();
-
-    // Escape drops the current tool back to Select; Ctrl+A selects every item.
-    window->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-    use("Zoom In");
-    key(Qt::Key_Escape, Qt::NoModifier);
-    EXPECT_TRUE(dynamic_cast<SelectTool*>(window->GetCurrentTool()));
-    key(Qt::Key_A);
-    EXPECT_EQ(window->GetScene()->selectedItems().size(), window->GetScene()->GetItems().size());
-    // The new entries come after the Edit menu's own.
-    EXPECT_EQ(editMenu().mid(0, 3), QStringList({"Copy", "Paste", "Delete"}));
-}

@@ -5,14 +5,10 @@
 #include "editor/ModelCommandManager.h"
 #include "editor/ModelControler.h"
 #include "editor/ModelScene.h"
-#include "editor/ModelView.h"
-#include "engine/APCAlgo.h"
-#include "engine/SequenceControl.h"
 #include "model/APCModel.h"
 #include "model/APCProcess.h"
 #include "model/APCVar.h"
 #include "support/GuiDriver.h"
-#include "support/ModelFixtures.h"
 #include "support/TestSupport.h"
 
 #include <QAction>
@@ -144,36 +140,6 @@ TEST(AutoLayout, LaysTheExamplesOutLeftToRightWithoutOverlapsAsOneSavedEdit)
     ModelControler readOnly(examples.value(0), true);
     ModelCommandManager::Instance()->OnUpdateState();
     EXPECT_FALSE(Action(&readOnly, "Auto Layout")->isEnabled());
-}
-
-// The steps of a run read the model from pool threads: no layout moves them
-// meanwhile, and no undo takes an edit back.
-TEST(AutoLayout, AndUndoAreRefusedWhileARunGoesOn)
-{
-    QTemporaryDir dir;
-    {
-        TestSupport::HeadlessModel model;
-        APCAlgo* sleep = TestSupport::AddAlgo(model, "test.sleep", 0, 0);
-        TestSupport::AddAlgo(model, "test.noop", 0, 300);
-        for (APCParameter& p : sleep->GetParameters())
-            p.value = "400";
-        ASSERT_TRUE(model.SaveFile(dir.filePath("slow.apc")));
-    }
-    ModelControler window(dir.filePath("slow.apc"), false);
-    Action(&window, "Auto Layout")->trigger(); // an edit for Undo to take back
-    const QHash<QString, QPointF> before = placesOf(window);
-    Action(&window, "Run")->trigger();
-    ASSERT_EQ(window.GetSequenceControl()->GetState(), SequenceControl::Running);
-    ModelCommandManager::Instance()->OnUpdateState();
-    EXPECT_FALSE(Action(&window, "Auto Layout")->isEnabled());
-    EXPECT_FALSE(Action(&window, "Undo Auto Layout")->isEnabled());
-    Action(&window, "Auto Layout")->trigger(); // still enabled from the last tick
-    Action(&window, "Undo Auto Layout")->trigger();
-    EXPECT_EQ(placesOf(window), before);
-    ASSERT_TRUE(TestSupport::WaitUntil([&] { return window.GetSequenceControl()->GetState() == SequenceControl::Idle; }));
-    ModelCommandManager::Instance()->OnUpdateState();
-    EXPECT_TRUE(Action(&window, "Auto Layout")->isEnabled());
-    EXPECT_TRUE(Action(&window, "Undo Auto Layout")->isEnabled());
 }
 
 TEST(ExportPicture, WritesTheWholeModelInTheChosenFormatAndLeavesTheWindowAsItWas)

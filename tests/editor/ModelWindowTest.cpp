@@ -1,3 +1,8 @@
+// The model window: its menus and their enable rules, runs into the log panels,
+// zooms, saving, deleting, closing; and the run dialog of a model with free inputs.
+#include "HostCatalogGui/DataTypeFactory.h"
+#include "HostCatalogGui/DataTypeWidget.h"
+#include "dialogs/RunCmdDlg.h"
 #include "editor/GraphicsItemBase.h"
 #include "editor/ModelCommandManager.h"
 #include "editor/ModelControler.h"
@@ -9,42 +14,32 @@
 #include "model/APCModel.h"
 #include "model/APCVar.h"
 #include "support/GuiDriver.h"
+#include "support/ModelFixtures.h"
 #include "support/TestSupport.h"
 
 #include <QAction>
-#include <QMenuBar>
 #include <QApplication>
 #include <QClipboard>
 #include <QDir>
 #include <QDockWidget>
-#include <QTabWidget>
+#include <QFileDialog>
 #include <QGraphicsItem>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QTabWidget>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QTextEdit>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 using namespace Plugin;
+using GuiDriver::OnNextModal;
 using GuiDriver::Action;
 using TestSupport::WaitUntil;
 
 namespace {
-
-// Two do-nothing steps in a row, with no free input.
-const char* kModel = R"(<?xml version="1.0" encoding="GB2312" standalone="no"?>
-<Configuration>
-    <Processes>
-        <Process class="algo" name="{one}" posX="0" posY="0" painter="" processName="test.noop"/>
-        <Process class="algo" name="{two}" posX="0" posY="200" painter="" processName="test.noop"/>
-    </Processes>
-    <Vars>
-        <Var class="string" name="{mid}" description="Middle" posX="0" posY="100" painter="" constant="1" value="x"/>
-    </Vars>
-    <Arrows>
-        <Arrow head="{mid}" headType="var" headParam="" tail="{one}" tailType="process" tailParam="Out" class="arrow" posX="0" posY="0" painter=""/>
-        <Arrow head="{two}" headType="process" headParam="In" tail="{mid}" tailType="var" tailParam="" class="arrow" posX="0" posY="0" painter=""/>
-    </Arrows>
-</Configuration>
-)";
 
 QString panelText(ModelControler& window, int panel)
 {
@@ -59,7 +54,7 @@ QString panelText(ModelControler& window, int panel)
 class ModelWindow : public ::testing::Test
 {
 protected:
-    void SetUp() override { ASSERT_TRUE(TestSupport::WriteAll(path(), kModel)); }
+    void SetUp() override { ASSERT_TRUE(TestSupport::WriteAll(path(), TestSupport::kStepAndThreeVars)); }
     QString path() const { return dir.filePath("m.apc"); }
     QTemporaryDir dir;
     ModelCommandManager* manager = ModelCommandManager::Instance();
@@ -115,41 +110,122 @@ TEST_F(ModelWindow, MenusAndEnableRulesFollowTheWindowAndTheRun)
     EXPECT_TRUE(Action(&readOnly, "Run")->isEnabled()); // a read-only model runs
 }
 
-TEST_F(ModelWindow, RunColoursTheStepsAndWritesTheLog)
+TEST_F(ModelWindow, SaveOnAFullDiskKeepsTheOldFileWhole)
 {
+    const QByteArray before = TestSupport::ReadAll(path());
     ModelControler window(path(), false);
-    window.SetModelName("Two steps");
-    Action(&window, "Run")->trigger();
-    EXPECT_TRUE(window.findChild<QDockWidget*>()->isVisibleTo(&window)); // a run shows the log
-    ASSERT_TRUE(WaitUntil([&] { return window.GetSequenceControl()->GetState() == 0; }));
-    const QString output = panelText(window, 0);
-    EXPECT_TRUE(output.startsWith("Start the model: Two steps\n"));
-    EXPECT_EQ(output.count("Result of execution: Succeed"), 2);
-    EXPECT_TRUE(output.contains("Generate: Succeed: 2, Fail: 0"));
-    EXPECT_EQ(panelText(window, 1), "");
-    EXPECT_EQ(output, window.GetSequenceControl()->GetLog()->GetLogText());
-    EXPECT_FALSE(window.IsModified()); // a run is not an edit
+    window.GetDocument()->FindVar("{out}")->SetDescription("Renamed");
+    window.SetModified(true);
+    {
+        const TestSupport::FileSizeLimit full(before.size() / 2);
+        Action(&window, "Save")->trigger();
+    }
+    EXPECT_FALSE(window.IsModified()); // saving stays silent, whatever it gave
+    EXPECT_EQ(TestSupport::ReadAll(path()), before);
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"m.apc"}); // no temporary left
 }
 
-TEST_F(ModelWindow, AClosedWindowGoesAtTheNextTick)
+
+
+TEST(RunDialog, RefusesAnEmptyTabByItsTitleAndTakesBlanks)
 {
-    auto* window = new ModelControler(path(), true);
-    window->SetModified(true);
-    window->show();
-    manager->AddWindow(window);
-    const int before = manager->WindowCount();
-    QAction* save = Action(window, "Save");
-    EXPECT_TRUE(window->close()); // read-only: no question, the flag is dropped
-    EXPECT_FALSE(window->IsModified());
-    EXPECT_EQ(manager->FindWindow(path()), window); // still found until the tick
-    int ticks = 0;
-    QObject listener; // the connection ends with the test
-    QObject::connect(manager, &ModelCommandManager::InspectTimer, &listener, [&] { ++ticks; });
-    manager->OnUpdateState();
-    EXPECT_EQ(ticks, 1);
-    EXPECT_EQ(manager->WindowCount(), before - 1);
-    EXPECT_EQ(manager->FindWindow(path()), nullptr);
-    EXPECT_EQ(manager->FindCommand(save), nullptr); // its commands left the list
+    RunCmdDlg dialog(nullptr);
+    EXPECT_EQ(dialog.windowTitle(), "Run");
+    auto* tabs = dialog.findChild<QTabWidget*>();
+    ASSERT_TRUE(tabs);
+    EXPECT_EQ(tabs->count(), 0); // the drawn placeholders are gone
+    for (const char* title : {"Scene", "Scene"}) {
+        DataTypeWidget* w = DataTypeFactory::CreateDataTypeWidget("string", "");
+        w->SetCaption(title);
+        dialog.AddPage(w, title);
+    }
+    tabs->setCurrentIndex(1);
+    auto* first = qobject_cast<DataTypeWidget*>(tabs->widget(0));
+    first->SetValue("given");
+
+    GuiDriver::Message message;
+    GuiDriver::AnswerMessage(&message);
+    OnNextModal([&](QWidget*) {}); // the dialog itself
+    QTimer::singleShot(0, [&] { GuiDriver::ClickText(&dialog, "OK"); });
+    QTimer::singleShot(300, [&] {
+        // The second tab is empty: named by its title, and the dialog stays.
+        EXPECT_EQ(message.text, "Please set value: Scene");
+        EXPECT_TRUE(dialog.isVisible());
+        EXPECT_EQ(tabs->currentIndex(), 1);
+        auto* edit = tabs->widget(1)->findChild<QLineEdit*>();
+        ASSERT_TRUE(edit);
+        QTest::keyClicks(edit, "  "); // blanks count as a value
+        GuiDriver::ClickText(&dialog, "OK");
+    });
+    EXPECT_EQ(dialog.exec(), QDialog::Accepted);
+}
+
+TEST(RunDialog, CancelRejects)
+{
+    RunCmdDlg cancelled(nullptr);
+    QTimer::singleShot(0, [&] { GuiDriver::ClickText(&cancelled, "Cancel"); });
+    EXPECT_EQ(cancelled.exec(), QDialog::Rejected);
+}
+
+// Each shipped model, opened in its window and run on the sample scenes into a
+// fresh folder, with its inputs given in the run dialog as a user gives them.
+TEST(RunDialog, EveryShippedModelRunsFromItsWindow)
+{
+    const QString models = QCoreApplication::applicationDirPath() + "/../Model/apc/";
+    const QString scenes = QStringLiteral(MB_SOURCE_DIR "/examples/data/scenes");
+    QTemporaryDir out;
+    struct Case { const char* model; QStringList outputs; };
+    const std::vector<Case> cases = {
+        {"scene_ndvi.apc", {"scene_01_ndvi.tif", "scene_02_ndvi.tif", "scene_03_ndvi.tif"}},
+        {"batch_nested.apc", {"scene_01_nested.tif", "scene_02_nested.tif", "scene_03_nested.tif"}},
+        {"ndvi_one.apc", {"one.tif"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.model);
+        ModelControler window(models + c.model, false);
+        window.SetModelName(c.model);
+        OnNextModal([&](QWidget* w) {
+            auto* dialog = qobject_cast<RunCmdDlg*>(w);
+            ASSERT_TRUE(dialog);
+            auto* tabs = dialog->findChild<QTabWidget*>();
+            for (int i = 0; i < tabs->count(); ++i) {
+                tabs->setCurrentIndex(i);
+                const QString title = tabs->tabText(i);
+                QWidget* page = tabs->widget(i);
+                if (title == "Scene folders") {
+                    // Add... asks for a folder; the user picks the scenes.
+                    OnNextModal([&](QWidget* picker) {
+                        auto* files = qobject_cast<QFileDialog*>(picker);
+                        ASSERT_TRUE(files);
+                        auto* name = files->findChild<QLineEdit*>("fileNameEdit");
+                        ASSERT_TRUE(name);
+                        name->setText(scenes);
+                        QTest::keyClick(name, Qt::Key_Return);
+                    });
+                    GuiDriver::ClickText(page, "Add...");
+                    continue;
+                }
+                auto* edit = page->findChild<QLineEdit*>();
+                ASSERT_TRUE(edit) << title.toStdString();
+                const QString value = title == "Scene" ? scenes + "/scene_01.tif"
+                                    : title == "NDVI file" ? out.filePath("one.tif")
+                                                           : out.path();
+                QTest::keyClicks(edit, value);
+            }
+            GuiDriver::ClickText(dialog, "OK");
+        });
+        GuiDriver::Action(&window, "Run")->trigger();
+        ASSERT_TRUE(TestSupport::WaitUntil([&] { return window.GetSequenceControl()->GetState() == 0; }, 60000));
+        EXPECT_TRUE(window.findChild<QDockWidget*>()->isVisibleTo(&window)); // a run shows the log
+        const QString log = panelText(window, 0);
+        EXPECT_TRUE(log.startsWith(QString("Start the model: ") + c.model + "\n")) << qPrintable(log);
+        EXPECT_TRUE(log.contains("Fail: 0")) << qPrintable(log);
+        EXPECT_EQ(log, window.GetSequenceControl()->GetLog()->GetLogText());
+        EXPECT_EQ(panelText(window, 1), "");
+        EXPECT_FALSE(window.IsModified()); // a run is not an edit
+        for (const QString& file : c.outputs)
+            EXPECT_TRUE(QFileInfo::exists(out.filePath(file))) << file.toStdString();
+    }
 }
 
 TEST_F(ModelWindow, FixedZoomsKeepTheScaleAndTheViewInStep)
@@ -177,47 +253,3 @@ TEST_F(ModelWindow, FixedZoomsKeepTheScaleAndTheViewInStep)
     EXPECT_GT(window.GetScene()->GetScale(), 0.0);
 }
 
-TEST_F(ModelWindow, SaveWritesTheModelBackAndClearsTheFlag)
-{
-    ModelControler window(path(), false);
-    window.GetDocument()->FindVar("{mid}")->SetDescription("Renamed");
-    window.SetModified(true);
-    Action(&window, "Save")->trigger();
-    EXPECT_FALSE(window.IsModified());
-    APCModel reread;
-    ASSERT_TRUE(reread.LoadFile(path()));
-    ASSERT_TRUE(reread.FindVar("{mid}"));
-    EXPECT_EQ(reread.FindVar("{mid}")->GetDescription(), "Renamed");
-}
-
-TEST_F(ModelWindow, SaveOnAFullDiskKeepsTheOldFileWhole)
-{
-    const QByteArray before = TestSupport::ReadAll(path());
-    ModelControler window(path(), false);
-    window.GetDocument()->FindVar("{mid}")->SetDescription("Renamed");
-    window.SetModified(true);
-    {
-        const TestSupport::FileSizeLimit full(before.size() / 2);
-        Action(&window, "Save")->trigger();
-    }
-    EXPECT_FALSE(window.IsModified()); // saving stays silent, whatever it gave
-    EXPECT_EQ(TestSupport::ReadAll(path()), before);
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"m.apc"}); // no temporary left
-}
-
-TEST_F(ModelWindow, DeleteTakesTheSelectionAndItsArrowsAway)
-{
-    ModelControler window(path(), false);
-    ASSERT_EQ(window.GetScene()->GetItems().size(), 5);
-    for (QGraphicsItem* item : window.GetScene()->GetItems()) {
-        auto* base = dynamic_cast<GraphicsItemBase*>(item);
-        if (base && base->GetObject()->GetName() == "{mid}")
-            item->setSelected(true);
-    }
-    Action(&window, "Delete")->trigger();
-    // The var went, and both arrows with it; the steps stay.
-    EXPECT_EQ(window.GetScene()->GetItems().size(), 2);
-    EXPECT_EQ(window.GetDocument()->FindVar("{mid}"), nullptr);
-    EXPECT_TRUE(window.GetDocument()->GetArrows().isEmpty());
-    EXPECT_TRUE(window.IsModified());
-}

@@ -1,31 +1,43 @@
 // The property dialogs of arrows, file iterators and nested model steps, driven as
-// a user drives them on a model open in its window, then read back from the model.
+// a user drives them on a model open in its window, then read back from the model;
+// and the double click on each kind of object that opens its dialog.
 #include "HostCatalogGui/DataTypeWidget.h"
 #include "HostShell/EnvironmentSetting.h"
 #include "dialogs/APCArrowDlg.h"
 #include "dialogs/APCFileIteratorDlg.h"
 #include "dialogs/APCModelFileDlg.h"
+#include "editor/GraphicsItemBase.h"
+#include "editor/ModelCommandManager.h"
 #include "editor/ModelControler.h"
+#include "editor/ModelScene.h"
+#include "editor/ModelView.h"
 #include "engine/APCAlgo.h"
 #include "engine/APCModelFile.h"
 #include "engine/APCRasterFileIterator.h"
+#include "engine/SequenceControl.h"
 #include "model/APCArrow.h"
 #include "model/APCVar.h"
 #include "model/APCVarFactory.h"
+#include "support/CanvasDriver.h"
 #include "support/GuiDriver.h"
 #include "support/ModelFixtures.h"
 #include "support/TestSupport.h"
 
+#include <QAction>
+#include <QApplication>
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QGraphicsItem>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <QXmlStreamWriter>
 #include <gtest/gtest.h>
 
@@ -470,3 +482,157 @@ TEST_F(ObjectDialogs, CancelChangesNothing)
         EXPECT_FALSE(window->IsModified());
     }
 }
+
+// ---------------------------------------------------------------------------
+// Double clicks on a real canvas
+
+
+namespace {
+
+QString modelPath(const char* name) { return QCoreApplication::applicationDirPath() + "/../Model/apc/" + name; }
+
+std::unique_ptr<ModelControler> openShown(const char* model, bool readOnly)
+{
+    return CanvasDriver::OpenShown(modelPath(model), readOnly, 1000, 800);
+}
+
+// The item of the first object of that kind ("process:<class>", "var", "arrow").
+QGraphicsItem* itemOfKind(ModelControler& window, const QString& kind)
+{
+    for (QGraphicsItem* item : window.GetView()->scene()->items()) {
+        auto* base = dynamic_cast<GraphicsItemBase*>(item);
+        APCObject* object = base ? base->GetObject() : nullptr;
+        if (!object)
+            continue;
+        const QString type = APCModel::ObjectType(object);
+        const QString found = type == "process" ? "process:" + object->GetClass() : type.isEmpty() ? "arrow" : type;
+        if (found == kind)
+            return item;
+    }
+    return nullptr;
+}
+
+// Double-clicks the item where nothing else covers it and names the modal that opens.
+QString dialogOnDoubleClick(ModelControler& window, QGraphicsItem* item)
+{
+    QString opened;
+    GuiDriver::OnNextModal([&](QWidget* modal) {
+        opened = modal->metaObject()->className();
+        modal->close();
+    });
+    ModelView* view = window.GetView();
+    view->centerOn(item);
+    const QPoint at = view->mapFromScene(item->sceneBoundingRect().center());
+    QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    return opened;
+}
+
+} // namespace
+
+// The steps of a run read the model from pool threads: while it goes on no dialog
+// opens, no layout moves the steps and no undo takes an edit back.
+TEST(DoubleClick, NoDialogLayoutOrUndoWhileARunGoesOn)
+{
+    QTemporaryDir dir;
+    {
+        TestSupport::HeadlessModel model;
+        APCAlgo* sleep = TestSupport::AddAlgo(model, "test.sleep", 0, 0);
+        TestSupport::AddAlgo(model, "test.noop", 0, 300);
+        for (APCParameter& p : sleep->GetParameters())
+            p.value = "1500";
+        ASSERT_TRUE(model.SaveFile(dir.filePath("slow.apc")));
+    }
+    std::unique_ptr<ModelControler> shown = CanvasDriver::OpenShown(dir.filePath("slow.apc"), false, 1000, 800);
+    ModelControler& window = *shown;
+    const auto action = [&](const char* caption) { return GuiDriver::Action(&window, caption); };
+    const auto places = [&] {
+        QList<QPointF> at;
+        for (QGraphicsItem* item : window.GetScene()->GetItems())
+            at << item->pos();
+        return at;
+    };
+    action("Auto Layout")->trigger(); // an edit for Undo to take back
+    const QList<QPointF> before = places();
+    QGraphicsItem* item = itemOfKind(window, "process:algo");
+    ASSERT_TRUE(item);
+    action("Run")->trigger();
+    ASSERT_EQ(window.GetSequenceControl()->GetState(), SequenceControl::Running);
+    ModelCommandManager::Instance()->OnUpdateState();
+    EXPECT_FALSE(action("Auto Layout")->isEnabled());
+    EXPECT_FALSE(action("Undo Auto Layout")->isEnabled());
+    action("Auto Layout")->trigger(); // still enabled from the last tick
+    action("Undo Auto Layout")->trigger();
+    EXPECT_EQ(places(), before);
+
+    bool opened = false;
+    QTimer::singleShot(500, [&] {
+        if (QWidget* modal = QApplication::activeModalWidget()) {
+            opened = true;
+            modal->close();
+        }
+    });
+    ModelView* view = window.GetView();
+    QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier,
+                       view->mapFromScene(item->sceneBoundingRect().center()));
+    QTest::qWait(600);
+    EXPECT_FALSE(opened);
+    EXPECT_TRUE(TestSupport::WaitUntil([&] { return window.GetSequenceControl()->GetState() == SequenceControl::Idle; }));
+    ModelCommandManager::Instance()->OnUpdateState();
+    EXPECT_TRUE(action("Auto Layout")->isEnabled());
+    EXPECT_TRUE(action("Undo Auto Layout")->isEnabled());
+    // Once the run is over, the same double click opens the form again.
+    EXPECT_EQ(dialogOnDoubleClick(window, item), "Plugin::AlgoForm");
+}
+
+TEST(DoubleClick, AnAcceptedFormChangesTheModelOnlyWhenItMayBeEdited)
+{
+    struct Case { const char* name; bool readOnly; bool applied; };
+    const Case cases[] = {
+        {"editable", false, true},
+        {"read-only: opens for reading", true, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        auto window = openShown("ndvi_one.apc", c.readOnly);
+        QGraphicsItem* item = itemOfKind(*window, "process:algo");
+        ASSERT_TRUE(item);
+        auto* algo = dynamic_cast<APCAlgo*>(dynamic_cast<GraphicsItemBase*>(item)->GetObject());
+        // The user changes the red band from 3 to 5 in the form and presses OK.
+        GuiDriver::OnNextModal([](QWidget* form) {
+            for (QLineEdit* edit : form->findChildren<QLineEdit*>())
+                if (edit->text() == "3") {
+                    edit->selectAll();
+                    QTest::keyClicks(edit, "5");
+                }
+            for (QPushButton* button : form->findChildren<QPushButton*>())
+                if (button->text() == "OK")
+                    QTest::mouseClick(button, Qt::LeftButton);
+        });
+        ModelView* view = window->GetView();
+        view->centerOn(item);
+        QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier,
+                           view->mapFromScene(item->sceneBoundingRect().center()));
+        EXPECT_EQ(algo->GetParameter("Red Band").value, c.applied ? "5" : "3") << qPrintable(algo->DialogText());
+        EXPECT_EQ(window->IsModified(), c.applied);
+    }
+}
+
+TEST(DoubleClick, EachKindOfObjectOpensItsOwnDialog)
+{
+    struct Case { const char* model; const char* kind; const char* dialog; };
+    const Case cases[] = {
+        {"scene_ndvi.apc", "process:algo", "Plugin::AlgoForm"}, // the catalogue's form
+        {"scene_ndvi.apc", "process:RasterFileIterator", "Plugin::APCFileIteratorDlg"},
+        {"scene_ndvi.apc", "var", "Plugin::APCVarDlg"},
+        {"batch_nested.apc", "process:model", "Plugin::APCModelFileDlg"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.kind);
+        auto window = openShown(c.model, false);
+        QGraphicsItem* item = itemOfKind(*window, c.kind);
+        ASSERT_TRUE(item);
+        EXPECT_EQ(dialogOnDoubleClick(*window, item), c.dialog);
+        EXPECT_FALSE(window->IsModified()); // closed without OK: nothing applied
+    }
+}
+

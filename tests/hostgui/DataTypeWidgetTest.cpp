@@ -1,20 +1,28 @@
+// The value widgets of each data type and the algorithm forms built from the
+// catalogue, driven offscreen as a user drives them.
 #include "support/GuiDriver.h"
 
+#include "HostCatalog/Metadata.h"
+#include "HostCatalogGui/AlgoInfo.h"
 #include "HostCatalogGui/DataTypeFactory.h"
 #include "HostCatalogGui/DataTypeWidget.h"
 #include "HostCatalogGui/SpatialReferenceDataWidget.h"
+#include "HostRunner/ExcuteAlgo.h"
 
 #include <QCheckBox>
+#include <QDialog>
 #include <QFileDialog>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QSet>
+#include <QStackedWidget>
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QToolButton>
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -151,65 +159,6 @@ TEST(DataTypeWidget, SpatialReferenceSaysWhatGdalThinksOfTheText)
     }
 }
 
-TEST(DataTypeWidget, FolderRowsFollowClicksAndTheFolderPicker)
-{
-    QTemporaryDir dir;
-    WidgetPtr w = make("multiDirectory");
-    w->SetValue(R"({"/b":{"subdir":"1","enabled":"1","note":"kept"},"/a":{"enabled":"1"}})");
-    QTableWidget* table = tableOf(w.get());
-    ASSERT_EQ(table->rowCount(), 2);
-    EXPECT_EQ(table->item(0, 0)->text(), "/a"); // sorted, as the iterator reads them
-    EXPECT_FALSE(checkAt(w.get(), 0, 1)->isChecked());
-    EXPECT_TRUE(checkAt(w.get(), 1, 1)->isChecked());
-
-    QTest::mouseClick(checkAt(w.get(), 0, 1), Qt::LeftButton);
-    EXPECT_EQ(json(w->GetValue()), json(R"({"/a":{"subdir":"1","enabled":"1"},
-        "/b":{"subdir":"1","enabled":"1","note":"kept"}})"));
-
-    const QString picked = QDir(dir.path()).absolutePath();
-    for (int round = 0; round < 2; ++round) { // the second pick of the same folder adds nothing
-        GuiDriver::OnNextModal([&](QWidget* modal) {
-            auto* dialog = qobject_cast<QFileDialog*>(modal);
-            ASSERT_NE(dialog, nullptr);
-            EXPECT_EQ(dialog->fileMode(), QFileDialog::Directory);
-            dialog->setDirectory(picked); // a folder dialog answers with the folder it shows
-            static_cast<QDialog*>(dialog)->accept();
-        });
-        GuiDriver::Click(w.get(), "add");
-    }
-    ASSERT_EQ(table->rowCount(), 3);
-    EXPECT_EQ(json(w->GetValue()).value(picked).toObject(), json(R"({"subdir":"0","enabled":"1"})"));
-
-    table->selectRow(0);
-    GuiDriver::Click(w.get(), "remove");
-    table->selectRow(0);
-    GuiDriver::Click(w.get(), "remove");
-    EXPECT_EQ(json(w->GetValue()).keys(), QStringList{picked});
-    table->selectRow(0);
-    GuiDriver::Click(w.get(), "remove");
-    EXPECT_EQ(w->GetValue(), ""); // no rows is nothing set
-}
-
-TEST(DataTypeWidget, FilterRowsAreEditedInPlaceAndTextTheyCannotShowIsKept)
-{
-    WidgetPtr w = make("filter");
-    w->SetValue("%{5f0e}%"); // a var reference is no list of rows
-    EXPECT_TRUE(w->findChild<QLineEdit*>("text")->isVisibleTo(w.get()));
-    EXPECT_EQ(w->GetValue(), "%{5f0e}%");
-    GuiDriver::Click(w.get(), "useRows");
-    EXPECT_EQ(w->GetValue(), "");
-
-    w->SetValue(R"({"Out File":"*.tif"})");
-    w->show();
-    GuiDriver::Click(w.get(), "add"); // opens the new row's patterns for typing
-    auto* editor = tableOf(w.get())->findChild<QLineEdit*>();
-    ASSERT_NE(editor, nullptr);
-    QTest::keyClicks(editor, "*_b.tif");
-    QTest::keyClick(editor, Qt::Key_Return);
-    QCoreApplication::processEvents(); // the table takes the edit in a queued call
-    EXPECT_EQ(w->GetValue(), R"({"Out File":"*.tif","Out File 2":"*_b.tif"})");
-}
-
 TEST(DataTypeWidget, BrowseAsksForTheRightKindOfPathAndTakesTheAnswer)
 {
     QTemporaryDir dir;
@@ -280,3 +229,183 @@ TEST(DataTypeWidget, EditorsStayUsableInTheSmallRunDialog)
         EXPECT_TRUE(QRect(QPoint(0, 0), page.size()).contains(inPage)) << "cut off";
     }
 }
+
+// ---------------------------------------------------------------------------
+// Algorithm forms
+
+using Plugin::AlgoInfo;
+
+namespace {
+
+const QString kRef = "%{2b8c1d5e-0000-4000-8000-000000000001}%";
+
+class AlgoInfoForm : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        HostRunner::RegisterBuiltinAlgorithms();
+        ASSERT_NE(Plugin::Metadata::Instance("")->GetConfig("raster.aspect"), nullptr);
+    }
+
+    // The aspect algorithm: "In File" and "Out File" required, "Band" defaults to 1; the options are optional.
+    std::unique_ptr<AlgoInfo> aspect()
+    {
+        return std::unique_ptr<AlgoInfo>(Plugin::GetAlgoInfo("raster.aspect", nullptr));
+    }
+    static QWidget* row(QDialog* form, const char* name) { return form->findChild<QStackedWidget*>(name)->currentWidget(); }
+    static void press(QDialog* form, const char* button) { QTest::mouseClick(form->findChild<QPushButton*>(button), Qt::LeftButton); }
+};
+
+} // namespace
+
+TEST_F(AlgoInfoForm, ShowsTheCatalogueWithDefaultsAndMarksWhatIsRequired)
+{
+    auto info = aspect();
+    QDialog* form = info->GetAlgoDialog();
+    EXPECT_EQ(form->windowTitle(), "Aspect");
+    EXPECT_EQ(info->GetAlgoParams(), R"({"In File":"","Band":"1","Out File":"","Creation options":"","Additional options":""})");
+    struct Case { const char* name; bool required; };
+    for (const Case& c : {Case{"In File", true}, Case{"Band", false}, Case{"Out File", true}}) {
+        SCOPED_TRACE(c.name);
+        auto* w = qobject_cast<Plugin::DataTypeWidget*>(row(form, c.name));
+        ASSERT_NE(w, nullptr);
+        EXPECT_EQ(w->GetCaption().endsWith(" *"), c.required);
+        EXPECT_EQ(w->findChild<QLabel*>("caption")->font().bold(), c.required);
+    }
+}
+
+TEST_F(AlgoInfoForm, ParameterTextRoundTrips)
+{
+    struct Case { const char* name; QString in; QString out; };
+    const Case cases[] = {
+        {"dialog text with blanks after commas", R"({"In File":"/d/a.tif", "Band":"2", "Out File":"/d/\"b\".tif"})",
+         R"({"In File":"/d/a.tif","Band":"2","Out File":"/d/\"b\".tif","Creation options":"","Additional options":""})"},
+        {"var references survive any type", "{\"In File\":\"" + kRef + "\",\"Band\":\"" + kRef + "\"}",
+         "{\"In File\":\"" + kRef + "\",\"Band\":\"" + kRef + "\",\"Out File\":\"\",\"Creation options\":\"\",\"Additional options\":\"\"}"},
+        {"missing members keep their values, unknown ones are kept", R"({"Stale":"x","Out File":"o"})",
+         R"({"In File":"","Band":"1","Out File":"o","Creation options":"","Additional options":"","Stale":"x"})"},
+        {"bad JSON changes nothing", R"({"In File":"/d/a.tif")", R"({"In File":"","Band":"1","Out File":"","Creation options":"","Additional options":""})"},
+        {"no object changes nothing", "[]", R"({"In File":"","Band":"1","Out File":"","Creation options":"","Additional options":""})"},
+        {"beyond ASCII is escaped", QString::fromUtf8(R"({"In File":"/Höhe/ä.tif"})"),
+         R"({"In File":"/H\u00f6he/\u00e4.tif","Band":"1","Out File":"","Creation options":"","Additional options":""})"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        for (bool withForm : {false, true}) {
+            auto info = aspect();
+            if (withForm)
+                info->GetAlgoDialog();
+            info->SetAlgoParams(c.in);
+            EXPECT_EQ(info->GetAlgoParams(), c.out);
+        }
+    }
+}
+
+TEST_F(AlgoInfoForm, OkRefusesAnEmptyRequiredValueThenKeepsWhatWasTyped)
+{
+    auto info = aspect();
+    QDialog* form = info->GetAlgoDialog();
+    QString refusal;
+    GuiDriver::OnNextModal([&](QWidget*) {
+        GuiDriver::TypeInto(row(form, "In File"), "edit", "/d/dem.tif");
+        GuiDriver::OnNextModal([&](QWidget* box) {
+            refusal = qobject_cast<QMessageBox*>(box) ? qobject_cast<QMessageBox*>(box)->text() : "no message box";
+            box->close();
+            EXPECT_TRUE(form->isVisible());
+            GuiDriver::TypeInto(row(form, "Out File"), "edit", "/d/aspect.tif");
+            press(form, "ok");
+        });
+        press(form, "ok");
+    });
+    EXPECT_EQ(form->exec(), QDialog::Accepted);
+    EXPECT_EQ(refusal, "Please set value: Aspect, Float32; flat cells are no-data");
+    EXPECT_EQ(info->GetAlgoParams(), R"({"In File":"/d/dem.tif","Band":"1","Out File":"/d/aspect.tif","Creation options":"","Additional options":""})");
+}
+
+TEST_F(AlgoInfoForm, CancelPutsBackTheValuesTheFormOpenedWith)
+{
+    auto info = aspect();
+    info->SetAlgoParams(R"({"In File":"/d/dem.tif"})");
+    const QString before = info->GetAlgoParams();
+    QDialog* form = info->GetAlgoDialog();
+    for (const char* how : {"cancel", "escape"}) {
+        SCOPED_TRACE(how);
+        GuiDriver::OnNextModal([&](QWidget*) {
+            GuiDriver::TypeInto(row(form, "Band"), "edit", "7");
+            GuiDriver::TypeInto(row(form, "In File"), "edit", "x");
+            if (QByteArray(how) == "cancel")
+                press(form, "cancel");
+            else
+                QTest::keyClick(form, Qt::Key_Escape);
+        });
+        EXPECT_EQ(form->exec(), QDialog::Rejected);
+        EXPECT_EQ(info->GetAlgoParams(), before);
+    }
+}
+
+TEST_F(AlgoInfoForm, OutlivesItsParentsForm)
+{
+    auto parent = std::make_unique<QWidget>();
+    std::unique_ptr<AlgoInfo> info(Plugin::GetAlgoInfo("raster.aspect", parent.get()));
+    info->SetAlgoParams(R"({"In File":"/d/dem.tif"})");
+    EXPECT_EQ(info->GetAlgoDialog()->parentWidget(), parent.get());
+    parent.reset(); // takes the form with it
+    EXPECT_EQ(info->GetAlgoParams(), R"({"In File":"/d/dem.tif","Band":"1","Out File":"","Creation options":"","Additional options":""})");
+    ASSERT_NE(info->GetAlgoDialog(), nullptr);
+    EXPECT_EQ(info->GetAlgoDialog()->findChild<QStackedWidget*>("In File")->currentWidget()->findChild<QLineEdit*>("edit")->text(),
+              "/d/dem.tif");
+}
+
+TEST_F(AlgoInfoForm, VarReferenceIsReadOnlyUntilUnlinked)
+{
+    auto info = aspect();
+    QDialog* form = info->GetAlgoDialog();
+    info->SetAlgoParams("{\"Band\":\"" + kRef + "\"}");
+    auto* linked = row(form, "Band")->findChild<QLineEdit*>("edit");
+    EXPECT_TRUE(linked->isReadOnly());
+    EXPECT_EQ(linked->text(), kRef);
+    QTest::mouseClick(row(form, "Band")->findChild<QPushButton*>("unlink"), Qt::LeftButton);
+    GuiDriver::TypeInto(row(form, "Band"), "edit", "x3"); // the int widget again, refusing the letter
+    EXPECT_EQ(QJsonDocument::fromJson(info->GetAlgoParams().toUtf8()).object().value("Band").toString(), "13");
+}
+
+TEST(DataTypeWidget, FolderRowsFollowClicksAndTheFolderPicker)
+{
+    QTemporaryDir dir;
+    WidgetPtr w = make("multiDirectory");
+    w->SetValue(R"({"/b":{"subdir":"1","enabled":"1","note":"kept"},"/a":{"enabled":"1"}})");
+    QTableWidget* table = tableOf(w.get());
+    ASSERT_EQ(table->rowCount(), 2);
+    EXPECT_EQ(table->item(0, 0)->text(), "/a"); // sorted, as the iterator reads them
+    EXPECT_FALSE(checkAt(w.get(), 0, 1)->isChecked());
+    EXPECT_TRUE(checkAt(w.get(), 1, 1)->isChecked());
+
+    QTest::mouseClick(checkAt(w.get(), 0, 1), Qt::LeftButton);
+    EXPECT_EQ(json(w->GetValue()), json(R"({"/a":{"subdir":"1","enabled":"1"},
+        "/b":{"subdir":"1","enabled":"1","note":"kept"}})"));
+
+    const QString picked = QDir(dir.path()).absolutePath();
+    for (int round = 0; round < 2; ++round) { // the second pick of the same folder adds nothing
+        GuiDriver::OnNextModal([&](QWidget* modal) {
+            auto* dialog = qobject_cast<QFileDialog*>(modal);
+            ASSERT_NE(dialog, nullptr);
+            EXPECT_EQ(dialog->fileMode(), QFileDialog::Directory);
+            dialog->setDirectory(picked); // a folder dialog answers with the folder it shows
+            static_cast<QDialog*>(dialog)->accept();
+        });
+        GuiDriver::Click(w.get(), "add");
+    }
+    ASSERT_EQ(table->rowCount(), 3);
+    EXPECT_EQ(json(w->GetValue()).value(picked).toObject(), json(R"({"subdir":"0","enabled":"1"})"));
+
+    table->selectRow(0);
+    GuiDriver::Click(w.get(), "remove");
+    table->selectRow(0);
+    GuiDriver::Click(w.get(), "remove");
+    EXPECT_EQ(json(w->GetValue()).keys(), QStringList{picked});
+    table->selectRow(0);
+    GuiDriver::Click(w.get(), "remove");
+    EXPECT_EQ(w->GetValue(), ""); // no rows is nothing set
+}
+

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPointer>
 #include <QTest>
 #include <QTimer>
@@ -64,6 +65,29 @@ void Click(QWidget* root, const QString& name)
     auto* button = root->findChild<QAbstractButton*>(name);
     ASSERT_NE(button, nullptr) << name.toStdString();
     QTest::mouseClick(button, Qt::LeftButton);
+}
+
+void ClickText(QWidget* root, const QString& text)
+{
+    for (QAbstractButton* button : root->findChildren<QAbstractButton*>())
+        if (button->text() == text && button->isVisible())
+            return QTest::mouseClick(button, Qt::LeftButton);
+    ADD_FAILURE() << "no button " << text.toStdString();
+}
+
+void AnswerMessage(Message* message, int button)
+{
+    OnNextModal([message, button](QWidget* w) {
+        auto* box = qobject_cast<QMessageBox*>(w);
+        ASSERT_NE(box, nullptr);
+        ++message->shown;
+        message->title = box->windowTitle();
+        message->text = box->text();
+        for (QAbstractButton* b : box->buttons())
+            message->buttons << b->text();
+        QAbstractButton* chosen = box->button(QMessageBox::StandardButton(button));
+        QTest::mouseClick(chosen ? chosen : box->buttons().first(), Qt::LeftButton);
+    });
 }
 
 void Retype(QWidget* edit, const QString& text)

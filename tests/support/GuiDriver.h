@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -28,6 +29,21 @@ void Click(QWidget* root, const QString& name);
 // Replaces the whole text of edit by typing, as a user selecting all and typing;
 // a line break in text is typed as Return.
 void Retype(QWidget* edit, const QString& text);
+
+// Clicks the visible button captioned text below root (the test fails when there is none).
+void ClickText(QWidget* root, const QString& text);
+
+// What the next message box showed: AnswerMessage fills it from inside the box
+// (the next modal window must be one) and presses button, or its first button
+// when it has no such one.
+struct Message
+{
+    int shown = 0;
+    QString title;
+    QString text;
+    QStringList buttons;
+};
+void AnswerMessage(Message* message, int button = 0);
 
 // The child of root named name (the test fails when there is none).
 template <class T>

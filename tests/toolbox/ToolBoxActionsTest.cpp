@@ -1,17 +1,21 @@
-// The tool box's menus and double clicks, driven as a user drives them: right
-// click on a row, pick an entry, answer the dialogs; then the host shuts down
-// and the tool box file is looked at.
+// The tool box panel, its menus and double clicks, driven as a user drives them:
+// right click on a row, pick an entry, answer the dialogs; then the host shuts
+// down and the tool box file is looked at. And the plug-in module the host loads.
 #include "HostCore/_ptr_t.h"
 #include "HostDesktop/IApplication.h"
 #include "HostShell/EnvironmentSetting.h"
+#include "HostTask/IHostTask.h"
 #include "editor/ModelCommandManager.h"
 #include "editor/ModelControler.h"
 #include "editor/ModelScene.h"
 #include "editor/ModelView.h"
 #include "model/APCModel.h"
+#include "plugin/PythonCommand.h"
+#include "plugin/ToolBoxPlugin.h"
 #include "support/GuiDriver.h"
 #include "support/TestSupport.h"
 #include "toolbox/ATBAlgoDepend.h"
+#include "toolbox/ATBFolder.h"
 #include "toolbox/ATBTreeWidget.h"
 #include "toolbox/ToolBoxCommand.h"
 #include "toolbox/ToolBoxWidget.h"
@@ -19,12 +23,14 @@
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QDir>
-#include <QGraphicsItem>
+#include <QDockWidget>
+#include <QLibrary>
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMenu>
-#include <QMessageBox>
+#include <QMouseEvent>
 #include <QPushButton>
+#include <QMessageBox>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -33,6 +39,8 @@
 using namespace Plugin;
 using TestSupport::ReadAll;
 using TestSupport::WriteAll;
+
+extern "C" HostShell::CMDPluginModule* GetPluginModule();
 
 namespace {
 
@@ -98,14 +106,6 @@ void Choose(const QStringList& path, QWidget* after = nullptr)
     });
 }
 
-void Click(QWidget* dialog, const QString& text)
-{
-    for (QPushButton* button : dialog->findChildren<QPushButton*>())
-        if (button->text() == text)
-            return QTest::mouseClick(button, Qt::LeftButton);
-    ADD_FAILURE() << "no button " << text.toStdString();
-}
-
 void Retype(QWidget* dialog, const QString& field, const QString& text)
 {
     dialog->findChild<QLineEdit*>(field)->clear();
@@ -147,8 +147,7 @@ protected:
         HostShell::EnvironmentSetting::Instance()->SetAppBinDir(root.path() + "/bin");
         ASSERT_TRUE(WriteAll(atb(), kToolBox));
         ASSERT_TRUE(WriteAll(apc("first"), kWide) && WriteAll(apc("second"), kWide) && WriteAll(apc("locked"), kSmall));
-        command->OnCreate(static_cast<HostDesktop::IApplication*>(this));
-        command->OnClick();
+        Reopen();
         window.resize(1000, 700);
         window.show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
@@ -163,6 +162,13 @@ protected:
         HostShell::EnvironmentSetting::Instance()->SetAppBinDir(QString());
     }
 
+    // A command as the host makes it, opened once.
+    void Reopen()
+    {
+        command = new ToolBoxCommand;
+        command->OnCreate(static_cast<HostDesktop::IApplication*>(this));
+        command->OnClick();
+    }
     QString atb() const { return root.filePath("Model/atb/ToolBox.atb"); }
     QString apc(const QString& name) const { return root.filePath("Model/apc/" + name + ".apc"); }
     ToolBoxWidget* toolBox() const { return static_cast<ToolBoxCommand*>(command.get())->GetToolBox(); }
@@ -232,23 +238,14 @@ protected:
     ModelCommandManager* manager = ModelCommandManager::Instance();
 };
 
-TEST_F(ToolBoxActions, EachKindOffersItsEntries)
-{
-    EXPECT_EQ(Entries("Mine"), QStringList({"New", "Delete", "Import Model"}));
-    EXPECT_EQ(Entries("Shipped"), QStringList({"New", "Import Model"}));
-    EXPECT_EQ(Entries("First"), QStringList({"Remove", "Edit", "Export"}));
-    EXPECT_EQ(Entries("Locked"), QStringList({"Export"}));
-    EXPECT_EQ(Shutdown(), QString::fromLatin1(kToolBox)); // looking changes nothing
-}
-
 TEST_F(ToolBoxActions, NewToolSetRefusesAnEmptyNameAndMakesADeletableFolder)
 {
     GuiDriver::OnNextModal([&](QWidget* dialog) {
         EXPECT_EQ(dialog->windowTitle(), "ToolSet");
         Answer("Error", "Name can not be empty");
-        Click(dialog, "OK");
+        GuiDriver::ClickText(dialog, "OK");
         GuiDriver::TypeInto(dialog, "nameEdit", "Sub");
-        Click(dialog, "OK");
+        GuiDriver::ClickText(dialog, "OK");
     });
     Menu("Mine", {"New", "ToolSet"});
     EXPECT_EQ(Children("Models"), QStringList({"Shipped", "Mine"})); // a changed folder goes last
@@ -262,13 +259,13 @@ TEST_F(ToolBoxActions, NewModelRefusesEmptyAndTakenNamesThenWritesTheModelWithou
     GuiDriver::OnNextModal([&](QWidget* dialog) {
         EXPECT_EQ(dialog->windowTitle(), "CreateCircuit");
         Answer("Error", "Name is null!");
-        Click(dialog, "OK");
+        GuiDriver::ClickText(dialog, "OK");
         GuiDriver::TypeInto(dialog, "nameEdit", "second");
         Answer("Error", "File is existing!");
-        Click(dialog, "OK");
+        GuiDriver::ClickText(dialog, "OK");
         Retype(dialog, "nameEdit", "Fresh");
         GuiDriver::TypeInto(dialog, "descriptionEdit", "made here");
-        Click(dialog, "OK");
+        GuiDriver::ClickText(dialog, "OK");
     });
     const int windows = manager->WindowCount();
     Menu("Mine", {"New", "Model"});
@@ -282,28 +279,6 @@ TEST_F(ToolBoxActions, NewModelRefusesEmptyAndTakenNamesThenWritesTheModelWithou
     EXPECT_TRUE(Shutdown().contains(R"(<APC name="Fresh" file="Model/apc/Fresh.apc" description="made here"/>)"));
 }
 
-TEST_F(ToolBoxActions, RemoveAsksAndOnlyYesDeletes)
-{
-    for (auto answer : {QMessageBox::No, QMessageBox::Yes}) {
-        const bool no = answer == QMessageBox::No;
-        SCOPED_TRACE(no ? "no" : "yes");
-        Answer("Warning", "Whether to delete or not?", answer);
-        Menu("Second", {"Remove"});
-        EXPECT_EQ(QFileInfo::exists(apc("second")), no);
-        EXPECT_EQ(Children("Mine").contains("Second"), no);
-        EXPECT_EQ(toolBox()->IsModified(), !no);
-    }
-    EXPECT_FALSE(Shutdown().contains("Second"));
-}
-
-TEST_F(ToolBoxActions, DeleteTakesTheFolderAtOnceAndLeavesItsModels)
-{
-    Menu("Mine", {"Delete"});
-    EXPECT_EQ(Children("Models"), QStringList({"Shipped"}));
-    EXPECT_TRUE(QFileInfo::exists(apc("first")));
-    EXPECT_FALSE(Shutdown().contains("Mine"));
-}
-
 TEST_F(ToolBoxActions, EditRenamesTheFileOrRefusesATakenName)
 {
     GuiDriver::OnNextModal([&](QWidget* dialog) {
@@ -311,9 +286,9 @@ TEST_F(ToolBoxActions, EditRenamesTheFileOrRefusesATakenName)
         EXPECT_EQ(dialog->findChild<QLineEdit*>("descriptionEdit")->text(), "one");
         Retype(dialog, "nameEdit", "locked.apc");
         Answer("Error", "File is existing!");
-        Click(dialog, "OK");
+        GuiDriver::ClickText(dialog, "OK");
         Retype(dialog, "nameEdit", "Renamed");
-        Click(dialog, "OK");
+        GuiDriver::ClickText(dialog, "OK");
     });
     Menu("First", {"Edit"});
     EXPECT_FALSE(QFileInfo::exists(apc("first")));
@@ -321,10 +296,12 @@ TEST_F(ToolBoxActions, EditRenamesTheFileOrRefusesATakenName)
     EXPECT_EQ(ReadAll(apc("locked")), kSmall);
     EXPECT_EQ(Children("Mine"), QStringList({"Second", "Locked", "Renamed"}));
 
-    GuiDriver::OnNextModal([&](QWidget* dialog) { Click(dialog, "Cancel"); });
+    GuiDriver::OnNextModal([&](QWidget* dialog) { GuiDriver::ClickText(dialog, "Cancel"); });
     Menu("Second", {"Edit"});
     EXPECT_EQ(Children("Mine"), QStringList({"Second", "Locked", "Renamed"}));
-    EXPECT_TRUE(Shutdown().contains(R"(<APC name="Renamed" file="Model/apc/Renamed.apc" description="one"/>)"));
+    const QString text = Shutdown(); // in the order of the tree
+    EXPECT_TRUE(text.contains(R"(<APC name="Renamed" file="Model/apc/Renamed.apc" description="one"/>)"));
+    EXPECT_LT(text.indexOf(R"("Second")"), text.indexOf("Renamed"));
 }
 
 TEST_F(ToolBoxActions, ImportCopiesUnderAFreeName)
@@ -355,14 +332,6 @@ TEST_F(ToolBoxActions, ImportCopiesUnderAFreeName)
         EXPECT_EQ(item->GetFile(), c.file);
         EXPECT_EQ(item->GetDescription(), c.row);
     }
-}
-
-TEST_F(ToolBoxActions, ExportCopiesTheModelFile)
-{
-    PickFile(root.filePath("elsewhere/out.apc"));
-    Menu("First", {"Export"});
-    EXPECT_EQ(ReadAll(root.filePath("elsewhere/out.apc")), kWide);
-    EXPECT_EQ(Shutdown(), QString::fromLatin1(kToolBox)); // the tree did not change
 }
 
 TEST_F(ToolBoxActions, DoubleClickOpensOneWindowAtOneToOne)
@@ -404,3 +373,140 @@ TEST_F(ToolBoxActions, MenusLockWhileAnyModelWindowIsOpen)
     EXPECT_EQ(Entries("Second"), QStringList({"Remove", "Edit", "Export"}));
     EXPECT_EQ(Entries("Mine"), QStringList({"New", "Delete", "Import Model"}));
 }
+
+// Only a changed tree is written, at exit: an unchanged or unreadable file stays as it is.
+TEST_F(ToolBoxActions, AFileThatDidNotChangeOrCannotBeReadIsLeftAlone)
+{
+    struct Case { const char* name; QByteArray text; int rows; };
+    const Case cases[] = {
+        {"unchanged", kToolBox + "<!-- kept only if nobody writes -->\n", 1},
+        {"damaged: an empty panel", "<Configuration><ToolBox>", 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        command = nullptr;
+        ASSERT_TRUE(WriteAll(atb(), c.text));
+        Reopen();
+        EXPECT_EQ(tree()->topLevelItemCount(), c.rows);
+        EXPECT_EQ(Shutdown().toLatin1(), c.text);
+    }
+}
+
+TEST_F(ToolBoxActions, AChangedTreeOnAFullDiskKeepsTheOldFileWhole)
+{
+    ATBItem* first = ToolBoxWidget::ItemOf(Row("First"));
+    ASSERT_TRUE(first);
+    first->SetName("First, edited");
+    toolBox()->UpdateItem(first);
+    ASSERT_TRUE(toolBox()->IsModified());
+    {
+        const TestSupport::FileSizeLimit full(kToolBox.size() / 2);
+        command = nullptr; // the host closing: the only time the file is written
+    }
+    EXPECT_EQ(ReadAll(atb()), kToolBox);
+    EXPECT_EQ(QDir(root.filePath("Model/atb")).entryList(QDir::Files | QDir::Hidden), QStringList{"ToolBox.atb"});
+}
+
+TEST_F(ToolBoxActions, PressingOnEmptySpaceAndMovingStartsNoDrag)
+{
+    tree()->setCurrentItem(tree()->topLevelItem(0));
+    QWidget* viewport = tree()->viewport();
+    const QPoint empty(viewport->width() / 2, viewport->height() - 5); // below the last row
+    ASSERT_EQ(tree()->itemAt(empty), nullptr);
+    QTest::mousePress(viewport, Qt::LeftButton, Qt::NoModifier, empty);
+    QMouseEvent move(QEvent::MouseMove, empty + QPoint(0, -30), Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(viewport, &move); // a drag would block here in its own loop
+    QTest::mouseRelease(viewport, Qt::LeftButton, Qt::NoModifier, empty + QPoint(0, -30));
+    EXPECT_EQ(tree()->currentItem(), nullptr);
+}
+
+TEST(PluginModule, MakesItsCommandsByNameInAnyCase)
+{
+    HostCore::_ptr_t<HostShell::CMDPluginModule> module(GetPluginModule());
+    ASSERT_TRUE(module);
+    auto toolBox = module->CreateCommand("toolbox_toolbox", "");
+    EXPECT_TRUE(dynamic_cast<ToolBoxCommand*>(toolBox.get()));
+    EXPECT_TRUE(toolBox->IsEnable());
+    auto python = module->CreateCommand("TOOLBOX_PYTHON", "ignored");
+    ASSERT_TRUE(dynamic_cast<PythonCommand*>(python.get()));
+    python->OnClick(); // does nothing, and must not fail
+    EXPECT_FALSE(module->CreateCommand("ToolBox_Other", ""));
+    EXPECT_EQ(toolBox->RefCount(), 1);
+}
+
+// The host loads one file and finds both exports in it, as it would at run time.
+TEST(PluginModule, BothExportsResolveFromTheLibraryTheHostLoads)
+{
+    QLibrary library(QCoreApplication::applicationDirPath() + "/libModelBuilder.so");
+    ASSERT_TRUE(library.load()) << qPrintable(library.errorString());
+    EXPECT_TRUE(library.resolve("GetPluginModule"));
+    using GetAlgoObjFn = HostTask::IHostTask* (*)(const QString&);
+    auto getAlgoObj = reinterpret_cast<GetAlgoObjFn>(library.resolve("GetAlgoObj"));
+    ASSERT_TRUE(getAlgoObj);
+    HostCore::_ptr_t<HostTask::IHostTask> task(getAlgoObj("ModelAlgo"));
+    EXPECT_TRUE(task);
+    EXPECT_EQ(getAlgoObj("modelalgo"), nullptr);
+}
+
+TEST(PluginModule, ACommandNeverOpenedNeverTouchesTheFile)
+{
+    QTemporaryDir root;
+    HostShell::EnvironmentSetting::Instance()->SetAppBinDir(root.path() + "/bin");
+    {
+        HostCore::_ptr_t<HostShell::ICommand> command(new ToolBoxCommand);
+    }
+    HostShell::EnvironmentSetting::Instance()->SetAppBinDir(QString());
+    EXPECT_FALSE(QFileInfo::exists(root.path() + "/Model/atb/ToolBox.atb"));
+}
+
+TEST_F(ToolBoxActions, DeleteTakesTheFolderAtOnceAndLeavesItsModels)
+{
+    Menu("Mine", {"Delete"});
+    EXPECT_EQ(Children("Models"), QStringList({"Shipped"}));
+    EXPECT_TRUE(QFileInfo::exists(apc("first")));
+    EXPECT_FALSE(Shutdown().contains("Mine"));
+}
+
+TEST_F(ToolBoxActions, RemoveAsksAndOnlyYesDeletes)
+{
+    for (auto answer : {QMessageBox::No, QMessageBox::Yes}) {
+        const bool no = answer == QMessageBox::No;
+        SCOPED_TRACE(no ? "no" : "yes");
+        Answer("Warning", "Whether to delete or not?", answer);
+        Menu("Second", {"Remove"});
+        EXPECT_EQ(QFileInfo::exists(apc("second")), no);
+        EXPECT_EQ(Children("Mine").contains("Second"), no);
+        EXPECT_EQ(toolBox()->IsModified(), !no);
+    }
+    EXPECT_FALSE(Shutdown().contains("Second"));
+}
+
+TEST_F(ToolBoxActions, ExportCopiesTheModelFile)
+{
+    PickFile(root.filePath("elsewhere/out.apc"));
+    Menu("First", {"Export"});
+    EXPECT_EQ(ReadAll(root.filePath("elsewhere/out.apc")), kWide);
+    EXPECT_EQ(Shutdown(), QString::fromLatin1(kToolBox)); // the tree did not change
+}
+
+TEST_F(ToolBoxActions, OpensTheFileIntoADockOnTheRight)
+{
+    auto* toolBoxCommand = static_cast<ToolBoxCommand*>(command.get());
+    ASSERT_TRUE(toolBoxCommand->GetDock());
+    EXPECT_EQ(window.dockWidgetArea(toolBoxCommand->GetDock()), Qt::RightDockWidgetArea);
+    EXPECT_EQ(Children("Models"), QStringList({"Mine", "Shipped"}));
+    EXPECT_EQ(Children("Mine"), QStringList({"First", "Second", "Locked"}));
+    EXPECT_FALSE(Row("Models")->icon(0).isNull()); // the icons come from the plug-in's resources
+    ATBItem* first = ToolBoxWidget::ItemOf(Row("First"));
+    ASSERT_TRUE(first);
+    EXPECT_EQ(first->GetName(), "First");
+    EXPECT_EQ(first->GetParentWidget(), &window);
+
+    // Closed by the user, shown again by the next click with the same tree.
+    QTreeWidget* before = tree();
+    toolBoxCommand->GetDock()->close();
+    command->OnClick();
+    EXPECT_FALSE(toolBoxCommand->GetDock()->isHidden());
+    EXPECT_EQ(tree(), before);
+}
+

@@ -1,7 +1,8 @@
 // The Simplified Chinese translation: every text of translations/ModelBuilder_zh_CN.ts
 // is translated in the compiled file the host loads, the translation keeps what the
 // code relies on, the widgets find their texts under the contexts they ask for, and
-// the desktop host picks the language from its option or the system's locale.
+// the desktop host picks the language from its option or the system's locale and
+// keeps its window between runs.
 #include "HostCatalogGui/AlgoInfo.h"
 #include "HostCatalogGui/DataTypeFactory.h"
 #include "HostCatalogGui/DataTypeWidget.h"
@@ -9,7 +10,6 @@
 #include "editor/ModelControler.h"
 #include "engine/APCLog.h"
 #include "model/APCArrow.h"
-#include "model/APCModel.h"
 #include "support/ModelFixtures.h"
 #include "toolbox/ATBCreateCircuitDlg.h"
 #include "toolbox/ToolBoxWidget.h"
@@ -22,14 +22,18 @@
 #include <QDomDocument>
 #include <QFile>
 #include <QFileInfo>
+#include <QImage>
+#include <QMainWindow>
 #include <QJsonDocument>
 #include <QKeySequence>
 #include <QLabel>
 #include <QMap>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QSettings>
 #include <QTableWidget>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QTranslator>
 #include <gtest/gtest.h>
 
@@ -106,14 +110,24 @@ private:
 
 } // namespace
 
-TEST(TranslationFile, EveryTextIsTranslatedAndKeepsPlaceholdersAndEndings)
+TEST(TranslationFile, EveryTextIsTranslatedKeepsPlaceholdersAndEndingsAndDataStaysUsable)
 {
     const std::vector<Message> messages = ReadTs(TsPath());
     ASSERT_GT(messages.size(), 100u) << TsPath().toStdString();
     QTranslator compiled;
     ASSERT_TRUE(compiled.load(QmPath())) << QmPath().toStdString();
+    int json = 0;
     for (const Message& m : messages) {
         SCOPED_TRACE((m.context + " | " + m.source).toStdString());
+        // A filter's default value names output parameters: it is no text to translate.
+        if (QJsonDocument::fromJson(m.source.toUtf8()).isObject()) {
+            ++json;
+            EXPECT_EQ(m.translation, m.source);
+        }
+        // The editor reads this text as the shortcut of its Delete action.
+        if (m.context == "ModelControler" && m.source == "Delete") {
+            EXPECT_EQ(QKeySequence(m.translation), QKeySequence(Qt::Key_Delete));
+        }
         EXPECT_TRUE(m.type.isEmpty()) << m.type.toStdString();
         EXPECT_FALSE(m.translation.trimmed().isEmpty());
         // The host loads the .qm: a stale or partial one shows here.
@@ -123,6 +137,7 @@ TEST(TranslationFile, EveryTextIsTranslatedAndKeepsPlaceholdersAndEndings)
         EXPECT_EQ(Leading(m.translation), Leading(m.source));
         EXPECT_EQ(m.translation.count('&'), m.source.count('&')) << "mnemonics";
     }
+    EXPECT_EQ(json, 2) << "the raster and vector iterators' filters";
 }
 
 namespace {
@@ -198,25 +213,6 @@ TEST(TranslationRuntime, TextsOfNamespacedClassesAreFoundUnderTheirClassNames)
         EXPECT_TRUE(text.startsWith('<') && text.contains('>')) << "not translated: \"" << text.toStdString() << "\"";
 }
 
-TEST(TranslationFile, TextsTheCodeReadsAsDataStayUsable)
-{
-    const std::vector<Message> messages = ReadTs(TsPath());
-    int json = 0;
-    for (const Message& m : messages) {
-        SCOPED_TRACE((m.context + " | " + m.source).toStdString());
-        // A filter's default value names output parameters: it is no text to translate.
-        if (QJsonDocument::fromJson(m.source.toUtf8()).isObject()) {
-            ++json;
-            EXPECT_EQ(m.translation, m.source);
-        }
-        // The editor reads this text as the shortcut of its Delete action.
-        if (m.context == "ModelControler" && m.source == "Delete") {
-            EXPECT_EQ(QKeySequence(m.translation), QKeySequence(Qt::Key_Delete));
-        }
-    }
-    EXPECT_EQ(json, 2) << "the raster and vector iterators' filters";
-}
-
 TEST(TranslationRuntime, FormsAndDialogsFindTheirTextsUnderTheirContexts)
 {
     // Every English text the file translates; one still on screen means its
@@ -272,49 +268,88 @@ TEST(TranslationRuntime, FormsAndDialogsFindTheirTextsUnderTheirContexts)
 
 namespace {
 
-struct HostRun
+// The desktop host program beside the tests; empty when it is not built.
+QString HostProgram()
 {
-    const char* name;
-    QStringList arguments;
-    QByteArray locale; // LC_ALL of the host
-    QStringList expected;
-};
+    const QString program = QCoreApplication::applicationDirPath() + "/modelbuilder";
+    return QFileInfo(program).isExecutable() ? program : QString();
+}
 
-// Runs the host with a private configuration until it has printed its texts.
-QStringList HostTexts(const QString& program, const HostRun& run, const QString& configHome)
+// Runs the host with a private configuration and the system locale locale; what
+// it printed, or "failed: " and its errors when it did not end well.
+QString RunHost(const QString& configHome, const QStringList& arguments, const QByteArray& locale = "C")
 {
     QProcess host;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("XDG_CONFIG_HOME", configHome);
     environment.insert("QT_QPA_PLATFORM", "offscreen");
-    environment.insert("LC_ALL", run.locale);
+    environment.insert("LC_ALL", locale);
     host.setProcessEnvironment(environment);
-    host.start(program, QStringList{"--dump-texts"} + run.arguments);
+    host.start(HostProgram(), arguments);
     if (!host.waitForFinished(60000) || host.exitStatus() != QProcess::NormalExit || host.exitCode() != 0)
-        return {QStringLiteral("failed: ") + QString::fromLocal8Bit(host.readAllStandardError())};
-    return QString::fromUtf8(host.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+        return QStringLiteral("failed: ") + QString::fromLocal8Bit(host.readAllStandardError());
+    return QString::fromUtf8(host.readAllStandardOutput());
 }
 
 } // namespace
 
 TEST(TranslationHost, TakesTheLanguageFromItsOptionOrTheSystemLocale)
 {
-    const QString program = QCoreApplication::applicationDirPath() + "/modelbuilder";
-    if (!QFileInfo(program).isExecutable())
+    if (HostProgram().isEmpty())
         GTEST_SKIP() << "the modelbuilder program is not built";
     const QStringList chinese{"title: 模型构建器", "toolbar: 命令", "action: 工具箱", "action: Python",
                               "dock: 工具箱"};
     const QStringList english{"title: Model Builder", "toolbar: Commands", "action: Tool Box", "action: Python",
                               "dock: Tool Box"};
-    const HostRun runs[] = {
+    struct Case
+    {
+        const char* name;
+        QStringList arguments;
+        QByteArray locale;
+        QStringList expected;
+    };
+    const Case runs[] = {
         {"option", {"--lang", "zh_CN"}, "C", chinese},
         {"system locale", {}, "zh_CN.UTF-8", chinese},
         {"option over locale", {"--lang", "en"}, "zh_CN.UTF-8", english},
         {"language without a file", {"--lang", "fr_FR"}, "C", english},
     };
     QTemporaryDir config;
-    for (const HostRun& run : runs) {
+    for (const Case& run : runs) {
         SCOPED_TRACE(run.name);
-        EXPECT_EQ(HostTexts(program, run, config.path()), run.expected);
+        EXPECT_EQ(RunHost(config.path(), QStringList{"--dump-texts"} + run.arguments, run.locale)
+                      .split('\n', Qt::SkipEmptyParts),
+                  run.expected);
     }
+}
+
+// Run twice with settings of its own, the host comes back as the first run left it.
+TEST(DesktopHost, RemembersItsWindowAndToolBoxBetweenRuns)
+{
+    if (HostProgram().isEmpty())
+        GTEST_SKIP() << "the modelbuilder program is not built";
+    QTemporaryDir config;
+    ASSERT_FALSE(RunHost(config.path(), {"--screenshot", config.filePath("first.png")}).startsWith("failed"));
+    QSettings settings(config.filePath("ReferenceHost/GeodataDesktop.conf"), QSettings::IniFormat);
+    ASSERT_FALSE(settings.value("MainWindow/state").toByteArray().isEmpty());
+
+    // The layout it kept puts the tool box at the right, about 300 wide.
+    QMainWindow window;
+    window.setCentralWidget(new QWidget);
+    auto* dock = new QDockWidget(&window);
+    dock->setObjectName("ToolBox_ToolBox");
+    window.addDockWidget(Qt::LeftDockWidgetArea, dock);
+    window.restoreGeometry(settings.value("MainWindow/geometry").toByteArray());
+    window.show();
+    ASSERT_TRUE(window.restoreState(settings.value("MainWindow/state").toByteArray(), 1));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    EXPECT_EQ(window.dockWidgetArea(dock), Qt::RightDockWidgetArea);
+    EXPECT_NEAR(dock->width(), 300, 30);
+
+    // A window the user left smaller comes back at that size.
+    window.setGeometry(40, 30, 700, 450);
+    settings.setValue("MainWindow/geometry", window.saveGeometry());
+    settings.sync();
+    ASSERT_FALSE(RunHost(config.path(), {"--screenshot", config.filePath("second.png")}).startsWith("failed"));
+    EXPECT_EQ(QImage(config.filePath("second.png")).size(), QSize(700, 450));
 }
