@@ -4,7 +4,6 @@
 #include "CommandLine.h"
 #include "Console.h"
 #include "FreeInputs.h"
-#include "ModelFileCheck.h"
 #include "PlanPrinter.h"
 #include "Preflight.h"
 #include "ResumeState.h"
@@ -25,6 +24,7 @@
 #include "engine/StepGraph.h"
 #include "model/APCModel.h"
 #include "model/APCProcess.h"
+#include "model/ModelFileCheck.h"
 #include "model/VarReference.h"
 
 #include <QCoreApplication>
@@ -93,7 +93,7 @@ int BatchRun::Exec()
     const QString path = m_options.ModelPath();
     Plugin::APCModel model;
     if (!model.LoadFile(path))
-        return Refuse({QStringLiteral("mbrun: cannot open the model file %1: %2\n").arg(path, ModelFileCheck::Explain(path))});
+        return Refuse({QStringLiteral("mbrun: cannot open the model file %1: %2\n").arg(path, Plugin::ModelFileCheck::Explain(path))});
 
     FreeInputs inputs(model);
     if (m_options.GetAction() == CommandLine::Action::List) {

@@ -2,6 +2,7 @@
 
 #include "engine/APCAlgo.h"
 #include "engine/APCModelFile.h"
+#include "engine/ModelNesting.h"
 #include "functions/APCFun.h"
 #include "functions/FunctionInfo.h"
 #include "model/APCArrow.h"
@@ -30,35 +31,9 @@ QString calledFunction(const QString& text)
     return open < 0 ? QString() : text.mid(dollar, open - dollar).trimmed();
 }
 
-QString canonical(const QString& path)
-{
-    const QString c = QFileInfo(path).canonicalFilePath();
-    return c.isEmpty() ? QFileInfo(path).absoluteFilePath() : c;
-}
-
 QString nameOf(const Plugin::APCObject* object)
 {
     return quoted(object->GetDescription().isEmpty() ? object->GetName() : object->GetDescription());
-}
-
-// The chain of model files from path that comes back to a file already on it,
-// or empty when the nesting ends. chain holds the files above path.
-QStringList nestingCycle(const QString& path, QStringList chain)
-{
-    const QString file = canonical(path);
-    if (chain.contains(file))
-        return chain.mid(chain.indexOf(file)) << file;
-    chain << file;
-    Plugin::APCModel model;
-    if (!model.LoadFile(file))
-        return {};
-    for (Plugin::APCProcess* p : model.GetProcesses())
-        if (auto* nested = dynamic_cast<Plugin::APCModelFile*>(p)) {
-            const QStringList cycle = nestingCycle(nested->GetModelPath(), chain);
-            if (!cycle.isEmpty())
-                return cycle;
-        }
-    return {};
 }
 
 } // namespace
@@ -144,12 +119,12 @@ QString Preflight::WhyNestedFails(Plugin::APCModelFile* nested, const QString& p
         return QStringLiteral("is not named");
     if (!QFileInfo(file).isFile())
         return QStringLiteral("is not found");
-    if (!path.isEmpty() && canonical(file) == canonical(path))
+    if (!path.isEmpty() && Plugin::ModelNesting::Canonical(file) == Plugin::ModelNesting::Canonical(path))
         return QStringLiteral("is the model itself: a model cannot contain itself");
     Plugin::APCModel inner;
     if (!inner.LoadFile(file))
         return QStringLiteral("is not a model file");
-    const QStringList cycle = nestingCycle(file, path.isEmpty() ? QStringList() : QStringList{canonical(path)});
+    const QStringList cycle = Plugin::ModelNesting::Cycle(file, path.isEmpty() ? QStringList() : QStringList{Plugin::ModelNesting::Canonical(path)});
     if (!cycle.isEmpty()) {
         QStringList names;
         for (const QString& f : cycle)

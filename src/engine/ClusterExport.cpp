@@ -1,11 +1,12 @@
 #include "engine/ClusterExport.h"
 
-#include "engine/APCModelFile.h"
+#include "engine/ModelNesting.h"
 #include "engine/ModelRun.h"
 #include "engine/RunPlan.h"
 #include "engine/SequenceControl.h"
 #include "engine/SequenceNode.h"
 #include "model/APCModel.h"
+#include "model/APCProcess.h"
 #include "model/WholeFile.h"
 
 #include <QCryptographicHash>
@@ -56,20 +57,6 @@ bool fail(QString* error, const QString& reason)
     return false;
 }
 
-void collectModelFiles(const QString& path, QStringList& files)
-{
-    const QString file = QFileInfo(path).absoluteFilePath();
-    if (files.contains(file))
-        return; // a cycle is refused before any export; this only stops the walk
-    files << file;
-    APCModel model;
-    if (!model.LoadFile(file))
-        return;
-    for (APCProcess* p : model.GetProcesses())
-        if (auto* nested = dynamic_cast<APCModelFile*>(p))
-            collectModelFiles(nested->GetModelPath(), files);
-}
-
 } // namespace
 
 ClusterExport::ClusterExport(const QString& modelPath, const QList<QPair<QString, QString>>& settings, const QString& mbrun)
@@ -83,13 +70,6 @@ QString ClusterExport::JobId(const QString& file)
     stem.replace(QRegularExpression(QStringLiteral("[^A-Za-z0-9_.-]")), QStringLiteral("_"));
     const QByteArray hash = QCryptographicHash::hash(file.toUtf8(), QCryptographicHash::Sha1).toHex().left(8);
     return stem.left(60) + QLatin1Char('-') + QString::fromLatin1(hash);
-}
-
-QStringList ClusterExport::ModelFiles(const QString& modelPath)
-{
-    QStringList files;
-    collectModelFiles(modelPath, files);
-    return files;
 }
 
 QString ClusterExport::LocalCommand(const QString& dir)
@@ -160,7 +140,7 @@ QString ClusterExport::Snakefile() const
         "SETTINGS = %5\n"
         "RUN = \" \".join(shlex.quote(a) for a in [MBRUN, MODEL] + [x for s in SETTINGS for x in (\"--set\", s)])\n"
         "\n")
-                       .arg(m_model, pyString(m_mbrun), pyString(m_model), pyList(ModelFiles(m_model)), pyList(settings));
+                       .arg(m_model, pyString(m_mbrun), pyString(m_model), pyList(ModelNesting::Files(m_model)), pyList(settings));
     if (!m_iterator)
         return text + QStringLiteral(
                           "# The model has no iterator: one job runs it whole.\n"

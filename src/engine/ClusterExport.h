@@ -46,8 +46,6 @@ public:
     // The job name of a round driven by file: its base name made safe, and a
     // short hash of the whole path so that equal names in two folders differ.
     static QString JobId(const QString& file);
-    // The model file and every model file it runs nested, absolute, each once.
-    static QStringList ModelFiles(const QString& modelPath);
     // What runs the exported workflow on this machine.
     static QString LocalCommand(const QString& dir);
 

@@ -6,6 +6,7 @@
 #include "engine/APCModelFile.h"
 #include "engine/APCRasterFileIterator.h"
 #include "engine/ClusterExport.h"
+#include "engine/ModelNesting.h"
 #include "engine/HeadlessAlgo.h"
 #include "engine/ModelAlgo.h"
 #include "engine/STModelAlgoData.h"
@@ -334,7 +335,7 @@ TEST_F(NestedModels, AClusterExportOfNestedModelsListsEveryModelFileInOneJob)
     QString error;
     ASSERT_TRUE(workflow.Plan(outer, {}, &error)) << qPrintable(error);
     EXPECT_FALSE(workflow.HasIterator());
-    EXPECT_EQ(ClusterExport::ModelFiles(ModelPath("outer.apc")),
+    EXPECT_EQ(ModelNesting::Files(ModelPath("outer.apc")),
               QStringList({QFileInfo(ModelPath("outer.apc")).absoluteFilePath(), QFileInfo(ModelPath("copy.apc")).absoluteFilePath()}));
     ASSERT_TRUE(workflow.Write(File("flow"), &error)) << qPrintable(error);
     const QByteArray snakefile = ReadAll(File("flow/Snakefile"));

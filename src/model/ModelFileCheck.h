@@ -2,7 +2,7 @@
 
 #include <QString>
 
-namespace Mbrun {
+namespace Plugin {
 
 // Why a model file cannot be read, in words a user can act on. The model's own
 // reader only says yes or no; this reads the file again the same way to find out.
@@ -14,4 +14,4 @@ public:
     static QString Explain(const QString& path);
 };
 
-} // namespace Mbrun
+} // namespace Plugin

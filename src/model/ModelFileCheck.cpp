@@ -1,4 +1,4 @@
-#include "ModelFileCheck.h"
+#include "model/ModelFileCheck.h"
 
 #include "model/Gb2312.h"
 
@@ -6,7 +6,7 @@
 #include <QFile>
 #include <QFileInfo>
 
-namespace Mbrun {
+namespace Plugin {
 
 QString ModelFileCheck::Explain(const QString& path)
 {
@@ -19,7 +19,7 @@ QString ModelFileCheck::Explain(const QString& path)
     if (!file.open(QIODevice::ReadOnly))
         return QStringLiteral("it cannot be read (%1)").arg(file.errorString());
     // The bytes as the model's reader sees them.
-    const QByteArray bytes = Plugin::Gb2312::ReadableReferences(file.readAll());
+    const QByteArray bytes = Gb2312::ReadableReferences(file.readAll());
     QDomDocument doc;
     QString message;
     int line = 0, column = 0;
@@ -31,4 +31,4 @@ QString ModelFileCheck::Explain(const QString& path)
     return QStringLiteral("it cannot be read as a model");
 }
 
-} // namespace Mbrun
+} // namespace Plugin
