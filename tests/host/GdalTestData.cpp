@@ -284,10 +284,6 @@ void ExpectFailures(const std::vector<BadInputCase>& cases, const QString& out, 
     }
 }
 
-} // namespace GdalTestData
-
-namespace GdalTestData {
-
 int RunProgram(const QString& program, const QStringList& args, QByteArray* out)
 {
     QProcess process;
