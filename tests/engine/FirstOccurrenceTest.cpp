@@ -26,25 +26,17 @@ void ExpectSameAsPlainSearch(const QString& haystack, const QStringList& extraNe
 
 } // namespace
 
-TEST(FirstOccurrence, FindsTheFirstPlaceOfEverySubstring)
+// File names, text beyond Latin-1, and random text over small alphabets, which repeats a lot.
+TEST(FirstOccurrence, AgreesWithPlainSearch)
 {
-    ExpectSameAsPlainSearch(QStringLiteral("abracadabra"), {"abc", "ra", "cad", "abracadabrab", "z"});
-    ExpectSameAsPlainSearch(QStringLiteral("aaaaaaa"), {"aaaaaaaa", "b"});
-    ExpectSameAsPlainSearch(QStringLiteral("scene_00042_b.tif\nscene_00042_a.tif\nScene_1.TIF\n"),
-                            {"00042_a", "\n", "tif\nscene", "TIF", "scene_00043"});
-    ExpectSameAsPlainSearch(QStringLiteral("Ærø_Ост_北京\nærø"), {"ærø", "北", "京\n", "Ост_"});
-    const FirstOccurrence empty{QString()};
-    EXPECT_EQ(empty.IndexOf(QStringLiteral("a")), -1);
-    EXPECT_EQ(empty.IndexOf(QString()), 0);
+    ExpectSameAsPlainSearch(QStringLiteral("scene_00042_b.tif\nscene_00042_a.tif\nScene_1.TIF\n"), {"00042_a", "tif\nscene", "scene_00043"});
+    ExpectSameAsPlainSearch(QStringLiteral("Ærø_Ост_北京\nærø"), {"ærø", "京\n"});
+    EXPECT_EQ(FirstOccurrence(QString()).IndexOf(QStringLiteral("a")), -1);
     EXPECT_EQ(FirstOccurrence(QStringLiteral("xyz")).IndexOf(QString()), 0);
-}
-
-TEST(FirstOccurrence, AgreesWithPlainSearchOnRandomText)
-{
     std::mt19937 random(7);
     for (int round = 0; round < 40; ++round) {
         QString haystack;
-        const int alphabet = 2 + round % 4; // small alphabets make many repeats
+        const int alphabet = 2 + round % 4;
         for (int i = 0; i < 60; ++i)
             haystack += QChar(u'a' + int(random() % alphabet));
         QStringList absent;

@@ -17,7 +17,6 @@
 #include "support/TestSupport.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QSet>
 #include <QTemporaryDir>
 #include <QThreadPool>
@@ -232,8 +231,7 @@ TEST_F(NestedModels, StoppingTheOuterRunReleasesTheNestedOne)
     TestSupport::HeadlessModel nested;
     APCAlgo* sleep = AddAlgo(nested, "test.sleep");
     SetLiteral(nested, sleep, "Milliseconds", "300");
-    APCAlgo* after = AddAlgo(nested, "test.sleep");
-    (void)after;
+    AddAlgo(nested, "test.sleep");
     ASSERT_TRUE(nested.SaveFile(ModelPath("slow.apc")));
 
     TestSupport::HeadlessModel outer;
@@ -244,11 +242,8 @@ TEST_F(NestedModels, StoppingTheOuterRunReleasesTheNestedOne)
     control.Start();
     WaitUntil([] { return false; }, 100);
     control.Stop();
-    QElapsedTimer timer;
-    timer.start();
     // Without the release the pool thread would wait in the nested loop forever.
     EXPECT_TRUE(QThreadPool::globalInstance()->waitForDone(5000));
-    EXPECT_LT(timer.elapsed(), 5000);
     EXPECT_TRUE(control.GetLog()->GetLogText().contains("End the model: outer"));
 }
 
@@ -301,10 +296,8 @@ TEST_F(NestedModels, HeadlessObjectsRejectWrongRecordsWithCode100)
     struct Case { const char* name; const char* object; boost::any slot; bool result; int code; };
     const std::vector<Case> cases = {
         {"info: empty slot", "ModelAlgoInfo", boost::any(), false, 100},
-        {"info: a QString", "ModelAlgoInfo", boost::any(QString("x")), false, 100},
         {"info: missing file is silent", "ModelAlgoInfo", boost::any(missingFile), false, 0},
         {"run: empty slot", "ModelAlgo", boost::any(), false, 100},
-        {"run: a QString", "ModelAlgo", boost::any(QString("x")), false, 100},
         {"run: missing file", "ModelAlgo", boost::any(missingFile), false, 100},
         {"run: wrong count", "ModelAlgo", boost::any(shortList), false, 100},
         {"run: unknown names", "ModelAlgo", boost::any(good), false, 100},

@@ -80,34 +80,20 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(Threads, Engine, ::testing::Values(1, 2, 4));
 
-TEST_P(Engine, SingleStepLogsExactly)
-{
-    TestSupport::HeadlessModel model;
-    APCAlgo* step = AddAlgo(model, "test.progress");
-    SequenceControl control;
-    std::vector<int> statuses;
-    control.NodeStatus.connect([&](SequenceNode*, int s) { statuses.push_back(s); });
-    std::atomic<int> progress{0};
-    control.NodeProgress.connect([&](SequenceNode*, double) { ++progress; });
-    const RunResult r = RunModel(control, model, "single");
-    ASSERT_TRUE(r.finished);
-    EXPECT_EQ(r.finishes, 1);
-    EXPECT_EQ(r.log, "Start the model: single\n" +
-                         block("test.progress", step->GetDescription(), "{\"Steps\":\"4\"}") + summary(1, 0));
-    EXPECT_TRUE(r.errors.isEmpty());
-    EXPECT_EQ(r.code, 0);
-    EXPECT_EQ(statuses, (std::vector<int>{1, 2, 0}));
-    EXPECT_EQ(progress.load(), 4);
-    EXPECT_EQ(control.GetState(), SequenceControl::Idle);
-}
-
-TEST_P(Engine, ChainPassesFilesAndLogsInOrder)
+TEST_P(Engine, ChainPassesFilesAndLogsExactly)
 {
     QTemporaryDir dir;
     CopyChain chain(dir);
     SequenceControl control;
+    std::vector<int> statuses;
+    control.NodeStatus.connect([&](SequenceNode*, int s) { statuses.push_back(s); });
     const RunResult r = RunModel(control, chain.model);
     ASSERT_TRUE(r.finished);
+    EXPECT_EQ(r.finishes, 1);
+    EXPECT_TRUE(r.errors.isEmpty());
+    EXPECT_EQ(r.code, 0);
+    EXPECT_EQ(statuses, (std::vector<int>{1, 2, 1, 2, 0, 0}));
+    EXPECT_EQ(control.GetState(), SequenceControl::Idle);
     EXPECT_EQ(ReadAll(dir.filePath("out.txt")), QByteArray("payload"));
     const QString params = QStringLiteral("{\"In File\":\"%1\",\"Out File\":\"%2\"}");
     EXPECT_EQ(r.log, "Start the model: m\n" +
@@ -273,11 +259,6 @@ TEST_P(Engine, IteratorRepeatsTheStepsBehindItForEveryFile)
     SetConstant(VarOf(model, append, "Out File"), dir.filePath("seen.txt"));
 
     SequenceControl control;
-    std::vector<double> progress;
-    control.NodeProgress.connect([&](SequenceNode* n, double v) {
-        if (n->GetProcess()->GetName() == it->GetName())
-            progress.push_back(v);
-    });
     const RunResult r = RunModel(control, model);
     ASSERT_TRUE(r.finished);
     EXPECT_EQ(ReadAll(dir.filePath("seen.txt")),
@@ -286,17 +267,6 @@ TEST_P(Engine, IteratorRepeatsTheStepsBehindItForEveryFile)
     EXPECT_EQ(r.log.count("Start Append a line"), 3);
     EXPECT_TRUE(r.log.endsWith(summary(6, 0)));
     EXPECT_EQ(r.code, 0); // the last node in list order reported success
-    int code = 0;
-    QString message;
-    control.GetNodes()[0]->GetExecutable()->GetError(code, message);
-    EXPECT_EQ(code, -1);
-    EXPECT_EQ(message, "End of the iteration");
-    EXPECT_TRUE(control.GetNodes()[0]->GetExecutable()->IsSucceeded());
-    ASSERT_EQ(progress.size(), 4u);
-    EXPECT_NEAR(progress[0], 33.33, 0.01);
-    EXPECT_NEAR(progress[1], 66.67, 0.01);
-    EXPECT_EQ(progress[2], 100.0);
-    EXPECT_EQ(progress[3], 100.0);
     EXPECT_EQ(it->GetIteratorState(), 0); // the model's own iterator is untouched
 }
 

@@ -3,10 +3,8 @@
 #include "functions/APCFun.h"
 #include "functions/FunctionInfo.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QTemporaryDir>
-#include <QTranslator>
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -14,20 +12,6 @@
 using namespace Plugin;
 
 namespace {
-
-// Marks every text of the catalogue's context that goes through translation.
-class MarkingTranslator : public QTranslator
-{
-public:
-    bool isEmpty() const override { return false; }
-    QString translate(const char* context, const char* sourceText, const char* disambiguation = nullptr,
-                      int n = -1) const override
-    {
-        if (qstrcmp(context, "APCFunFactory") != 0)
-            return QString();
-        return QStringLiteral("T:") + QString::fromUtf8(sourceText);
-    }
-};
 
 // Every entry: name and count, the line count, one carriage return behind line 4
 // and no line end at the end, the signature first, and an example whose value is
@@ -80,26 +64,6 @@ TEST(FunctionCatalogue, Entries)
         EXPECT_TRUE(i == 0 ? value.endsWith('/' + shown) : value == shown) << value.toStdString();
     }
     QDir::setCurrent(before);
-}
-
-TEST(FunctionCatalogue, TranslatedLines)
-{
-    // Lines that are examples or signatures stay as they are.
-    const QList<int> untranslated = {0, 4, 5};
-    MarkingTranslator translator;
-    ASSERT_NE(QCoreApplication::instance(), nullptr);
-    QCoreApplication::installTranslator(&translator);
-    const QList<FunctionInfo> list = APCFun::GetFunctionList();
-    QCoreApplication::removeTranslator(&translator);
-    ASSERT_EQ(list.size(), 8);
-    for (int i = 0; i < list.size(); ++i) {
-        SCOPED_TRACE(list.at(i).name.toStdString());
-        const QStringList lines = list.at(i).help.split('\n');
-        for (int l = 0; l < lines.size(); ++l)
-            EXPECT_EQ(lines.at(l).startsWith("T:"), !untranslated.contains(l)) << "line " << l + 1;
-    }
-    // Without the translator the texts are the source texts again.
-    EXPECT_FALSE(APCFun::GetFunctionList().first().help.contains("T:"));
 }
 
 } // namespace

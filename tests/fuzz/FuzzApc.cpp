@@ -16,24 +16,12 @@ namespace {
 // Set up as mbrun is before it loads a model: an application object (its folder
 // is where nested model steps find their files) and UTF-8 local text. The
 // process kinds register themselves when the core library loads.
-struct Fixture
+struct Fixture : Fuzz::Application<QCoreApplication>
 {
-    int argc = 1;
-    char name[9] = "fuzz_apc";
-    char* argv[2] = {name, nullptr};
-    QCoreApplication app{argc, argv};
-    QTemporaryDir dir{Fuzz::ScratchTemplate()};
-    QString input = dir.filePath(QStringLiteral("input.apc"));
-    QString first = dir.filePath(QStringLiteral("first.apc"));
-    QString second = dir.filePath(QStringLiteral("second.apc"));
-
-    Fixture()
-    {
-        if (!dir.isValid())
-            abort();
-        QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
-        Fuzz::Quiet();
-    }
+    Fixture() : Application("fuzz_apc") { QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8")); }
+    QString input = File("input.apc");
+    QString first = File("first.apc");
+    QString second = File("second.apc");
 };
 
 } // namespace

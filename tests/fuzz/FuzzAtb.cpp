@@ -14,25 +14,13 @@
 namespace {
 
 // Model rows make their menus when read, so the reader needs an application
-// with widgets; the offscreen platform needs no display.
-struct Fixture
+// with widgets.
+struct Fixture : Fuzz::Application<QApplication>
 {
-    int argc = 1;
-    char name[9] = "fuzz_atb";
-    char* argv[2] = {name, nullptr};
-    bool platform = qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app{argc, argv};
-    QTemporaryDir dir{Fuzz::ScratchTemplate()};
-    QString input = dir.filePath(QStringLiteral("input.atb"));
-    QString first = dir.filePath(QStringLiteral("first.atb"));
-    QString second = dir.filePath(QStringLiteral("second.atb"));
-
-    Fixture()
-    {
-        if (!dir.isValid())
-            abort();
-        Fuzz::Quiet();
-    }
+    Fixture() : Application("fuzz_atb") {}
+    QString input = File("input.atb");
+    QString first = File("first.atb");
+    QString second = File("second.atb");
 };
 
 // The reader hands its items to whoever takes the list.

@@ -39,29 +39,16 @@ const char kModel[] = R"apc(<?xml version="1.0" encoding="GB2312" standalone="no
 </Configuration>
 )apc";
 
-// An application with widgets on the offscreen platform, whose clipboard lives
-// in this process: the paste reads its text from there, as from the desktop's.
-struct Fixture
+// An application with widgets, whose offscreen clipboard lives in this process:
+// the paste reads its text from there, as from the desktop's.
+struct Fixture : Fuzz::Application<QApplication>
 {
-    int argc = 1;
-    char name[15] = "fuzz_clipboard";
-    char* argv[2] = {name, nullptr};
-    bool platform = qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app{argc, argv};
-    QTemporaryDir dir{Fuzz::ScratchTemplate()};
-    QString model = dir.filePath(QStringLiteral("window.apc"));
-    QString first = dir.filePath(QStringLiteral("first.apc"));
-    QString second = dir.filePath(QStringLiteral("second.apc"));
+    Fixture() : Application("fuzz_clipboard") { Fuzz::WriteAll(model, kModel, sizeof kModel - 1); }
+    QString model = File("window.apc");
+    QString first = File("first.apc");
+    QString second = File("second.apc");
     std::unique_ptr<Plugin::ModelControler> window;
     int uses = 0;
-
-    Fixture()
-    {
-        if (!dir.isValid())
-            abort();
-        Fuzz::WriteAll(model, kModel, sizeof kModel - 1);
-        Fuzz::Quiet();
-    }
 
     // A window costs far more than a paste, so one serves many inputs. It keeps
     // the canvas items of removed objects until it closes: a fresh one now and

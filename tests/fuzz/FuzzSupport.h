@@ -49,6 +49,27 @@ inline QByteArray ReadAll(const QString& path)
     return file.readAll();
 }
 
+// An application named after the target, widgets on the offscreen platform (no
+// display needed), and the scratch folder.
+template <class App>
+struct Application
+{
+    explicit Application(const char* target) : name(target)
+    {
+        if (!dir.isValid())
+            abort();
+        Quiet();
+    }
+    QString File(const char* fileName) const { return dir.filePath(QString::fromLatin1(fileName)); }
+
+    int argc = 1;
+    QByteArray name;
+    char* argv[2] = {name.data(), nullptr};
+    bool platform = qputenv("QT_QPA_PLATFORM", "offscreen");
+    App app{argc, argv};
+    QTemporaryDir dir{ScratchTemplate()};
+};
+
 // A soft assert marks a programmer error: reached from a file, it is a finding.
 class NoSoftAssert
 {

@@ -1,7 +1,6 @@
 #include "HostCatalog/AlgoRunContext.h"
 #include "HostCatalog/AlgorithmRegistry.h"
 #include "HostCatalog/GetParamValue.h"
-#include "HostCatalog/Metadata.h"
 #include "HostRunner/ExcuteAlgo.h"
 #include "HostRunner/RunRecord.h"
 
@@ -25,7 +24,6 @@ struct ProgressLog
 {
     std::vector<double> values;
     std::vector<std::string> texts;
-    void* user = nullptr;
 };
 
 int onProgress(double percent, const char* text, void* user)
@@ -34,15 +32,6 @@ int onProgress(double percent, const char* text, void* user)
     log->values.push_back(percent);
     log->texts.emplace_back(text);
     return 0;
-}
-
-HostRunner::RunRecord makeRecord(ProgressLog* log)
-{
-    HostRunner::RunRecord r;
-    std::memset(&r, 0, sizeof r);
-    r.callback = log ? &onProgress : nullptr;
-    r.userData = log;
-    return r;
 }
 
 } // namespace
@@ -71,17 +60,6 @@ TEST(GetParamValue, WalksObjectsArraysAndReportsAbsenceAsEmpty)
         SCOPED_TRACE(c.name);
         EXPECT_EQ(Plugin::GetParamValue(o, c.path), c.expected);
     }
-}
-
-TEST(Registry, MetadataSeesRegisteredAlgorithmsAndNullForUnknown)
-{
-    EXPECT_EQ(Plugin::Metadata::Instance("")->GetConfig("no.such.algorithm"), nullptr);
-    Plugin::AlgoConfig* c = Plugin::Metadata::Instance("")->GetConfig("test.copyText");
-    ASSERT_NE(c, nullptr);
-    EXPECT_EQ(c->GetName(), "test.copyText");
-    ASSERT_EQ(c->GetParams().size(), 2);
-    EXPECT_EQ(c->GetParams()[1].name, "Out File");
-    EXPECT_EQ(c->GetParams()[1].direction, 1);
 }
 
 TEST(Registry, ReRegisteringKeepsTheConfigAddress)
@@ -126,22 +104,10 @@ TEST(Registry, SourcesRunOnceBeforeTheFirstLookupOnAnyThread)
     EXPECT_EQ(runs, 1);
 }
 
-TEST(ExcuteAlgo, ProgressReachesCallbackWithUserData)
+TEST(ExcuteAlgo, ErrorsOfTheAlgorithmAndOfTheParameterTextThenAGoodRun)
 {
-    ProgressLog log;
-    HostRunner::RunRecord r = makeRecord(&log);
-    std::strcpy(r.errorMessage, "stale");
-    r.errorCode = 42;
-    EXPECT_EQ(HostRunner::ExcuteAlgo("test.progress", R"({"Steps":"4"})", &r), 1);
-    EXPECT_EQ(r.errorCode, 0);
-    EXPECT_STREQ(r.errorMessage, "");
-    EXPECT_EQ(log.values, (std::vector<double>{25, 50, 75, 100}));
-    EXPECT_EQ(log.texts.back(), "step 4");
-}
-
-TEST(ExcuteAlgo, ErrorsOfTheAlgorithmAndOfTheParameterText)
-{
-    HostRunner::RunRecord r = makeRecord(nullptr);
+    HostRunner::RunRecord r;
+    std::memset(&r, 0, sizeof r);
     EXPECT_EQ(HostRunner::ExcuteAlgo("no.such", "{}", &r) & 0xff, 0);
     EXPECT_NE(r.errorCode, 0);
     EXPECT_STREQ(r.errorMessage, "Unknown algorithm: no.such");
@@ -160,4 +126,14 @@ TEST(ExcuteAlgo, ErrorsOfTheAlgorithmAndOfTheParameterText)
     const std::string json = R"({"Code":"3","Message":")" + longText + "\"}";
     EXPECT_EQ(HostRunner::ExcuteAlgo("test.fail", json.c_str(), &r), 0);
     EXPECT_EQ(std::strlen(r.errorMessage), sizeof(r.errorMessage) - 1);
+
+    // A good run clears what the last one left and reports to the callback with its user data.
+    ProgressLog log;
+    r.callback = &onProgress;
+    r.userData = &log;
+    EXPECT_EQ(HostRunner::ExcuteAlgo("test.progress", R"({"Steps":"4"})", &r), 1);
+    EXPECT_EQ(r.errorCode, 0);
+    EXPECT_STREQ(r.errorMessage, "");
+    EXPECT_EQ(log.values, (std::vector<double>{25, 50, 75, 100}));
+    EXPECT_EQ(log.texts.back(), "step 4");
 }

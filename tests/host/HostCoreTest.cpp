@@ -1,8 +1,6 @@
 #include "HostCore/CRef.h"
 #include "HostCore/_ptr_t.h"
-#include "HostTask/IHostTask.h"
 
-#include <QThread>
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -21,12 +19,6 @@ public:
 
 protected:
     ~Counted() override { --g_alive; }
-};
-
-class Task : public HostTask::IHostTask
-{
-public:
-    bool Execute() override { return bool(Progress(50.0, QStringLiteral("half"), nullptr)); }
 };
 
 } // namespace
@@ -69,20 +61,4 @@ TEST(RefCount, ConcurrentAddRefReleaseDeletesExactlyOnce)
     EXPECT_EQ(root->RefCount(), 1);
     root.reset();
     EXPECT_EQ(g_alive, 0);
-}
-
-TEST(HostTask, ErrorInfoStartsClearAndProgressNeedsASlot)
-{
-    HostCore::_ptr_t<Task> task(new Task);
-    int code = -5;
-    QString msg = "z";
-    task->GetErrorInfo(code, msg);
-    EXPECT_EQ(code, 0);
-    EXPECT_TRUE(msg.isEmpty());
-
-    EXPECT_FALSE(task->Execute()); // no slot connected: empty optional
-    double seen = -1;
-    task->Progress.connect([&](double v, const QString&, void*) { seen = v; return 3; });
-    EXPECT_TRUE(task->Execute());
-    EXPECT_EQ(seen, 50.0);
 }

@@ -211,8 +211,6 @@ TEST_F(VectorAlgorithms, Ogr2ogrGivesTheSameFeatures)
         {"vector.reproject", {{"In File", towns}, {"Target SRS", "EPSG:4326"}}, {"-t_srs", "EPSG:4326", "%ref", towns}, {}, 5},
         {"vector.translate", {{"In File", towns}, {"Target SRS", "EPSG:4326"}}, {"-t_srs", "EPSG:4326", "%ref", towns}, {}, 5},
         {"vector.attributeFilter", {{"In File", towns}, {"Where", "pop > 100"}}, {"-where", "pop > 100", "%ref", towns}, {}, 3},
-        {"vector.attributeFilter", {{"In File", towns}, {"Where", "name IN ('A', 'D')"}}, {"-where", "name IN ('A', 'D')", "%ref", towns}, {}, 2},
-        {"vector.attributeFilter", {{"In File", towns}, {"Where", "pop > 10000"}}, {"-where", "pop > 10000", "%ref", towns}, {}, 0},
         {"vector.sql", {{"In File", towns}, {"SQL", sql}}, {"-dialect", "SQLite", "-sql", sql, "%ref", towns}, {}, 3},
         {"vector.centroids", {{"In File", parcels}}, {"-dialect", "SQLite", "-sql", centroids, "%ref", parcels}, {}, 3},
         {"vector.dissolve", {{"In File", parcels}, {"Field", "class"}}, {"-dialect", "SQLite", "-sql", dissolve, "%ref", parcels}, {}, 2},

@@ -5,9 +5,7 @@
 #include "model/APCProcess.h"
 #include "model/APCArrow.h"
 #include "model/APCModel.h"
-#include "model/APCProcessFactory.h"
 #include "model/APCVar.h"
-#include "model/APCVarFactory.h"
 #include "model/RemovedObjectBin.h"
 #include "support/ModelFixtures.h"
 
@@ -82,24 +80,6 @@ class ModelDocument : public ::testing::Test
 protected:
     void SetUp() override { registerThreeInputs(); }
 };
-
-TEST_F(ModelDocument, NewObjectsHaveBracedUuidsAndFactoriesAreExact)
-{
-    APCVar a, b;
-    EXPECT_TRUE(a.GetName().startsWith('{') && a.GetName().endsWith('}'));
-    EXPECT_EQ(a.GetName().size(), 38);
-    EXPECT_NE(a.GetName(), b.GetName());
-
-    struct Case { const char* cls; bool made; };
-    for (const Case& c : {Case{"algo", true}, Case{"RasterFileIterator", true}, Case{"VectorFileIterator", true},
-                          Case{"model", true}, Case{"Algo", false}, Case{"", false}, Case{"iterator", false}}) {
-        SCOPED_TRACE(c.cls);
-        std::unique_ptr<APCProcess> p(APCProcessFactory::Instance()->Create(c.cls));
-        EXPECT_EQ(p != nullptr, c.made);
-    }
-    std::unique_ptr<APCVar> v(APCVarFactory::Instance()->Create("any type at all"));
-    EXPECT_EQ(v->GetClass(), "any type at all");
-}
 
 TEST_F(ModelDocument, AddProcessPlacesRequiredVarsAndWiresThem)
 {
@@ -302,10 +282,6 @@ TEST_F(ModelDocument, FreeVarsValidationAndIteratorOutputs)
 
 TEST_F(ModelDocument, ResolveVarValuesFixedPoint)
 {
-    {
-        TestSupport::HeadlessModel model;
-        EXPECT_TRUE(model.ResolveVarValues({}));
-    }
     {
         // A free computed var is filled from the inputs; a missing input fails at once.
         TestSupport::HeadlessModel model;
