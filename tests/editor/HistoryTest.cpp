@@ -39,15 +39,6 @@
 using namespace Plugin;
 using GuiDriver::OnNextModal;
 
-namespace {
-
-void use(ModelControler& window, const char* caption)
-{
-    GuiDriver::Action(&window, caption)->trigger();
-}
-
-} // namespace
-
 class History : public ::testing::Test
 {
 public:
@@ -206,6 +197,7 @@ TEST(WholeWork, FromAnExampleToASavedModelThatRan)
     window.SetModelName("work");
     APCModel* model = window.GetDocument();
     CanvasDriver::Mouse mouse(window);
+    const auto use = [&](const char* caption) { GuiDriver::Action(&window, caption)->trigger(); };
 
     // 1. A conversion dropped from the tool box beside the NDVI step.
     ASSERT_TRUE(CanvasDriver::DropAlgo(window, "Convert raster", "raster.translate", QPointF(300, 0)));
@@ -220,11 +212,11 @@ TEST(WholeWork, FromAnExampleToASavedModelThatRan)
     const QString ownInputId = ownInput->GetName();
     const int arrows = model->GetArrows().size();
     mouse.Click(mouse.At(ownInput));
-    use(window, "Delete"); // the var, and its arrow with it
+    use("Delete"); // the var, and its arrow with it
     EXPECT_FALSE(model->FindVar(ownInputId));
     EXPECT_EQ(model->GetArrows().size(), arrows - 1);
     ASSERT_TRUE(step->GetParameter("In File").value.isEmpty());
-    use(window, "Connect");
+    use("Connect");
     OnNextModal([](QWidget* arrowDialog) {
         // The user picks the step's input among its parameters.
         auto* parameter = arrowDialog->findChild<QComboBox*>("headParameter");
@@ -238,7 +230,7 @@ TEST(WholeWork, FromAnExampleToASavedModelThatRan)
     EXPECT_EQ(step->GetParameter("In File").value, "%" + ndvi->GetName() + "%");
 
     // 3. Its output given a file name through the var dialog.
-    use(window, "Select");
+    use("Select");
     APCVar* converted = TestSupport::VarOf(*model, step, "Out File");
     ASSERT_TRUE(converted);
     const QString output = dir.filePath("converted.tif");
@@ -262,15 +254,11 @@ TEST(WholeWork, FromAnExampleToASavedModelThatRan)
             stepStates.insert(status);
     });
     OnNextModal([&](QWidget* runDialog) {
-        auto* tabs = runDialog->findChild<QTabWidget*>();
-        for (int i = 0; i < tabs->count(); ++i) {
-            tabs->setCurrentIndex(i);
-            QTest::keyClicks(tabs->widget(i)->findChild<QLineEdit*>(),
-                             tabs->tabText(i) == "Scene" ? scene : dir.filePath("ndvi.tif"));
-        }
-        GuiDriver::Click(runDialog, "okButton");
+        GuiDriver::AnswerRunTabs(runDialog, [&](const QString& title) {
+            return title == "Scene" ? scene : dir.filePath("ndvi.tif");
+        });
     });
-    use(window, "Run");
+    use("Run");
     ASSERT_TRUE(TestSupport::WaitUntil([&] { return window.GetSequenceControl()->GetState() == SequenceControl::Idle; }, 60000));
     const QString log = window.GetSequenceControl()->GetLog()->GetLogText();
     EXPECT_TRUE(log.contains("Succeed: 2, Fail: 0")) << qPrintable(log);
@@ -278,7 +266,7 @@ TEST(WholeWork, FromAnExampleToASavedModelThatRan)
     EXPECT_TRUE(QFile::exists(output));
 
     // 5. Saved, reopened: the same model.
-    use(window, "Save");
+    use("Save");
     EXPECT_FALSE(window.IsModified());
     TestSupport::HeadlessModel reread;
     ASSERT_TRUE(reread.LoadFile(path));

@@ -17,11 +17,9 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QImage>
-#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QTemporaryDir>
-#include <QTest>
 #include <gtest/gtest.h>
 
 using namespace Plugin;
@@ -80,10 +78,7 @@ void saveAs(const QString& name, const QString& filter)
         EXPECT_EQ(dialog->acceptMode(), QFileDialog::AcceptSave);
         EXPECT_EQ(dialog->nameFilters(), QStringList({"SVG picture (*.svg)", "PNG picture (*.png)", "PDF document (*.pdf)"}));
         dialog->selectNameFilter(filter);
-        auto* edit = dialog->findChild<QLineEdit*>("fileNameEdit");
-        ASSERT_NE(edit, nullptr);
-        edit->setText(name);
-        QTest::keyClick(edit, Qt::Key_Return);
+        GuiDriver::PickPath(dialog, name);
     });
 }
 

@@ -9,6 +9,7 @@
 #include <ostream>
 
 class QAction;
+class QMenu;
 class QWidget;
 
 namespace GuiDriver {
@@ -44,6 +45,24 @@ struct Message
     QStringList buttons;
 };
 void AnswerMessage(Message* message, int button = 0);
+
+// Answers the file dialog picker with path, typed into its name field.
+void PickPath(QWidget* picker, const QString& path);
+
+// Answers the next modal window, a folder dialog, with folder, as it shows it.
+void PickFolder(const QString& folder);
+
+// Fills every tab of the run dialog dialog with value(tab title), a folder
+// picked through Add... on a "Scene folders" tab, then presses OK; next, when
+// given, answers the modal window that follows.
+void AnswerRunTabs(QWidget* dialog, const std::function<QString(const QString&)>& value,
+                   const std::function<void(QWidget*)>& next = {});
+
+// Calls act with the next popup menu other than after, from inside its loop.
+void OnNextPopup(QWidget* after, std::function<void(QMenu*)> act);
+
+// Clicks the entries of path in turn in the next popup menu, through submenus.
+void ChooseInMenu(const QStringList& path, QWidget* after = nullptr);
 
 // The child of root named name (the test fails when there is none).
 template <class T>
