@@ -24,8 +24,6 @@
 #include <QDialog>
 #include <QFile>
 #include <QLineEdit>
-#include <QMenu>
-#include <QMenuBar>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
@@ -64,15 +62,7 @@ public:
         QTest::keyClick(target->GetView()->viewport(), Qt::Key(key), modifiers);
     }
     void use(const char* caption) { GuiDriver::Action(window.get(), caption)->trigger(); }
-    // The texts of the Edit menu's entries.
-    QStringList editMenu()
-    {
-        QStringList texts;
-        for (QAction* menu : window->menuBar()->actions())
-            for (QAction* entry : menu->text() == "Edit" ? menu->menu()->actions() : QList<QAction*>())
-                texts << entry->text();
-        return texts;
-    }
+    QStringList editMenu() { return GuiDriver::MenuEntries(window.get(), "Edit"); }
     // The model as a save would write it.
     QByteArray saved(ModelControler& w)
     {

@@ -17,8 +17,6 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QImage>
-#include <QMenu>
-#include <QMenuBar>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -27,23 +25,6 @@ using GuiDriver::Action;
 using GuiDriver::OnNextModal;
 
 namespace {
-
-QMenu* menu(ModelControler& window, const QString& title)
-{
-    for (QAction* a : window.menuBar()->actions())
-        if (a->text() == title)
-            return a->menu();
-    ADD_FAILURE() << "no menu " << title.toStdString();
-    return nullptr;
-}
-
-QStringList entries(QMenu* menu)
-{
-    QStringList texts;
-    for (QAction* a : menu->actions())
-        texts << a->text();
-    return texts;
-}
 
 // The shipped example models, copied where a save may write.
 QStringList copiedExamples(const QTemporaryDir& dir)
@@ -94,10 +75,10 @@ TEST(AutoLayout, LaysTheExamplesOutLeftToRightWithoutOverlapsAsOneSavedEdit)
         {
             ModelControler window(path, false);
             // A new last entry; the menu's own stay as they were.
-            EXPECT_EQ(entries(menu(window, "View")),
+            EXPECT_EQ(GuiDriver::MenuEntries(&window, "View"),
                       QStringList({"Full Extent", "1:1", "Fixed Zoom In", "Fixed Zoom Out", "Auto Layout"}));
             ModelCommandManager::Instance()->OnUpdateState();
-            QAction* layout = menu(window, "View")->actions().last();
+            QAction* layout = Action(&window, "Auto Layout");
             ASSERT_TRUE(layout->isEnabled());
             layout->trigger();
             EXPECT_TRUE(window.IsModified());
@@ -147,8 +128,7 @@ TEST(ExportPicture, WritesTheWholeModelInTheChosenFormatAndLeavesTheWindowAsItWa
     // Zoomed in: most of the model lies outside the view.
     for (int i = 0; i < 3; ++i)
         Action(&window, "Fixed Zoom In")->trigger();
-    QStringList modelEntries = entries(menu(window, "Model"));
-    EXPECT_EQ(modelEntries, QStringList({"Save", "Save As", "Validate Entire Model", "Run", "Pause", "Stop", "Print", "Export for a cluster..."}));
+    EXPECT_EQ(GuiDriver::MenuEntries(&window, "Model"), QStringList({"Save", "Save As", "Validate Entire Model", "Run", "Pause", "Stop", "Print", "Export for a cluster..."}));
     QGraphicsItem* chosen = window.FindItem(window.GetDocument()->GetProcesses().value(1));
     chosen->setSelected(true);
 

@@ -370,25 +370,17 @@ TEST_F(VarDialog, DotsOpenTheFunctionDialogAndOnlyItsOkChangesTheExpression)
 }
 
 // ---------------------------------------------------------------------------
-// VarAddDlg
-
-// ---------------------------------------------------------------------------
 // In a window: Add Variable
 
-class VarsInWindow : public ::testing::Test
+TEST(VarsInWindow, AddsAVarOfTheChosenTypeAtTheFixedPoint)
 {
-protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(TestSupport::WriteAll(dir.filePath("m.apc"), TestSupport::kStepAndThreeVars));
-    }
-
-    // Clicks "Add Variable" in window; act is what the user does in the dialog.
-    static void addVariable(ModelControler& window, std::function<void(QDialog*)> act)
-    {
+    QTemporaryDir dir;
+    ASSERT_TRUE(TestSupport::WriteAll(dir.filePath("m.apc"), TestSupport::kStepAndThreeVars));
+    ModelControler window(dir.filePath("m.apc"), false);
+    // Clicks "Add Variable"; act is what the user does in the dialog.
+    const auto addVariable = [&window](std::function<void(QDialog*)> act) {
         QAction* action = GuiDriver::Action(&window, "Add Variable");
-        ASSERT_NE(action, nullptr);
-        ASSERT_TRUE(action->isEnabled());
+        ASSERT_TRUE(action && action->isEnabled());
         OnNextModal([&window, act](QWidget* w) {
             auto* dialog = qobject_cast<VarAddDlg*>(w);
             ASSERT_NE(dialog, nullptr);
@@ -396,14 +388,7 @@ protected:
             act(dialog);
         });
         action->trigger();
-    }
-
-    QTemporaryDir dir;
-};
-
-TEST_F(VarsInWindow, AddsAVarOfTheChosenTypeAtTheFixedPoint)
-{
-    ModelControler window(dir.filePath("m.apc"), false);
+    };
     QList<APCVar*>& vars = window.GetDocument()->GetVars();
     int expectedCount = vars.size();
     ASSERT_FALSE(window.IsModified());
@@ -417,7 +402,7 @@ TEST_F(VarsInWindow, AddsAVarOfTheChosenTypeAtTheFixedPoint)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        addVariable(window, [&](QDialog* d) {
+        addVariable([&](QDialog* d) {
             auto* list = Child<QListWidget>(d, "typeList");
             if (c.noRowFirst) {
                 list->setCurrentRow(-1);
@@ -445,7 +430,7 @@ TEST_F(VarsInWindow, AddsAVarOfTheChosenTypeAtTheFixedPoint)
         EXPECT_TRUE(window.IsModified());
         window.SetModified(false);
     }
-    addVariable(window, [](QDialog* d) { Click(d, "cancelButton"); });
+    addVariable([](QDialog* d) { Click(d, "cancelButton"); });
     EXPECT_EQ(vars.size(), expectedCount);
     EXPECT_FALSE(window.IsModified());
 }

@@ -7,6 +7,7 @@
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QPointer>
 #include <QTabWidget>
@@ -61,6 +62,19 @@ QAction* Action(QWidget* window, const QString& caption)
             return action;
     ADD_FAILURE() << "no action " << caption.toStdString();
     return nullptr;
+}
+
+QStringList MenuEntries(QWidget* window, const QString& title)
+{
+    QStringList texts;
+    auto* bar = window->findChild<QMenuBar*>();
+    for (QAction* menu : bar ? bar->actions() : QList<QAction*>())
+        if (title.isEmpty())
+            texts << menu->text();
+        else if (menu->text() == title)
+            for (QAction* entry : menu->menu()->actions())
+                texts << entry->text();
+    return texts;
 }
 
 void Click(QWidget* root, const QString& name)

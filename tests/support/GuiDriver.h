@@ -24,6 +24,10 @@ void TypeInto(QWidget* root, const QString& name, const QString& text);
 // The action captioned caption among window's (the test fails when there is none).
 QAction* Action(QWidget* window, const QString& caption);
 
+// The captions of the entries of window's menu titled title, or of the menus
+// themselves when title is empty.
+QStringList MenuEntries(QWidget* window, const QString& title = QString());
+
 // Clicks the button named name below root (the test fails when there is none).
 void Click(QWidget* root, const QString& name);
 

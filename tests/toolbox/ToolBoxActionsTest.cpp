@@ -71,12 +71,6 @@ QByteArray Steps(const QList<QPoint>& places)
 const QByteArray kWide = Steps({{0, 0}, {2400, 900}}); // too wide for 1:1 in 800 by 500
 const QByteArray kSmall = Steps({{0, 0}});
 
-void Retype(QWidget* dialog, const QString& field, const QString& text)
-{
-    dialog->findChild<QLineEdit*>(field)->clear();
-    GuiDriver::TypeInto(dialog, field, text);
-}
-
 // Checks the texts of the next message box and answers it with button.
 void Answer(const QString& title, const QString& text, QMessageBox::StandardButton button = QMessageBox::Ok)
 {
@@ -200,7 +194,9 @@ protected:
     ModelCommandManager* manager = ModelCommandManager::Instance();
 };
 
-TEST_F(ToolBoxActions, NewToolSetRefusesAnEmptyNameAndMakesADeletableFolder)
+// New ToolSet refuses an empty name and makes a deletable folder; New Model refuses
+// empty and taken names, then writes the model without opening it.
+TEST_F(ToolBoxActions, NewToolSetAndNewModelRefuseBadNamesAndMakeTheirItems)
 {
     GuiDriver::OnNextModal([&](QWidget* dialog) {
         EXPECT_EQ(dialog->windowTitle(), "ToolSet");
@@ -213,11 +209,7 @@ TEST_F(ToolBoxActions, NewToolSetRefusesAnEmptyNameAndMakesADeletableFolder)
     EXPECT_EQ(Children("Models"), QStringList({"Shipped", "Mine"})); // a changed folder goes last
     EXPECT_EQ(Children("Mine"), QStringList({"First", "Second", "Locked", "Sub"}));
     EXPECT_EQ(Entries("Sub"), QStringList({"New", "Delete", "Import Model"}));
-    EXPECT_TRUE(Shutdown().contains(R"(<Folder name="Sub" canDelete="1"/>)"));
-}
 
-TEST_F(ToolBoxActions, NewModelRefusesEmptyAndTakenNamesThenWritesTheModelWithoutOpeningIt)
-{
     GuiDriver::OnNextModal([&](QWidget* dialog) {
         EXPECT_EQ(dialog->windowTitle(), "CreateCircuit");
         Answer("Error", "Name is null!");
@@ -225,20 +217,22 @@ TEST_F(ToolBoxActions, NewModelRefusesEmptyAndTakenNamesThenWritesTheModelWithou
         GuiDriver::TypeInto(dialog, "nameEdit", "second");
         Answer("Error", "File is existing!");
         GuiDriver::ClickText(dialog, "OK");
-        Retype(dialog, "nameEdit", "Fresh");
+        GuiDriver::Retype(dialog->findChild<QLineEdit*>("nameEdit"), "Fresh");
         GuiDriver::TypeInto(dialog, "descriptionEdit", "made here");
         GuiDriver::ClickText(dialog, "OK");
     });
     const int windows = manager->WindowCount();
     Menu("Mine", {"New", "Model"});
-    EXPECT_EQ(Children("Mine"), QStringList({"First", "Second", "Locked", "Fresh"}));
+    EXPECT_EQ(Children("Mine"), QStringList({"First", "Second", "Locked", "Sub", "Fresh"}));
     EXPECT_TRUE(APCModel().LoadFile(apc("Fresh")));
     // No window opens, so nothing locks the menus.
     EXPECT_EQ(manager->WindowCount(), windows);
     EXPECT_FALSE(manager->FindWindow(root.path() + "/bin/../Model/apc/Fresh.apc"));
     manager->OnUpdateState();
     EXPECT_EQ(Entries("Fresh"), QStringList({"Remove", "Edit", "Export"}));
-    EXPECT_TRUE(Shutdown().contains(R"(<APC name="Fresh" file="Model/apc/Fresh.apc" description="made here"/>)"));
+    const QString text = Shutdown();
+    EXPECT_TRUE(text.contains(R"(<Folder name="Sub" canDelete="1"/>)"));
+    EXPECT_TRUE(text.contains(R"(<APC name="Fresh" file="Model/apc/Fresh.apc" description="made here"/>)"));
 }
 
 TEST_F(ToolBoxActions, EditRenamesTheFileOrRefusesATakenName)
@@ -246,10 +240,10 @@ TEST_F(ToolBoxActions, EditRenamesTheFileOrRefusesATakenName)
     GuiDriver::OnNextModal([&](QWidget* dialog) {
         EXPECT_EQ(dialog->findChild<QLineEdit*>("nameEdit")->text(), "First");
         EXPECT_EQ(dialog->findChild<QLineEdit*>("descriptionEdit")->text(), "one");
-        Retype(dialog, "nameEdit", "locked.apc");
+        GuiDriver::Retype(dialog->findChild<QLineEdit*>("nameEdit"), "locked.apc");
         Answer("Error", "File is existing!");
         GuiDriver::ClickText(dialog, "OK");
-        Retype(dialog, "nameEdit", "Renamed");
+        GuiDriver::Retype(dialog->findChild<QLineEdit*>("nameEdit"), "Renamed");
         GuiDriver::ClickText(dialog, "OK");
     });
     Menu("First", {"Edit"});
