@@ -11,7 +11,6 @@
 #include "model/APCArrow.h"
 #include "model/APCModel.h"
 #include "model/APCVar.h"
-#include "model/PainterText.h"
 #include "support/CanvasDriver.h"
 #include "support/TestSupport.h"
 
@@ -87,21 +86,6 @@ protected:
     QTemporaryDir dir;
     std::unique_ptr<ModelControler> window;
 };
-
-TEST_F(CanvasItems, ArrowsVanishWhileTheirEndsOverlap)
-{
-    auto* algo = itemOf<AlgoGraphics>(*window, "{a}");
-    auto* in = itemOf<ArrowGraphics>(*window, window->GetDocument()->GetArrows()[0]->GetName());
-    paintOnce(in);
-    const QPolygonF head = in->GetHeadShape();
-    ASSERT_EQ(head.size(), 3);
-    EXPECT_EQ(head[0], QPointF(100, 20)); // on the algorithm's top edge, where it points
-
-    algo->setPos(100, -150); // on top of its input var
-    paintOnce(in);
-    EXPECT_EQ(in->GetHeadShape(), head); // nothing painted, nothing recomputed
-}
-
 
 // ---------------------------------------------------------------------------
 // The scene and view of an empty window, with items standing for objects
@@ -200,45 +184,7 @@ TEST_F(Canvas, TheCanvasFollowsTheDocument)
     EXPECT_TRUE(window.IsModified());
 }
 
-TEST_F(CanvasItems, StepStatesColourTheShapesButNeverAVar)
-{
-    auto* algo = itemOf<AlgoGraphics>(*window, "{a}");
-    algo->SetProgress(42.9);
-    algo->SetState(1);
-    EXPECT_EQ(algo->brush().color(), QColor(Qt::yellow));
-    EXPECT_EQ(algo->GetProgress(), 42);
-    algo->SetState(2);
-    EXPECT_EQ(algo->brush().color(), QColor(Qt::darkYellow));
-    EXPECT_EQ(algo->GetProgress(), 100);
-    algo->SetState(-1); // a failure has no colour of its own
-    EXPECT_EQ(algo->brush().color(), QColor(Qt::lightGray));
-    EXPECT_EQ(algo->GetProgress(), 0);
-
-    auto* var = itemOf<VarGraphics>(*window, "{in}");
-    var->SetState(1);
-    EXPECT_EQ(var->brush().color(), QColor(Qt::green));
-    EXPECT_EQ(var->GetState(), 1);
-}
-
-
-TEST_F(CanvasItems, ScalingStartsFromTheBoundingRectangle)
-{
-    auto* algo = itemOf<AlgoGraphics>(*window, "{a}");
-    const double pen = algo->pen().widthF();
-    algo->ScaleBy(QPointF(0, 0), 1, 1);
-    EXPECT_EQ(algo->rect().size(), QSizeF(120 + pen, 60 + pen));
-    algo->ScaleBy(QPointF(0, 50), -1, 1); // no turning inside out; the place mirrors
-    EXPECT_GT(algo->rect().width(), 0);
-    EXPECT_EQ(algo->pos(), QPointF(-100, 50));
-
-    auto* iterator = itemOf<IteratorGraphics>(*window, "{it}");
-    const QPointF before = iterator->pos();
-    iterator->ScaleBy(iterator->pos(), 2, 2); // about its own centre: it stays put
-    EXPECT_EQ(iterator->pos(), before);
-    EXPECT_EQ(iterator->polygon().boundingRect(), QRectF(-100, -100, 200, 200));
-}
-
-TEST_F(CanvasItems, LoadingPutsEveryObjectOnTheCanvasAtItsPlace)
+TEST_F(CanvasItems, LoadedItemsStandPaintScaleAndShowStates)
 {
     EXPECT_EQ(window->GetScene()->GetItems().size(), 7);
     auto* algo = itemOf<AlgoGraphics>(*window, "{a}");
@@ -271,5 +217,41 @@ TEST_F(CanvasItems, LoadingPutsEveryObjectOnTheCanvasAtItsPlace)
     EXPECT_FALSE(in->flags() & QGraphicsItem::ItemIsMovable);
     // A var of no size has no outline to meet: its arrow still paints.
     paintOnce(itemOf<ArrowGraphics>(*window, window->GetDocument()->GetArrows()[1]->GetName()));
+
+    // An arrow vanishes while its ends overlap.
+    paintOnce(in);
+    const QPolygonF head = in->GetHeadShape();
+    ASSERT_EQ(head.size(), 3);
+    EXPECT_EQ(head[0], QPointF(100, 20)); // on the algorithm's top edge, where it points
+    algo->setPos(100, -150); // on top of its input var
+    paintOnce(in);
+    EXPECT_EQ(in->GetHeadShape(), head); // nothing painted, nothing recomputed
+    algo->setPos(100, 50);
+
+    // Step states colour the shapes, but never a var.
+    algo->SetProgress(42.9);
+    algo->SetState(1);
+    EXPECT_EQ(algo->brush().color(), QColor(Qt::yellow));
+    EXPECT_EQ(algo->GetProgress(), 42);
+    algo->SetState(2);
+    EXPECT_EQ(algo->brush().color(), QColor(Qt::darkYellow));
+    EXPECT_EQ(algo->GetProgress(), 100);
+    algo->SetState(-1); // a failure has no colour of its own
+    EXPECT_EQ(algo->brush().color(), QColor(Qt::lightGray));
+    EXPECT_EQ(algo->GetProgress(), 0);
+    scene->SetState(1);
+    EXPECT_EQ(scene->brush().color(), QColor(Qt::green));
+
+    // Scaling starts from the bounding rectangle.
+    const double pen = algo->pen().widthF();
+    algo->ScaleBy(QPointF(0, 0), 1, 1);
+    EXPECT_EQ(algo->rect().size(), QSizeF(120 + pen, 60 + pen));
+    algo->ScaleBy(QPointF(0, 50), -1, 1); // no turning inside out; the place mirrors
+    EXPECT_GT(algo->rect().width(), 0);
+    EXPECT_EQ(algo->pos(), QPointF(-100, 50));
+    const QPointF before = iterator->pos();
+    iterator->ScaleBy(iterator->pos(), 2, 2); // about its own centre: it stays put
+    EXPECT_EQ(iterator->pos(), before);
+    EXPECT_EQ(iterator->polygon().boundingRect(), QRectF(-100, -100, 200, 200));
 }
 

@@ -24,7 +24,6 @@
 #include <QClipboard>
 #include <QGraphicsItem>
 #include <QImage>
-#include <QMessageBox>
 #include <QMimeData>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -174,13 +173,10 @@ TEST_F(Drop, AModelCannotBeDroppedIntoItself)
     self.SetName("Self");
     self.SetFile("Model/apc/self.apc");
     auto window = std::make_unique<ModelControler>(ATBItem::AppRoot() + "Model/apc/self.apc", false);
-    QString warning;
-    GuiDriver::OnNextModal([&](QWidget* modal) {
-        warning = modal->windowTitle() + ": " + qobject_cast<QMessageBox*>(modal)->text();
-        modal->close();
-    });
+    GuiDriver::Message warning;
+    GuiDriver::AnswerMessage(&warning);
     EXPECT_TRUE(CanvasDriver::DropOnCanvas(&tree, &self, *window, QPointF(0, 0)));
-    EXPECT_EQ(warning, "Warning: Can not drag self!");
+    EXPECT_EQ(warning.title + ": " + warning.text, "Warning: Can not drag self!");
     EXPECT_TRUE(window->GetDocument()->GetProcesses().isEmpty());
 }
 

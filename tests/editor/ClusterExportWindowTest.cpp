@@ -6,13 +6,7 @@
 #include "support/SceneBatch.h"
 #include "support/TestSupport.h"
 
-#include <QAbstractButton>
 #include <QAction>
-#include <QFileDialog>
-#include <QLineEdit>
-#include <QMessageBox>
-#include <QTabWidget>
-#include <QTest>
 #include <gtest/gtest.h>
 
 using namespace Plugin;
@@ -20,57 +14,15 @@ using GuiDriver::OnNextModal;
 
 namespace {
 
-void click(QWidget* root, const QString& text)
-{
-    for (QAbstractButton* b : root->findChildren<QAbstractButton*>())
-        if (b->text() == text && b->isVisible())
-            return QTest::mouseClick(b, Qt::LeftButton);
-    ADD_FAILURE() << "no button " << text.toStdString();
-}
-
-void pick(QWidget* picker, const QString& path)
-{
-    auto* files = qobject_cast<QFileDialog*>(picker);
-    ASSERT_TRUE(files);
-    auto* name = files->findChild<QLineEdit*>("fileNameEdit");
-    ASSERT_TRUE(name);
-    name->setText(path);
-    QTest::keyClick(name, Qt::Key_Return);
-}
-
 // Answers the run dialog with the scenes and the output folder, then runs next
 // on the modal window that follows it.
 void answerInputs(const TestSupport::SceneBatch& batch, std::function<void(QWidget*)> next)
 {
-    OnNextModal([&batch, next](QWidget* w) {
-        auto* dialog = qobject_cast<RunCmdDlg*>(w);
-        ASSERT_TRUE(dialog);
-        auto* tabs = dialog->findChild<QTabWidget*>();
-        for (int i = 0; i < tabs->count(); ++i) {
-            tabs->setCurrentIndex(i);
-            QWidget* page = tabs->widget(i);
-            if (tabs->tabText(i) == "Scene folders") {
-                OnNextModal([&batch](QWidget* picker) { pick(picker, batch.scenes); });
-                click(page, "Add...");
-                continue;
-            }
-            QTest::keyClicks(page->findChild<QLineEdit*>(), batch.out);
-        }
-        if (next)
-            OnNextModal(next);
-        click(dialog, "OK");
+    OnNextModal([&batch, next](QWidget* dialog) {
+        ASSERT_TRUE(qobject_cast<RunCmdDlg*>(dialog));
+        GuiDriver::AnswerRunTabs(
+            dialog, [&](const QString& title) { return title == "Scene folders" ? batch.scenes : batch.out; }, next);
     });
-}
-
-// Closes the next message box with OK, keeping its text.
-std::function<void(QWidget*)> readMessage(QString* text)
-{
-    return [text](QWidget* w) {
-        auto* box = qobject_cast<QMessageBox*>(w);
-        ASSERT_TRUE(box);
-        *text = box->text();
-        box->button(QMessageBox::Ok) ? box->button(QMessageBox::Ok)->click() : box->buttons().first()->click();
-    };
 }
 
 } // namespace
@@ -83,23 +35,23 @@ TEST(ClusterExportWindow, AsksTheInputsAndAFolderWritesTheWorkflowAndTellsTheCom
     ASSERT_TRUE(exportAction);
 
     // Not while a run goes on.
-    QString said;
+    GuiDriver::Message said;
     answerInputs(batch, nullptr);
     GuiDriver::Action(&window, "Run")->trigger();
     ASSERT_EQ(window.GetSequenceControl()->GetState(), SequenceControl::Running);
-    OnNextModal(readMessage(&said));
+    GuiDriver::AnswerMessage(&said);
     exportAction->trigger();
-    EXPECT_EQ(said, "The model is running: export it when the run has ended.");
+    EXPECT_EQ(said.text, "The model is running: export it when the run has ended.");
     ASSERT_TRUE(TestSupport::WaitUntil([&] { return window.GetSequenceControl()->GetState() == SequenceControl::Idle; }, 60000));
 
     const QString flow = batch.dir.filePath("flow");
     QDir().mkpath(flow);
     answerInputs(batch, [&](QWidget* picker) {
-        OnNextModal(readMessage(&said));
-        pick(picker, flow);
+        GuiDriver::AnswerMessage(&said);
+        GuiDriver::PickPath(picker, flow);
     });
     exportAction->trigger();
-    EXPECT_EQ(said, "The workflow is written. Run it on this machine with:\n\nsnakemake --profile " + flow + "/profiles/local");
+    EXPECT_EQ(said.text, "The workflow is written. Run it on this machine with:\n\nsnakemake --profile " + flow + "/profiles/local");
     const QString snakefile = QString::fromUtf8(TestSupport::ReadAll(flow + "/Snakefile"));
     EXPECT_TRUE(snakefile.contains("\"" + TestSupport::MbrunPath() + "\"")) << qPrintable(snakefile);
     EXPECT_TRUE(snakefile.contains(batch.scenes)) << qPrintable(snakefile);

@@ -24,8 +24,6 @@
 #include <QDialog>
 #include <QFile>
 #include <QLineEdit>
-#include <QMenu>
-#include <QMenuBar>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
@@ -38,15 +36,6 @@
 
 using namespace Plugin;
 using GuiDriver::OnNextModal;
-
-namespace {
-
-void use(ModelControler& window, const char* caption)
-{
-    GuiDriver::Action(&window, caption)->trigger();
-}
-
-} // namespace
 
 class History : public ::testing::Test
 {
@@ -73,15 +62,7 @@ public:
         QTest::keyClick(target->GetView()->viewport(), Qt::Key(key), modifiers);
     }
     void use(const char* caption) { GuiDriver::Action(window.get(), caption)->trigger(); }
-    // The texts of the Edit menu's entries.
-    QStringList editMenu()
-    {
-        QStringList texts;
-        for (QAction* menu : window->menuBar()->actions())
-            for (QAction* entry : menu->text() == "Edit" ? menu->menu()->actions() : QList<QAction*>())
-                texts << entry->text();
-        return texts;
-    }
+    QStringList editMenu() { return GuiDriver::MenuEntries(window.get(), "Edit"); }
     // The model as a save would write it.
     QByteArray saved(ModelControler& w)
     {
@@ -206,6 +187,7 @@ TEST(WholeWork, FromAnExampleToASavedModelThatRan)
     window.SetModelName("work");
     APCModel* model = window.GetDocument();
     CanvasDriver::Mouse mouse(window);
+    const auto use = [&](const char* caption) { GuiDriver::Action(&window, caption)->trigger(); };
 
     // 1. A conversion dropped from the tool box beside the NDVI step.
     ASSERT_TRUE(CanvasDriver::DropAlgo(window, "Convert raster", "raster.translate", QPointF(300, 0)));
@@ -220,11 +202,11 @@ TEST(WholeWork, FromAnExampleToASavedModelThatRan)
     const QString ownInputId = ownInput->GetName();
     const int arrows = model->GetArrows().size();
     mouse.Click(mouse.At(ownInput));
-    use(window, "Delete"); // the var, and its arrow with it
+    use("Delete"); // the var, and its arrow with it
     EXPECT_FALSE(model->FindVar(ownInputId));
     EXPECT_EQ(model->GetArrows().size(), arrows - 1);
     ASSERT_TRUE(step->GetParameter("In File").value.isEmpty());
-    use(window, "Connect");
+    use("Connect");
     OnNextModal([](QWidget* arrowDialog) {
         // The user picks the step's input among its parameters.
         auto* parameter = arrowDialog->findChild<QComboBox*>("headParameter");
@@ -238,7 +220,7 @@ TEST(WholeWork, FromAnExampleToASavedModelThatRan)
     EXPECT_EQ(step->GetParameter("In File").value, "%" + ndvi->GetName() + "%");
 
     // 3. Its output given a file name through the var dialog.
-    use(window, "Select");
+    use("Select");
     APCVar* converted = TestSupport::VarOf(*model, step, "Out File");
     ASSERT_TRUE(converted);
     const QString output = dir.filePath("converted.tif");
@@ -262,15 +244,11 @@ TEST(WholeWork, FromAnExampleToASavedModelThatRan)
             stepStates.insert(status);
     });
     OnNextModal([&](QWidget* runDialog) {
-        auto* tabs = runDialog->findChild<QTabWidget*>();
-        for (int i = 0; i < tabs->count(); ++i) {
-            tabs->setCurrentIndex(i);
-            QTest::keyClicks(tabs->widget(i)->findChild<QLineEdit*>(),
-                             tabs->tabText(i) == "Scene" ? scene : dir.filePath("ndvi.tif"));
-        }
-        GuiDriver::Click(runDialog, "okButton");
+        GuiDriver::AnswerRunTabs(runDialog, [&](const QString& title) {
+            return title == "Scene" ? scene : dir.filePath("ndvi.tif");
+        });
     });
-    use(window, "Run");
+    use("Run");
     ASSERT_TRUE(TestSupport::WaitUntil([&] { return window.GetSequenceControl()->GetState() == SequenceControl::Idle; }, 60000));
     const QString log = window.GetSequenceControl()->GetLog()->GetLogText();
     EXPECT_TRUE(log.contains("Succeed: 2, Fail: 0")) << qPrintable(log);
@@ -278,7 +256,7 @@ TEST(WholeWork, FromAnExampleToASavedModelThatRan)
     EXPECT_TRUE(QFile::exists(output));
 
     // 5. Saved, reopened: the same model.
-    use(window, "Save");
+    use("Save");
     EXPECT_FALSE(window.IsModified());
     TestSupport::HeadlessModel reread;
     ASSERT_TRUE(reread.LoadFile(path));

@@ -17,11 +17,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QImage>
-#include <QLineEdit>
-#include <QMenu>
-#include <QMenuBar>
 #include <QTemporaryDir>
-#include <QTest>
 #include <gtest/gtest.h>
 
 using namespace Plugin;
@@ -29,23 +25,6 @@ using GuiDriver::Action;
 using GuiDriver::OnNextModal;
 
 namespace {
-
-QMenu* menu(ModelControler& window, const QString& title)
-{
-    for (QAction* a : window.menuBar()->actions())
-        if (a->text() == title)
-            return a->menu();
-    ADD_FAILURE() << "no menu " << title.toStdString();
-    return nullptr;
-}
-
-QStringList entries(QMenu* menu)
-{
-    QStringList texts;
-    for (QAction* a : menu->actions())
-        texts << a->text();
-    return texts;
-}
 
 // The shipped example models, copied where a save may write.
 QStringList copiedExamples(const QTemporaryDir& dir)
@@ -80,10 +59,7 @@ void saveAs(const QString& name, const QString& filter)
         EXPECT_EQ(dialog->acceptMode(), QFileDialog::AcceptSave);
         EXPECT_EQ(dialog->nameFilters(), QStringList({"SVG picture (*.svg)", "PNG picture (*.png)", "PDF document (*.pdf)"}));
         dialog->selectNameFilter(filter);
-        auto* edit = dialog->findChild<QLineEdit*>("fileNameEdit");
-        ASSERT_NE(edit, nullptr);
-        edit->setText(name);
-        QTest::keyClick(edit, Qt::Key_Return);
+        GuiDriver::PickPath(dialog, name);
     });
 }
 
@@ -99,10 +75,10 @@ TEST(AutoLayout, LaysTheExamplesOutLeftToRightWithoutOverlapsAsOneSavedEdit)
         {
             ModelControler window(path, false);
             // A new last entry; the menu's own stay as they were.
-            EXPECT_EQ(entries(menu(window, "View")),
+            EXPECT_EQ(GuiDriver::MenuEntries(&window, "View"),
                       QStringList({"Full Extent", "1:1", "Fixed Zoom In", "Fixed Zoom Out", "Auto Layout"}));
             ModelCommandManager::Instance()->OnUpdateState();
-            QAction* layout = menu(window, "View")->actions().last();
+            QAction* layout = Action(&window, "Auto Layout");
             ASSERT_TRUE(layout->isEnabled());
             layout->trigger();
             EXPECT_TRUE(window.IsModified());
@@ -152,8 +128,7 @@ TEST(ExportPicture, WritesTheWholeModelInTheChosenFormatAndLeavesTheWindowAsItWa
     // Zoomed in: most of the model lies outside the view.
     for (int i = 0; i < 3; ++i)
         Action(&window, "Fixed Zoom In")->trigger();
-    QStringList modelEntries = entries(menu(window, "Model"));
-    EXPECT_EQ(modelEntries, QStringList({"Save", "Save As", "Validate Entire Model", "Run", "Pause", "Stop", "Print", "Export for a cluster..."}));
+    EXPECT_EQ(GuiDriver::MenuEntries(&window, "Model"), QStringList({"Save", "Save As", "Validate Entire Model", "Run", "Pause", "Stop", "Print", "Export for a cluster..."}));
     QGraphicsItem* chosen = window.FindItem(window.GetDocument()->GetProcesses().value(1));
     chosen->setSelected(true);
 

@@ -3,7 +3,6 @@
 #include "HostCatalogGui/DataTypeFactory.h"
 #include "HostCatalogGui/DataTypeWidget.h"
 #include "dialogs/RunCmdDlg.h"
-#include "editor/GraphicsItemBase.h"
 #include "editor/ModelCommandManager.h"
 #include "editor/ModelControler.h"
 #include "editor/ModelScene.h"
@@ -22,11 +21,8 @@
 #include <QClipboard>
 #include <QDir>
 #include <QDockWidget>
-#include <QFileDialog>
 #include <QGraphicsItem>
 #include <QLineEdit>
-#include <QMenuBar>
-#include <QMessageBox>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
@@ -64,10 +60,7 @@ TEST_F(ModelWindow, MenusAndEnableRulesFollowTheWindowAndTheRun)
 {
     ModelControler window(path(), false);
     EXPECT_EQ(window.windowTitle(), "Model Builder");
-    QStringList menus;
-    for (QAction* a : window.menuBar()->actions())
-        menus << a->text();
-    EXPECT_EQ(menus, QStringList({"Model", "Edit", "Insert", "View"}));
+    EXPECT_EQ(GuiDriver::MenuEntries(&window), QStringList({"Model", "Edit", "Insert", "View"}));
     EXPECT_EQ(Action(&window, "Delete")->shortcut(), QKeySequence(QKeySequence::Delete));
     EXPECT_EQ(manager->FindCommand(Action(&window, "Select")), window.GetCurrentTool());
     EXPECT_FALSE(window.findChild<QDockWidget*>()->isVisible());
@@ -127,7 +120,7 @@ TEST_F(ModelWindow, SaveOnAFullDiskKeepsTheOldFileWhole)
 
 
 
-TEST(RunDialog, RefusesAnEmptyTabByItsTitleAndTakesBlanks)
+TEST(RunDialog, RefusesAnEmptyTabByItsTitleTakesBlanksAndCancels)
 {
     RunCmdDlg dialog(nullptr);
     EXPECT_EQ(dialog.windowTitle(), "Run");
@@ -158,10 +151,7 @@ TEST(RunDialog, RefusesAnEmptyTabByItsTitleAndTakesBlanks)
         GuiDriver::ClickText(&dialog, "OK");
     });
     EXPECT_EQ(dialog.exec(), QDialog::Accepted);
-}
 
-TEST(RunDialog, CancelRejects)
-{
     RunCmdDlg cancelled(nullptr);
     QTimer::singleShot(0, [&] { GuiDriver::ClickText(&cancelled, "Cancel"); });
     EXPECT_EQ(cancelled.exec(), QDialog::Rejected);
@@ -184,35 +174,14 @@ TEST(RunDialog, EveryShippedModelRunsFromItsWindow)
         SCOPED_TRACE(c.model);
         ModelControler window(models + c.model, false);
         window.SetModelName(c.model);
-        OnNextModal([&](QWidget* w) {
-            auto* dialog = qobject_cast<RunCmdDlg*>(w);
-            ASSERT_TRUE(dialog);
-            auto* tabs = dialog->findChild<QTabWidget*>();
-            for (int i = 0; i < tabs->count(); ++i) {
-                tabs->setCurrentIndex(i);
-                const QString title = tabs->tabText(i);
-                QWidget* page = tabs->widget(i);
-                if (title == "Scene folders") {
-                    // Add... asks for a folder; the user picks the scenes.
-                    OnNextModal([&](QWidget* picker) {
-                        auto* files = qobject_cast<QFileDialog*>(picker);
-                        ASSERT_TRUE(files);
-                        auto* name = files->findChild<QLineEdit*>("fileNameEdit");
-                        ASSERT_TRUE(name);
-                        name->setText(scenes);
-                        QTest::keyClick(name, Qt::Key_Return);
-                    });
-                    GuiDriver::ClickText(page, "Add...");
-                    continue;
-                }
-                auto* edit = page->findChild<QLineEdit*>();
-                ASSERT_TRUE(edit) << title.toStdString();
-                const QString value = title == "Scene" ? scenes + "/scene_01.tif"
-                                    : title == "NDVI file" ? out.filePath("one.tif")
-                                                           : out.path();
-                QTest::keyClicks(edit, value);
-            }
-            GuiDriver::ClickText(dialog, "OK");
+        OnNextModal([&](QWidget* dialog) {
+            ASSERT_TRUE(qobject_cast<RunCmdDlg*>(dialog));
+            GuiDriver::AnswerRunTabs(dialog, [&](const QString& title) {
+                return title == "Scene folders" ? scenes
+                       : title == "Scene"       ? scenes + "/scene_01.tif"
+                       : title == "NDVI file"   ? out.filePath("one.tif")
+                                                : out.path();
+            });
         });
         GuiDriver::Action(&window, "Run")->trigger();
         ASSERT_TRUE(TestSupport::WaitUntil([&] { return window.GetSequenceControl()->GetState() == 0; }, 60000));

@@ -28,7 +28,6 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
-#include <QFileDialog>
 #include <QGraphicsItem>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -324,10 +323,7 @@ TEST_F(ObjectDialogs, IteratorFoldersAndFilterReachItsParametersAndItsOutputsFol
         const int result = runAndApply(dialog, [&] {
             auto* folders = Child<QWidget>(&dialog, "directoryWidget");
             Click(folders, "useRows");
-            OnNextModal([&](QWidget* picker) {
-                qobject_cast<QFileDialog*>(picker)->setDirectory(scenes);
-                static_cast<QDialog*>(picker)->accept();
-            });
+            GuiDriver::PickFolder(scenes);
             Click(folders, "add");
             auto* filter = Child<QWidget>(&dialog, "filterWidget");
             c.editFilter(Child<QTableWidget>(filter, "table"), filter);
@@ -361,10 +357,7 @@ TEST_F(ObjectDialogs, FoldersPickedOverALinkedParameterAreEmptiedByTheUpdate)
     const int result = runAndApply(dialog, [&] {
         auto* folders = Child<QWidget>(&dialog, "directoryWidget");
         Click(folders, "useRows");
-        OnNextModal([&](QWidget* picker) {
-            qobject_cast<QFileDialog*>(picker)->setDirectory(dir.filePath("scenes"));
-            static_cast<QDialog*>(picker)->accept();
-        });
+        GuiDriver::PickFolder(dir.filePath("scenes"));
         Click(folders, "add");
         Click(&dialog, "okButton");
     });
@@ -512,7 +505,16 @@ QGraphicsItem* itemOfKind(ModelControler& window, const QString& kind)
     return nullptr;
 }
 
-// Double-clicks the item where nothing else covers it and names the modal that opens.
+// Double-clicks the item where nothing else covers it.
+void doubleClick(ModelControler& window, QGraphicsItem* item)
+{
+    ModelView* view = window.GetView();
+    view->centerOn(item);
+    QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier,
+                       view->mapFromScene(item->sceneBoundingRect().center()));
+}
+
+// Double-clicks the item and names the modal that opens.
 QString dialogOnDoubleClick(ModelControler& window, QGraphicsItem* item)
 {
     QString opened;
@@ -520,10 +522,7 @@ QString dialogOnDoubleClick(ModelControler& window, QGraphicsItem* item)
         opened = modal->metaObject()->className();
         modal->close();
     });
-    ModelView* view = window.GetView();
-    view->centerOn(item);
-    const QPoint at = view->mapFromScene(item->sceneBoundingRect().center());
-    QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    doubleClick(window, item);
     return opened;
 }
 
@@ -571,9 +570,7 @@ TEST(DoubleClick, NoDialogLayoutOrUndoWhileARunGoesOn)
             modal->close();
         }
     });
-    ModelView* view = window.GetView();
-    QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier,
-                       view->mapFromScene(item->sceneBoundingRect().center()));
+    doubleClick(window, item);
     QTest::qWait(600);
     EXPECT_FALSE(opened);
     EXPECT_TRUE(TestSupport::WaitUntil([&] { return window.GetSequenceControl()->GetState() == SequenceControl::Idle; }));
@@ -608,10 +605,7 @@ TEST(DoubleClick, AnAcceptedFormChangesTheModelOnlyWhenItMayBeEdited)
                 if (button->text() == "OK")
                     QTest::mouseClick(button, Qt::LeftButton);
         });
-        ModelView* view = window->GetView();
-        view->centerOn(item);
-        QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier,
-                           view->mapFromScene(item->sceneBoundingRect().center()));
+        doubleClick(*window, item);
         EXPECT_EQ(algo->GetParameter("Red Band").value, c.applied ? "5" : "3") << qPrintable(algo->DialogText());
         EXPECT_EQ(window->IsModified(), c.applied);
     }

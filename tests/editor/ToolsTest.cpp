@@ -70,8 +70,6 @@ protected:
     ModelScene* scene() { return window->GetScene(); }
     APCModel* model() { return window->GetDocument(); }
     QGraphicsItem* item(const QString& id) { return dynamic_cast<QGraphicsItem*>(window->FindItemBaseById(id)); }
-    QPoint at(const QPointF& scenePos) { return mouse.At(scenePos); }
-    QPoint at(const QString& id) { return mouse.At(id); }
     // Bands and lines a tool has up: scene items that show no object.
     int strayItems() { return scene()->items().size() - scene()->GetItems().size(); }
     QGraphicsItem* firstStray()
@@ -82,10 +80,6 @@ protected:
         return nullptr;
     }
     void use(const char* caption) { GuiDriver::Action(window.get(), caption)->trigger(); }
-    void move(const QPoint& to, Qt::MouseButtons buttons) { mouse.Move(to, buttons); }
-    void press(const QPoint& p) { mouse.Press(p); }
-    void release(const QPoint& p) { mouse.Release(p); }
-    void drag(const QPoint& from, const QPoint& to) { mouse.Drag(from, to); }
 
     CanvasDriver::Mouse mouse;
     QTemporaryDir dir;
@@ -98,12 +92,12 @@ TEST_F(Tools, EachStepOfADragIsWrittenBackSoTheModelLagsByTheLastStep)
     int changes = 0;
     boost::signals2::scoped_connection counting = model()->varChanged.connect([&](APCVar*) { ++changes; });
 
-    const QPoint from = at("{in}");
-    move(from, Qt::NoButton);
-    press(from);
+    const QPoint from = mouse.At("{in}");
+    mouse.Move(from);
+    mouse.Press(from);
     for (int i = 1; i <= 4; ++i)
-        move(from + QPoint(10 * i, 5 * i), Qt::LeftButton);
-    release(from + QPoint(40, 20));
+        mouse.Move(from + QPoint(10 * i, 5 * i), Qt::LeftButton);
+    mouse.Release(from + QPoint(40, 20));
     EXPECT_EQ(item("{in}")->pos(), QPointF(40, -130)); // the view follows the pointer
     EXPECT_EQ(in->GetPos(), QPointF(30, -135));        // the model holds the place before the last step
     EXPECT_EQ(changes, 4);                             // one edit per step
@@ -130,19 +124,19 @@ TEST_F(Tools, HandlesResizeTheOneSelectedItemAboutTheOppositePoint)
         SCOPED_TRACE(c.name);
         Open(false);
         QGraphicsItem* step = item("{step}");
-        drag(at("{step}"), at("{step}")); // a click selects it
+        mouse.Drag(mouse.At("{step}"), mouse.At("{step}")); // a click selects it
         ASSERT_EQ(scene()->selectedItems(), QList<QGraphicsItem*>{step});
 
-        const QPoint grip = at(step->mapToScene(c.handle));
-        move(grip, Qt::NoButton);
+        const QPoint grip = mouse.At(step->mapToScene(c.handle));
+        mouse.Move(grip);
         EXPECT_EQ(view()->cursor().shape(), c.cursor);
-        press(grip);
-        move(grip + c.pull / 2, Qt::LeftButton);
-        move(grip + c.pull, Qt::LeftButton);
+        mouse.Press(grip);
+        mouse.Move(grip + c.pull / 2, Qt::LeftButton);
+        mouse.Move(grip + c.pull, Qt::LeftButton);
         EXPECT_EQ(strayItems(), 1); // the band shows the new size
         EXPECT_FALSE(window->IsModified());
         const QPointF centre = step->pos();
-        release(grip + c.pull);
+        mouse.Release(grip + c.pull);
 
         const QSizeF size = static_cast<QGraphicsRectItem*>(step)->rect().size();
         EXPECT_NEAR(size.width(), c.size.width(), 2);
@@ -165,16 +159,16 @@ TEST_F(Tools, AReadOnlyModelIsNeitherMovedResizedNorConnected)
     Open(true);
     QGraphicsItem* step = item("{step}");
     const QRectF before = step->sceneBoundingRect();
-    drag(at("{step}"), at("{step}") + QPoint(30, 20));
+    mouse.Drag(mouse.At("{step}"), mouse.At("{step}") + QPoint(30, 20));
     EXPECT_EQ(step->sceneBoundingRect(), before);
     step->setSelected(true);
-    const QPoint grip = at(step->mapToScene(QPointF(40.5, 20.5)));
-    drag(grip, grip + QPoint(60, 60));
+    const QPoint grip = mouse.At(step->mapToScene(QPointF(40.5, 20.5)));
+    mouse.Drag(grip, grip + QPoint(60, 60));
     EXPECT_EQ(step->sceneBoundingRect(), before);
 
     use("Connect");
     ModalWatch watch;
-    drag(at("{other}"), at("{step}"));
+    mouse.Drag(mouse.At("{other}"), mouse.At("{step}"));
     EXPECT_EQ(watch.opened, 0);
     EXPECT_EQ(model()->GetArrows().size(), 1);
     EXPECT_EQ(strayItems(), 0);
@@ -196,7 +190,7 @@ TEST_F(Tools, ConnectJoinsAVarAndAStepThroughTheArrowDialog)
         SCOPED_TRACE(c.name);
         Open(false);
         use("Connect");
-        const QPoint to = c.to ? at(c.to) : at(QPointF(0, 250));
+        const QPoint to = c.to ? mouse.At(c.to) : mouse.At(QPointF(0, 250));
         QString dialog;
         std::unique_ptr<ModalWatch> watch;
         if (c.joins)
@@ -206,7 +200,7 @@ TEST_F(Tools, ConnectJoinsAVarAndAStepThroughTheArrowDialog)
             });
         else
             watch = std::make_unique<ModalWatch>();
-        drag(at(c.from), to);
+        mouse.Drag(mouse.At(c.from), to);
         if (c.joins) // the dialog, or the driver's failure when none opened
             TestSupport::WaitUntil([&] { return !dialog.isEmpty(); }, 6000);
 
@@ -236,16 +230,16 @@ TEST_F(Tools, ASecondPressReusesABandButLeavesTheFirstConnectLineBehind)
         SCOPED_TRACE(c.tool);
         Open(false);
         use(c.tool);
-        const QPoint start = at(QPointF(-120, 150)); // over nothing
-        move(start, Qt::NoButton);
-        press(start);
-        move(start + QPoint(40, 30), Qt::LeftButton);
-        press(start + QPoint(40, 30)); // a second press: the release of the first was lost
-        move(start + QPoint(60, 50), Qt::LeftButton);
+        const QPoint start = mouse.At(QPointF(-120, 150)); // over nothing
+        mouse.Move(start);
+        mouse.Press(start);
+        mouse.Move(start + QPoint(40, 30), Qt::LeftButton);
+        mouse.Press(start + QPoint(40, 30)); // a second press: the release of the first was lost
+        mouse.Move(start + QPoint(60, 50), Qt::LeftButton);
         EXPECT_EQ(strayItems(), c.afterSecondPress);
         use("Pan"); // a switch in mid-drag drops what the tool has up
         EXPECT_EQ(strayItems(), c.afterSwitch);
-        release(start + QPoint(60, 50));
+        mouse.Release(start + QPoint(60, 50));
         EXPECT_EQ(strayItems(), c.afterSwitch);
         EXPECT_EQ(scene()->GetScale(), 1.0);
         EXPECT_FALSE(window->IsModified());
@@ -259,18 +253,18 @@ TEST_F(Tools, AZoomClickZoomsNothingAndLeavesItsEmptyBandForTheNextPressWhichSto
         Open(false);
         use(tool);
         const QPoint start = viewport()->rect().center();
-        drag(start, start);
+        mouse.Drag(start, start);
         EXPECT_EQ(scene()->GetScale(), 1.0);
         ASSERT_EQ(strayItems(), 1);
         QGraphicsItem* band = firstStray();
         EXPECT_TRUE(band->boundingRect().width() <= 1.0 && band->boundingRect().height() <= 1.0);
         // The next gesture draws with that band and then takes it down.
-        move(start + QPoint(-30, -30), Qt::NoButton);
-        press(start + QPoint(-30, -30));
-        move(start + QPoint(-10, -10), Qt::LeftButton);
+        mouse.Move(start + QPoint(-30, -30));
+        mouse.Press(start + QPoint(-30, -30));
+        mouse.Move(start + QPoint(-10, -10), Qt::LeftButton);
         EXPECT_EQ(strayItems(), 1);
         EXPECT_EQ(firstStray(), band);
-        release(start + QPoint(-10, -10));
+        mouse.Release(start + QPoint(-10, -10));
         // A small box zooms in up to 5, out down to 0.2.
         EXPECT_DOUBLE_EQ(scene()->GetScale(), QByteArray(tool) == "Zoom In" ? 5.0 : 0.2);
         EXPECT_EQ(strayItems(), 0);
@@ -279,7 +273,7 @@ TEST_F(Tools, AZoomClickZoomsNothingAndLeavesItsEmptyBandForTheNextPressWhichSto
 
 TEST_F(Tools, ABandSelectsWhatItTouchesAndGoesAway)
 {
-    drag(at(QPointF(-120, -200)), at(QPointF(40, 10)));
+    mouse.Drag(mouse.At(QPointF(-120, -200)), mouse.At(QPointF(40, 10)));
     QStringList selected;
     for (QGraphicsItem* it : scene()->selectedItems())
         if (it->type() != ArrowGraphics::Type)
@@ -299,7 +293,7 @@ TEST_F(Tools, PanScrollsTheViewAndMovesNoItem)
     QScrollBar* bar = view()->horizontalScrollBar();
     const int before = bar->value();
     const QPoint middle = viewport()->rect().center();
-    drag(middle, middle - QPoint(100, 0));
+    mouse.Drag(middle, middle - QPoint(100, 0));
     EXPECT_EQ(bar->value(), before + 100);
     EXPECT_EQ(view()->dragMode(), QGraphicsView::NoDrag);
     EXPECT_EQ(item("{step}")->pos(), QPointF(0, 0));

@@ -28,7 +28,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextEdit>
-#include <QTimer>
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -36,17 +35,10 @@
 using namespace Plugin;
 using GuiDriver::OnNextModal;
 using GuiDriver::Child;
+using GuiDriver::Click;
 using GuiDriver::Retype;
 
 namespace {
-
-void clickButton(QWidget* root, const char* name)
-{
-    auto* button = root->findChild<QAbstractButton*>(QLatin1String(name));
-    ASSERT_NE(button, nullptr) << name;
-    ASSERT_TRUE(button->isVisible() && button->isEnabled()) << name;
-    QTest::mouseClick(button, Qt::LeftButton);
-}
 
 // Clicks the row whose text is text, as a user does (the list must be on screen).
 void clickRow(QListWidget* list, const QString& text)
@@ -154,16 +146,11 @@ TEST(FunctionDialog, ListsFunctionsAndVarsAndPutsAVarReferenceAtTheCursor)
     const QPoint at = rowCentre("Input");
     QTest::mousePress(vars->viewport(), Qt::RightButton, {}, at);
     QStringList entries;
-    QTimer menuWatch; // goes with the test, so it cannot fire into a later one
-    menuWatch.setSingleShot(true);
-    QObject::connect(&menuWatch, &QTimer::timeout, [&entries] {
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        ASSERT_NE(menu, nullptr);
+    GuiDriver::OnNextPopup(nullptr, [&entries](QMenu* menu) {
         for (QAction* a : menu->actions())
             entries << a->text();
         QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(menu->actions().first()).center());
     });
-    menuWatch.start(0);
     QContextMenuEvent event(QContextMenuEvent::Mouse, at, vars->viewport()->mapToGlobal(at));
     QApplication::sendEvent(vars->viewport(), &event);
     EXPECT_EQ(entries, QStringList({"Insert reference"}));
@@ -196,11 +183,11 @@ TEST(FunctionDialog, OkTakesWhatParsesOrIsEmptyAndRefusesTheRest)
             Retype(edit, c.text);
             ASSERT_EQ(edit->toPlainText(), c.text);
             if (c.accepted) {
-                clickButton(d, "okButton");
+                Click(d, "okButton");
                 return;
             }
             GuiDriver::AnswerMessage(&message);
-            clickButton(d, "okButton");
+            Click(d, "okButton");
             EXPECT_EQ(message.shown, 1);
             EXPECT_EQ(message.title, "Error");
             EXPECT_EQ(message.text, "The function is error!");
@@ -209,7 +196,7 @@ TEST(FunctionDialog, OkTakesWhatParsesOrIsEmptyAndRefusesTheRest)
             EXPECT_EQ(dialog.GetExpression(), c.text);
             // The user mends the text and tries again.
             Retype(edit, "$ReplaceExtension('c:/test/x.tif', 'xml')");
-            clickButton(d, "okButton");
+            Click(d, "okButton");
         });
         EXPECT_EQ(result, QDialog::Accepted);
         EXPECT_EQ(message.shown, c.accepted ? 0 : 1);
@@ -269,7 +256,7 @@ TEST_F(VarDialog, ApplyWritesWhatTheUserChoseAndTellsTheModel)
     const std::vector<Case> cases = {
         {"a constant made computed keeps its value", fresh,
          [](QDialog* d) {
-             clickButton(d, "varRadio");
+             Click(d, "varRadio");
              Retype(Child<QLineEdit>(d, "expressionEdit"), "$ReplaceExtension(%{src}%, 'xml')");
          },
          false, "v", "$ReplaceExtension(%{src}%, 'xml')", "Fresh", "c:/test/x.xml"},
@@ -287,12 +274,12 @@ TEST_F(VarDialog, ApplyWritesWhatTheUserChoseAndTellsTheModel)
              EXPECT_TRUE(expression->isEnabled() && dots->isEnabled());
              EXPECT_FALSE(valueWidget(d)->isEnabled());
              EXPECT_EQ(valueWidget(d)->GetValue(), "c:/old/value.tif");
-             clickButton(d, "constRadio");
+             Click(d, "constRadio");
              EXPECT_TRUE(valueWidget(d)->isEnabled());
              EXPECT_FALSE(expression->isEnabled() || dots->isEnabled());
              EXPECT_FALSE(Child<QRadioButton>(d, "varRadio")->isChecked());
              typeValue(d, "c:/fixed.tif");
-             clickButton(d, "varRadio");
+             Click(d, "varRadio");
              EXPECT_FALSE(valueWidget(d)->isEnabled());
              EXPECT_TRUE(expression->isEnabled() && dots->isEnabled());
              EXPECT_EQ(expression->text(), appended); // came back with the mode
@@ -300,7 +287,7 @@ TEST_F(VarDialog, ApplyWritesWhatTheUserChoseAndTellsTheModel)
          false, "c:/old/value.tif", appended, "Output", ""},
         {"computed to Constant", computed,
          [&](QDialog* d) {
-             clickButton(d, "constRadio");
+             Click(d, "constRadio");
              typeValue(d, "c:/fixed.tif");
          },
          true, "c:/fixed.tif", appended, "Output", ""},
@@ -311,7 +298,7 @@ TEST_F(VarDialog, ApplyWritesWhatTheUserChoseAndTellsTheModel)
         APCVarDlg dialog(c.var, nullptr);
         const int result = runModal(dialog, [&](QDialog* d) {
             c.edit(d);
-            clickButton(d, "okButton");
+            Click(d, "okButton");
         });
         ASSERT_EQ(result, QDialog::Accepted);
         EXPECT_TRUE(changed.isEmpty()); // not before Apply
@@ -335,7 +322,7 @@ TEST_F(VarDialog, ApplyWritesWhatTheUserChoseAndTellsTheModel)
     const int result = runModal(again, [](QDialog* d) {
         EXPECT_EQ(Child<QLineEdit>(d, "expressionEdit")->text(), "");
         Retype(Child<QLineEdit>(d, "descriptionEdit"), "Renamed");
-        clickButton(d, "cancelButton");
+        Click(d, "cancelButton");
     });
     EXPECT_EQ(result, QDialog::Rejected);
     EXPECT_EQ(computed->GetDescription(), "Output");
@@ -368,11 +355,11 @@ TEST_F(VarDialog, DotsOpenTheFunctionDialogAndOnlyItsOkChangesTheExpression)
                 EXPECT_EQ(rowTexts(Child<QListWidget>(f, "varList")), QStringList({"Kept", "Output", "Scene"}));
                 EXPECT_EQ(Child<QListWidget>(f, "functionList")->count(), APCFun::GetFunctionList().size());
                 Retype(Child<QTextEdit>(f, "expressionEdit"), c.typed);
-                clickButton(f, c.ok ? "okButton" : "cancelButton");
+                Click(f, c.ok ? "okButton" : "cancelButton");
             });
-            clickButton(d, "funcButton");
+            Click(d, "funcButton");
             EXPECT_EQ(expression->text(), c.expected);
-            clickButton(d, "okButton");
+            Click(d, "okButton");
         });
         ASSERT_EQ(result, QDialog::Accepted);
         dialog.Apply();
@@ -383,25 +370,17 @@ TEST_F(VarDialog, DotsOpenTheFunctionDialogAndOnlyItsOkChangesTheExpression)
 }
 
 // ---------------------------------------------------------------------------
-// VarAddDlg
-
-// ---------------------------------------------------------------------------
 // In a window: Add Variable
 
-class VarsInWindow : public ::testing::Test
+TEST(VarsInWindow, AddsAVarOfTheChosenTypeAtTheFixedPoint)
 {
-protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(TestSupport::WriteAll(dir.filePath("m.apc"), TestSupport::kStepAndThreeVars));
-    }
-
-    // Clicks "Add Variable" in window; act is what the user does in the dialog.
-    static void addVariable(ModelControler& window, std::function<void(QDialog*)> act)
-    {
+    QTemporaryDir dir;
+    ASSERT_TRUE(TestSupport::WriteAll(dir.filePath("m.apc"), TestSupport::kStepAndThreeVars));
+    ModelControler window(dir.filePath("m.apc"), false);
+    // Clicks "Add Variable"; act is what the user does in the dialog.
+    const auto addVariable = [&window](std::function<void(QDialog*)> act) {
         QAction* action = GuiDriver::Action(&window, "Add Variable");
-        ASSERT_NE(action, nullptr);
-        ASSERT_TRUE(action->isEnabled());
+        ASSERT_TRUE(action && action->isEnabled());
         OnNextModal([&window, act](QWidget* w) {
             auto* dialog = qobject_cast<VarAddDlg*>(w);
             ASSERT_NE(dialog, nullptr);
@@ -409,14 +388,7 @@ protected:
             act(dialog);
         });
         action->trigger();
-    }
-
-    QTemporaryDir dir;
-};
-
-TEST_F(VarsInWindow, AddsAVarOfTheChosenTypeAtTheFixedPoint)
-{
-    ModelControler window(dir.filePath("m.apc"), false);
+    };
     QList<APCVar*>& vars = window.GetDocument()->GetVars();
     int expectedCount = vars.size();
     ASSERT_FALSE(window.IsModified());
@@ -430,13 +402,13 @@ TEST_F(VarsInWindow, AddsAVarOfTheChosenTypeAtTheFixedPoint)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        addVariable(window, [&](QDialog* d) {
+        addVariable([&](QDialog* d) {
             auto* list = Child<QListWidget>(d, "typeList");
             if (c.noRowFirst) {
                 list->setCurrentRow(-1);
                 GuiDriver::Message message;
                 GuiDriver::AnswerMessage(&message);
-                clickButton(d, "okButton");
+                Click(d, "okButton");
                 EXPECT_EQ(message.shown, 1);
                 EXPECT_EQ(message.title, "Error");
                 EXPECT_EQ(message.text, "Not selected!");
@@ -446,7 +418,7 @@ TEST_F(VarsInWindow, AddsAVarOfTheChosenTypeAtTheFixedPoint)
             }
             if (c.row)
                 clickRow(list, c.row);
-            clickButton(d, "okButton");
+            Click(d, "okButton");
         });
         ASSERT_EQ(vars.size(), ++expectedCount);
         APCVar* added = vars.last();
@@ -458,7 +430,7 @@ TEST_F(VarsInWindow, AddsAVarOfTheChosenTypeAtTheFixedPoint)
         EXPECT_TRUE(window.IsModified());
         window.SetModified(false);
     }
-    addVariable(window, [](QDialog* d) { clickButton(d, "cancelButton"); });
+    addVariable([](QDialog* d) { Click(d, "cancelButton"); });
     EXPECT_EQ(vars.size(), expectedCount);
     EXPECT_FALSE(window.IsModified());
 }

@@ -4,9 +4,13 @@
 #include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QFileDialog>
 #include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QPointer>
+#include <QTabWidget>
 #include <QTest>
 #include <QTimer>
 #include <gtest/gtest.h>
@@ -60,6 +64,19 @@ QAction* Action(QWidget* window, const QString& caption)
     return nullptr;
 }
 
+QStringList MenuEntries(QWidget* window, const QString& title)
+{
+    QStringList texts;
+    auto* bar = window->findChild<QMenuBar*>();
+    for (QAction* menu : bar ? bar->actions() : QList<QAction*>())
+        if (title.isEmpty())
+            texts << menu->text();
+        else if (menu->text() == title)
+            for (QAction* entry : menu->menu()->actions())
+                texts << entry->text();
+    return texts;
+}
+
 void Click(QWidget* root, const QString& name)
 {
     auto* button = root->findChild<QAbstractButton*>(name);
@@ -102,6 +119,81 @@ void Retype(QWidget* edit, const QString& text)
             QTest::keyClick(edit, Qt::Key_Return);
         QTest::keyClicks(edit, lines[i]);
     }
+}
+
+void PickPath(QWidget* picker, const QString& path)
+{
+    auto* name = picker->findChild<QLineEdit*>("fileNameEdit");
+    ASSERT_TRUE(qobject_cast<QFileDialog*>(picker) && name);
+    name->setText(path);
+    QTest::keyClick(name, Qt::Key_Return);
+}
+
+void PickFolder(const QString& folder)
+{
+    OnNextModal([folder](QWidget* w) {
+        auto* picker = qobject_cast<QFileDialog*>(w);
+        ASSERT_TRUE(picker);
+        EXPECT_EQ(picker->fileMode(), QFileDialog::Directory);
+        picker->setDirectory(folder);
+        static_cast<QDialog*>(picker)->accept();
+    });
+}
+
+void AnswerRunTabs(QWidget* dialog, const std::function<QString(const QString&)>& value,
+                   const std::function<void(QWidget*)>& next)
+{
+    auto* tabs = dialog->findChild<QTabWidget*>();
+    ASSERT_TRUE(tabs);
+    for (int i = 0; i < tabs->count(); ++i) {
+        tabs->setCurrentIndex(i);
+        QWidget* page = tabs->widget(i);
+        const QString title = tabs->tabText(i);
+        if (title == "Scene folders") {
+            OnNextModal([path = value(title)](QWidget* picker) { PickPath(picker, path); });
+            ClickText(page, "Add...");
+            continue;
+        }
+        auto* edit = page->findChild<QLineEdit*>();
+        ASSERT_TRUE(edit) << title.toStdString();
+        QTest::keyClicks(edit, value(title));
+    }
+    if (next)
+        OnNextModal(next);
+    ClickText(dialog, "OK");
+}
+
+void OnNextPopup(QWidget* after, std::function<void(QMenu*)> act)
+{
+    auto* timer = new QTimer;
+    auto ticks = std::make_shared<int>(0);
+    QObject::connect(timer, &QTimer::timeout, [=] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        const bool found = menu && menu != after;
+        if (!found && ++*ticks < 500)
+            return;
+        timer->deleteLater();
+        timer->stop();
+        if (found)
+            act(menu);
+        else
+            ADD_FAILURE() << "no menu opened";
+    });
+    timer->start(10);
+}
+
+void ChooseInMenu(const QStringList& path, QWidget* after)
+{
+    OnNextPopup(after, [path](QMenu* menu) {
+        for (QAction* action : menu->actions())
+            if (action->text() == path.first()) {
+                if (path.size() > 1)
+                    ChooseInMenu(path.mid(1), menu);
+                return QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(action).center());
+            }
+        ADD_FAILURE() << "no entry " << path.first().toStdString();
+        menu->close();
+    });
 }
 
 } // namespace GuiDriver

@@ -9,6 +9,7 @@
 #include <ostream>
 
 class QAction;
+class QMenu;
 class QWidget;
 
 namespace GuiDriver {
@@ -22,6 +23,10 @@ void TypeInto(QWidget* root, const QString& name, const QString& text);
 
 // The action captioned caption among window's (the test fails when there is none).
 QAction* Action(QWidget* window, const QString& caption);
+
+// The captions of the entries of window's menu titled title, or of the menus
+// themselves when title is empty.
+QStringList MenuEntries(QWidget* window, const QString& title = QString());
 
 // Clicks the button named name below root (the test fails when there is none).
 void Click(QWidget* root, const QString& name);
@@ -44,6 +49,24 @@ struct Message
     QStringList buttons;
 };
 void AnswerMessage(Message* message, int button = 0);
+
+// Answers the file dialog picker with path, typed into its name field.
+void PickPath(QWidget* picker, const QString& path);
+
+// Answers the next modal window, a folder dialog, with folder, as it shows it.
+void PickFolder(const QString& folder);
+
+// Fills every tab of the run dialog dialog with value(tab title), a folder
+// picked through Add... on a "Scene folders" tab, then presses OK; next, when
+// given, answers the modal window that follows.
+void AnswerRunTabs(QWidget* dialog, const std::function<QString(const QString&)>& value,
+                   const std::function<void(QWidget*)>& next = {});
+
+// Calls act with the next popup menu other than after, from inside its loop.
+void OnNextPopup(QWidget* after, std::function<void(QMenu*)> act);
+
+// Clicks the entries of path in turn in the next popup menu, through submenus.
+void ChooseInMenu(const QStringList& path, QWidget* after = nullptr);
 
 // The child of root named name (the test fails when there is none).
 template <class T>

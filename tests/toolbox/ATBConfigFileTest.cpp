@@ -22,6 +22,8 @@
 
 #include <functional>
 #include <memory>
+#include <stdexcept>
+#include <typeinfo>
 
 using namespace Plugin;
 using TestSupport::ReadAll;
@@ -38,6 +40,16 @@ struct Loaded
     ~Loaded() { qDeleteAll(file.GetItems()); }
     QList<ATBItem*>& items() { return file.GetItems(); }
 };
+
+// item as a T; the test stops when it is none.
+template <class T>
+T* as(ATBItem* item)
+{
+    auto* cast = dynamic_cast<T*>(item);
+    if (!cast)
+        throw std::runtime_error(std::string("not a ") + typeid(T).name());
+    return cast;
+}
 
 QByteArray gb2312(const QString& text) { return Gb2312::Codec()->fromUnicode(text); }
 
@@ -76,25 +88,14 @@ TEST_F(ToolBoxFile, ReadsEveryKindDerivesTheAlgorithmsFileAndWritesTheSameText)
     HostShell::EnvironmentSetting::Instance()->SetAppBinDir(QString());
     ASSERT_TRUE(loaded.ok);
     ASSERT_EQ(loaded.items().size(), 1);
-    auto* group = dynamic_cast<ATBGroup*>(loaded.items()[0]);
-    ASSERT_TRUE(group);
+    auto* group = as<ATBGroup>(loaded.items()[0]);
     ASSERT_EQ(group->GetChildren().size(), 3);
-    auto* algo = dynamic_cast<ATBAlgo*>(group->GetChildren()[0]);
-    ASSERT_TRUE(algo);
     // Made from the metadata, never read from the file, kept absolute.
-    EXPECT_EQ(algo->GetFile(), dir.path() + "/bin/../Model/abd/raster.slope.atb");
-    auto* iterator = dynamic_cast<ATBIterator*>(group->GetChildren()[1]);
-    ASSERT_TRUE(iterator);
-    EXPECT_EQ(iterator->GetType(), ATB_Iterator);
-    auto* folder = dynamic_cast<ATBFolder*>(group->GetChildren()[2]);
-    ASSERT_TRUE(folder);
-    auto* model = dynamic_cast<ATBAlgoDepend*>(folder->GetChildren()[0]);
-    ASSERT_TRUE(model);
-    EXPECT_EQ(model->GetDescription(), "Index & more");
-    auto* nested = dynamic_cast<ATBFolder*>(folder->GetChildren()[1]);
-    ASSERT_TRUE(nested);
-    auto* script = dynamic_cast<ATBPython*>(nested->GetChildren()[0]);
-    ASSERT_TRUE(script);
+    EXPECT_EQ(as<ATBAlgo>(group->GetChildren()[0])->GetFile(), dir.path() + "/bin/../Model/abd/raster.slope.atb");
+    EXPECT_EQ(as<ATBIterator>(group->GetChildren()[1])->GetType(), ATB_Iterator);
+    auto* folder = as<ATBFolder>(group->GetChildren()[2]);
+    EXPECT_EQ(as<ATBAlgoDepend>(folder->GetChildren()[0])->GetDescription(), "Index & more");
+    auto* script = as<ATBPython>(as<ATBFolder>(folder->GetChildren()[1])->GetChildren()[0]);
     EXPECT_TRUE(script->IsValid());
     ASSERT_TRUE(loaded.file.Save(path("again.atb")));
     EXPECT_EQ(ReadAll(path("again.atb")), gb2312(kEveryKind));

@@ -71,47 +71,6 @@ QByteArray Steps(const QList<QPoint>& places)
 const QByteArray kWide = Steps({{0, 0}, {2400, 900}}); // too wide for 1:1 in 800 by 500
 const QByteArray kSmall = Steps({{0, 0}});
 
-// Runs act on the next popup menu other than after, from inside its loop.
-void OnNextPopup(QWidget* after, std::function<void(QMenu*)> act)
-{
-    auto* timer = new QTimer;
-    auto ticks = std::make_shared<int>(0);
-    QObject::connect(timer, &QTimer::timeout, [=] {
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        const bool found = menu && menu != after;
-        if (!found && ++*ticks < 500)
-            return;
-        timer->deleteLater();
-        timer->stop();
-        if (found)
-            act(menu);
-        else
-            ADD_FAILURE() << "no menu opened";
-    });
-    timer->start(10);
-}
-
-// Clicks the entries of path in turn, through submenus.
-void Choose(const QStringList& path, QWidget* after = nullptr)
-{
-    OnNextPopup(after, [path](QMenu* menu) {
-        for (QAction* action : menu->actions())
-            if (action->text() == path.first()) {
-                if (path.size() > 1)
-                    Choose(path.mid(1), menu);
-                return QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(action).center());
-            }
-        ADD_FAILURE() << "no entry " << path.first().toStdString();
-        menu->close();
-    });
-}
-
-void Retype(QWidget* dialog, const QString& field, const QString& text)
-{
-    dialog->findChild<QLineEdit*>(field)->clear();
-    GuiDriver::TypeInto(dialog, field, text);
-}
-
 // Checks the texts of the next message box and answers it with button.
 void Answer(const QString& title, const QString& text, QMessageBox::StandardButton button = QMessageBox::Ok)
 {
@@ -127,10 +86,7 @@ void Answer(const QString& title, const QString& text, QMessageBox::StandardButt
 // Answers the next file dialog with path, typed into its name field.
 void PickFile(const QString& path)
 {
-    GuiDriver::OnNextModal([=](QWidget* dialog) {
-        Retype(dialog, "fileNameEdit", path);
-        QTest::keyClick(dialog->findChild<QLineEdit*>("fileNameEdit"), Qt::Key_Return);
-    });
+    GuiDriver::OnNextModal([=](QWidget* dialog) { GuiDriver::PickPath(dialog, path); });
 }
 
 } // namespace
@@ -208,14 +164,14 @@ protected:
     }
     void Menu(const QString& name, const QStringList& entries)
     {
-        RightClick(name, [&] { Choose(entries); });
+        RightClick(name, [&] { GuiDriver::ChooseInMenu(entries); });
     }
     // The entries of a row's menu, "(off)" marking the disabled ones.
     QStringList Entries(const QString& name)
     {
         QStringList texts;
         RightClick(name, [&] {
-            OnNextPopup(nullptr, [&](QMenu* menu) {
+            GuiDriver::OnNextPopup(nullptr, [&](QMenu* menu) {
                 for (QAction* action : menu->actions())
                     texts << action->text() + (action->isEnabled() ? "" : " (off)");
                 menu->close();
@@ -238,7 +194,9 @@ protected:
     ModelCommandManager* manager = ModelCommandManager::Instance();
 };
 
-TEST_F(ToolBoxActions, NewToolSetRefusesAnEmptyNameAndMakesADeletableFolder)
+// New ToolSet refuses an empty name and makes a deletable folder; New Model refuses
+// empty and taken names, then writes the model without opening it.
+TEST_F(ToolBoxActions, NewToolSetAndNewModelRefuseBadNamesAndMakeTheirItems)
 {
     GuiDriver::OnNextModal([&](QWidget* dialog) {
         EXPECT_EQ(dialog->windowTitle(), "ToolSet");
@@ -251,11 +209,7 @@ TEST_F(ToolBoxActions, NewToolSetRefusesAnEmptyNameAndMakesADeletableFolder)
     EXPECT_EQ(Children("Models"), QStringList({"Shipped", "Mine"})); // a changed folder goes last
     EXPECT_EQ(Children("Mine"), QStringList({"First", "Second", "Locked", "Sub"}));
     EXPECT_EQ(Entries("Sub"), QStringList({"New", "Delete", "Import Model"}));
-    EXPECT_TRUE(Shutdown().contains(R"(<Folder name="Sub" canDelete="1"/>)"));
-}
 
-TEST_F(ToolBoxActions, NewModelRefusesEmptyAndTakenNamesThenWritesTheModelWithoutOpeningIt)
-{
     GuiDriver::OnNextModal([&](QWidget* dialog) {
         EXPECT_EQ(dialog->windowTitle(), "CreateCircuit");
         Answer("Error", "Name is null!");
@@ -263,20 +217,22 @@ TEST_F(ToolBoxActions, NewModelRefusesEmptyAndTakenNamesThenWritesTheModelWithou
         GuiDriver::TypeInto(dialog, "nameEdit", "second");
         Answer("Error", "File is existing!");
         GuiDriver::ClickText(dialog, "OK");
-        Retype(dialog, "nameEdit", "Fresh");
+        GuiDriver::Retype(dialog->findChild<QLineEdit*>("nameEdit"), "Fresh");
         GuiDriver::TypeInto(dialog, "descriptionEdit", "made here");
         GuiDriver::ClickText(dialog, "OK");
     });
     const int windows = manager->WindowCount();
     Menu("Mine", {"New", "Model"});
-    EXPECT_EQ(Children("Mine"), QStringList({"First", "Second", "Locked", "Fresh"}));
+    EXPECT_EQ(Children("Mine"), QStringList({"First", "Second", "Locked", "Sub", "Fresh"}));
     EXPECT_TRUE(APCModel().LoadFile(apc("Fresh")));
     // No window opens, so nothing locks the menus.
     EXPECT_EQ(manager->WindowCount(), windows);
     EXPECT_FALSE(manager->FindWindow(root.path() + "/bin/../Model/apc/Fresh.apc"));
     manager->OnUpdateState();
     EXPECT_EQ(Entries("Fresh"), QStringList({"Remove", "Edit", "Export"}));
-    EXPECT_TRUE(Shutdown().contains(R"(<APC name="Fresh" file="Model/apc/Fresh.apc" description="made here"/>)"));
+    const QString text = Shutdown();
+    EXPECT_TRUE(text.contains(R"(<Folder name="Sub" canDelete="1"/>)"));
+    EXPECT_TRUE(text.contains(R"(<APC name="Fresh" file="Model/apc/Fresh.apc" description="made here"/>)"));
 }
 
 TEST_F(ToolBoxActions, EditRenamesTheFileOrRefusesATakenName)
@@ -284,10 +240,10 @@ TEST_F(ToolBoxActions, EditRenamesTheFileOrRefusesATakenName)
     GuiDriver::OnNextModal([&](QWidget* dialog) {
         EXPECT_EQ(dialog->findChild<QLineEdit*>("nameEdit")->text(), "First");
         EXPECT_EQ(dialog->findChild<QLineEdit*>("descriptionEdit")->text(), "one");
-        Retype(dialog, "nameEdit", "locked.apc");
+        GuiDriver::Retype(dialog->findChild<QLineEdit*>("nameEdit"), "locked.apc");
         Answer("Error", "File is existing!");
         GuiDriver::ClickText(dialog, "OK");
-        Retype(dialog, "nameEdit", "Renamed");
+        GuiDriver::Retype(dialog->findChild<QLineEdit*>("nameEdit"), "Renamed");
         GuiDriver::ClickText(dialog, "OK");
     });
     Menu("First", {"Edit"});
@@ -334,11 +290,22 @@ TEST_F(ToolBoxActions, ImportCopiesUnderAFreeName)
     }
 }
 
-TEST_F(ToolBoxActions, DoubleClickOpensOneWindowAtOneToOne)
+TEST_F(ToolBoxActions, DoubleClickOpensOneWindowAtOneToOneAndTheMenusLockWhileAnyIsOpen)
 {
+    const QStringList unlocked = {"Remove", "Edit", "Export"}, unlockedFolder = {"New", "Delete", "Import Model"};
     const int before = manager->WindowCount();
+    manager->OnUpdateState();
     ModelControler* window = DoubleClick("First");
     ASSERT_TRUE(window);
+    // The entries show what the last tick left: until the next one the menus
+    // are as they were before the window opened.
+    manager->StartTimer(3600 * 1000);
+    EXPECT_EQ(Entries("Second"), unlocked);
+    EXPECT_EQ(Entries("Mine"), unlockedFolder);
+    manager->OnUpdateState();
+    EXPECT_EQ(Entries("Second"), QStringList({"Remove (off)", "Edit (off)", "Export"}));
+    EXPECT_EQ(Entries("Mine"), QStringList({"New", "Delete (off)", "Import Model"}));
+
     EXPECT_EQ(DoubleClick("First"), window);
     EXPECT_EQ(manager->WindowCount(), before + 1);
     EXPECT_EQ(window->windowTitle(), "Model Builder-First");
@@ -351,27 +318,13 @@ TEST_F(ToolBoxActions, DoubleClickOpensOneWindowAtOneToOne)
     ASSERT_TRUE(small);
     EXPECT_TRUE(small->IsReadOnly());
     EXPECT_DOUBLE_EQ(small->GetView()->transform().m11(), 1.0);
-}
 
-TEST_F(ToolBoxActions, MenusLockWhileAnyModelWindowIsOpen)
-{
-    const int before = manager->WindowCount();
-    manager->OnUpdateState();
-    ModelControler* window = DoubleClick("First");
-    ASSERT_TRUE(window);
-    // The entries show what the last tick left: until the next one the menus
-    // are as they were before the window opened.
-    manager->StartTimer(3600 * 1000);
-    EXPECT_EQ(Entries("Second"), QStringList({"Remove", "Edit", "Export"}));
-    EXPECT_EQ(Entries("Mine"), QStringList({"New", "Delete", "Import Model"}));
-    manager->OnUpdateState();
     manager->StartTimer(500);
-    EXPECT_EQ(Entries("Second"), QStringList({"Remove (off)", "Edit (off)", "Export"}));
-    EXPECT_EQ(Entries("Mine"), QStringList({"New", "Delete (off)", "Import Model"}));
     window->close();
+    small->close();
     ASSERT_TRUE(TestSupport::WaitUntil([&] { return manager->WindowCount() == before; })); // the timer's tick
-    EXPECT_EQ(Entries("Second"), QStringList({"Remove", "Edit", "Export"}));
-    EXPECT_EQ(Entries("Mine"), QStringList({"New", "Delete", "Import Model"}));
+    EXPECT_EQ(Entries("Second"), unlocked);
+    EXPECT_EQ(Entries("Mine"), unlockedFolder);
 }
 
 // Only a changed tree is written, at exit: an unchanged or unreadable file stays as it is.
@@ -420,7 +373,7 @@ TEST_F(ToolBoxActions, PressingOnEmptySpaceAndMovingStartsNoDrag)
     EXPECT_EQ(tree()->currentItem(), nullptr);
 }
 
-TEST(PluginModule, MakesItsCommandsByNameInAnyCase)
+TEST(PluginModule, MakesItsCommandsByNameInAnyCaseAndAnUnopenedOneWritesNothing)
 {
     HostCore::_ptr_t<HostShell::CMDPluginModule> module(GetPluginModule());
     ASSERT_TRUE(module);
@@ -432,6 +385,14 @@ TEST(PluginModule, MakesItsCommandsByNameInAnyCase)
     python->OnClick(); // does nothing, and must not fail
     EXPECT_FALSE(module->CreateCommand("ToolBox_Other", ""));
     EXPECT_EQ(toolBox->RefCount(), 1);
+
+    // A command never opened never touches the tool box file.
+    QTemporaryDir root;
+    HostShell::EnvironmentSetting::Instance()->SetAppBinDir(root.path() + "/bin");
+    toolBox = module->CreateCommand("toolbox_toolbox", "");
+    toolBox = nullptr;
+    HostShell::EnvironmentSetting::Instance()->SetAppBinDir(QString());
+    EXPECT_FALSE(QFileInfo::exists(root.path() + "/Model/atb/ToolBox.atb"));
 }
 
 // The host loads one file and finds both exports in it, as it would at run time.
@@ -448,27 +409,14 @@ TEST(PluginModule, BothExportsResolveFromTheLibraryTheHostLoads)
     EXPECT_EQ(getAlgoObj("modelalgo"), nullptr);
 }
 
-TEST(PluginModule, ACommandNeverOpenedNeverTouchesTheFile)
+// Export leaves the tree as it was; Remove asks and only Yes deletes; Delete takes
+// a folder at once and leaves its models.
+TEST_F(ToolBoxActions, ExportRemoveAndDeleteAsTheirMenusSay)
 {
-    QTemporaryDir root;
-    HostShell::EnvironmentSetting::Instance()->SetAppBinDir(root.path() + "/bin");
-    {
-        HostCore::_ptr_t<HostShell::ICommand> command(new ToolBoxCommand);
-    }
-    HostShell::EnvironmentSetting::Instance()->SetAppBinDir(QString());
-    EXPECT_FALSE(QFileInfo::exists(root.path() + "/Model/atb/ToolBox.atb"));
-}
-
-TEST_F(ToolBoxActions, DeleteTakesTheFolderAtOnceAndLeavesItsModels)
-{
-    Menu("Mine", {"Delete"});
-    EXPECT_EQ(Children("Models"), QStringList({"Shipped"}));
-    EXPECT_TRUE(QFileInfo::exists(apc("first")));
-    EXPECT_FALSE(Shutdown().contains("Mine"));
-}
-
-TEST_F(ToolBoxActions, RemoveAsksAndOnlyYesDeletes)
-{
+    PickFile(root.filePath("elsewhere/out.apc"));
+    Menu("First", {"Export"});
+    EXPECT_EQ(ReadAll(root.filePath("elsewhere/out.apc")), kWide);
+    EXPECT_FALSE(toolBox()->IsModified());
     for (auto answer : {QMessageBox::No, QMessageBox::Yes}) {
         const bool no = answer == QMessageBox::No;
         SCOPED_TRACE(no ? "no" : "yes");
@@ -478,15 +426,11 @@ TEST_F(ToolBoxActions, RemoveAsksAndOnlyYesDeletes)
         EXPECT_EQ(Children("Mine").contains("Second"), no);
         EXPECT_EQ(toolBox()->IsModified(), !no);
     }
-    EXPECT_FALSE(Shutdown().contains("Second"));
-}
-
-TEST_F(ToolBoxActions, ExportCopiesTheModelFile)
-{
-    PickFile(root.filePath("elsewhere/out.apc"));
-    Menu("First", {"Export"});
-    EXPECT_EQ(ReadAll(root.filePath("elsewhere/out.apc")), kWide);
-    EXPECT_EQ(Shutdown(), QString::fromLatin1(kToolBox)); // the tree did not change
+    Menu("Mine", {"Delete"});
+    EXPECT_EQ(Children("Models"), QStringList({"Shipped"}));
+    EXPECT_TRUE(QFileInfo::exists(apc("first")));
+    const QString text = Shutdown();
+    EXPECT_FALSE(text.contains("Second") || text.contains("Mine"));
 }
 
 TEST_F(ToolBoxActions, OpensTheFileIntoADockOnTheRight)
