@@ -72,9 +72,10 @@ int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int(
     const bool prologueFirst = !outline.prologue.isEmpty();
     std::map<int, std::unique_ptr<Child>> running;
     std::map<int, std::pair<int, QString>> ended; // first round -> last, its report, not yet taken
-    // A process costs its start and its first touch of the memory its steps use:
-    // a child takes a few rounds in turn, while enough are left to keep every job busy.
-    const int chunk = std::clamp((rounds + 2 * jobs - 1) / (2 * jobs), 1, 16);
+    // A process costs its start and its first touch of the memory its steps use,
+    // as much as a short round: a child takes an equal share of the rounds, up to 16
+    // in turn, so that a short batch starts one child per job.
+    const int chunk = std::clamp((rounds + jobs - 1) / jobs, 1, 16);
     int next = 1;
     int merged = 1;
     bool prologueFailed = false;
