@@ -171,6 +171,7 @@ TEST(MbrunBatch, RefusesBeforeTheRunAndSaysWhy)
          {"Please set value: Scene folders", "Please set value: Output folder"}},
         {"folders that are neither", batch.Args({}, "{\"/data\":"), 2, {"\"Scene folders\" takes folders separated by ';'"}},
         {"no such file", {batch.dir.filePath("none.apc")}, 2, {"none.apc: no such file"}},
+        {"a folder", {batch.scenes}, 2, {"it is a folder"}},
         {"not XML", {batch.dir.filePath("broken.apc")}, 2, {"it is not XML: tag mismatch at line 3, column 16"}},
         {"another root", {batch.dir.filePath("other-root.apc")}, 2, {"its root element is \"Other\", not \"Configuration\""}},
         {"a report over the model", batch.Args({"--report", batch.model}), 2, {"would replace the model file"}},

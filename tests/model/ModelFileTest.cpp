@@ -6,9 +6,11 @@
 #include "model/APCArrow.h"
 #include "model/APCModel.h"
 #include "model/APCVar.h"
+#include "model/WholeFile.h"
 #include "support/ModelFixtures.h"
 #include "support/TestSupport.h"
 
+#include <QDir>
 #include <QTemporaryDir>
 #include <QTextCodec>
 #include <QXmlStreamWriter>
@@ -242,4 +244,21 @@ TEST(ModelFile, LoadAppendsWithoutWiring)
     EXPECT_EQ(model.GetProcesses()[0]->GetParameter("In File").value, "/literal");
     for (APCVar* v : model.GetVars())
         EXPECT_EQ(v->GetModel(), &model);
+}
+
+// The tool box imports and exports models by copying them whole: a copy that
+// cannot be made says why and leaves no file behind.
+TEST(ModelFile, CopiesAreWholeOrNothing)
+{
+    QTemporaryDir dir;
+    const QByteArray text(200000, 'x'); // more than one chunk
+    ASSERT_TRUE(WriteAll(dir.filePath("a.apc"), text));
+    QString error;
+    EXPECT_TRUE(WholeFile::Copy(dir.filePath("a.apc"), dir.filePath("b.apc"), &error)) << qPrintable(error);
+    EXPECT_EQ(ReadAll(dir.filePath("b.apc")), text);
+    EXPECT_FALSE(WholeFile::Copy(dir.filePath("none.apc"), dir.filePath("c.apc"), &error));
+    EXPECT_FALSE(error.isEmpty());
+    EXPECT_FALSE(WholeFile::Copy(dir.filePath("a.apc"), dir.filePath("no/such/folder/d.apc"), &error));
+    EXPECT_FALSE(error.isEmpty());
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList({"a.apc", "b.apc"}));
 }
