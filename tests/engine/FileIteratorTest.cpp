@@ -1,4 +1,5 @@
 #include "engine/APCFileIterator.h"
+#include "engine/APCIterator.h"
 #include "engine/APCRasterFileIterator.h"
 #include "engine/APCVectorFileIterator.h"
 #include "model/APCModel.h"
@@ -11,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <typeinfo>
 
 using namespace Plugin;
 
@@ -69,6 +71,13 @@ TEST(FileIterator, ConstructionMakesItsParametersAndOutputs)
     EXPECT_FALSE(raster.Check()); // no directory yet
     std::unique_ptr<APCObject> clone(raster.Clone());
     EXPECT_EQ(static_cast<APCProcess*>(clone.get())->GetParameters().size(), 4);
+    // Every kind of iterator clones as its own kind: a run works on clones.
+    APCVectorFileIterator vector;
+    APCIterator plain;
+    for (APCProcess* original : {static_cast<APCProcess*>(&vector), static_cast<APCProcess*>(&plain)}) {
+        std::unique_ptr<APCObject> copy(original->Clone());
+        EXPECT_EQ(typeid(*copy), typeid(*original));
+    }
 }
 
 TEST(FileIterator, PairsFilesThroughTheirWildcardsAndNamesThoseLeftOut)
