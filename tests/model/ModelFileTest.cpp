@@ -40,6 +40,8 @@ void fill(APCModel& model)
     auto* it = new APCRasterFileIterator;
     it->SetPos(QPointF(1e7 + 0.5, 3));
     model.AddProcess(it);
+    APCAlgo* compressed = TestSupport::AddAlgo(model, "raster.translate");
+    TestSupport::SetLiteral(model, compressed, "Creation options", "COMPRESS=DEFLATE;TILED=YES;PREDICTOR=2");
 }
 
 } // namespace
@@ -69,7 +71,8 @@ TEST(ModelFile, SaveLoadSaveIsByteIdentical)
     EXPECT_TRUE(bytes.contains(gb("输出")));  // Chinese text in GB2312 bytes
     EXPECT_FALSE(bytes.contains("\xe8\xbe\x93")); // not UTF-8
 
-    ASSERT_EQ(loaded.GetVars().size(), 4); // two of the step, two of the iterator
+    ASSERT_EQ(loaded.GetVars().size(), 6); // two of each step, two of the iterator
+    EXPECT_EQ(loaded.GetProcesses()[2]->GetParameter("Creation options").value, "COMPRESS=DEFLATE;TILED=YES;PREDICTOR=2");
     APCVar* out = loaded.GetVars()[1];
     EXPECT_EQ(out->GetDescription(), "输出 \"quoted\" <b>&");
     EXPECT_EQ(loaded.GetVars()[0]->GetValue(), "/in/数据.txt");
@@ -239,8 +242,8 @@ TEST(ModelFile, LoadAppendsWithoutWiring)
     ASSERT_TRUE(model.LoadFile(path));
     ASSERT_TRUE(model.LoadFile(path));
     EXPECT_EQ(emitted, 0);
-    EXPECT_EQ(model.GetProcesses().size(), 4);
-    EXPECT_EQ(model.GetVars().size(), 8);
+    EXPECT_EQ(model.GetProcesses().size(), 6);
+    EXPECT_EQ(model.GetVars().size(), 12);
     EXPECT_EQ(model.GetProcesses()[0]->GetParameter("In File").value, "/literal");
     for (APCVar* v : model.GetVars())
         EXPECT_EQ(v->GetModel(), &model);
