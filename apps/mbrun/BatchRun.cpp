@@ -323,20 +323,25 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
     int last = m_options.LastRound();
     if (!m_options.RoundFile().isEmpty()) {
         // Named by its driving file, a round keeps its name when files are added
-        // before it; its number is looked up now.
-        Outline all;
-        const QStringList refusal = OutlineOf(model, inputs, &all);
-        if (!refusal.isEmpty())
-            return Refuse(refusal);
-        if (all.iterator.isEmpty())
+        // before it; its number is looked up now, by a walk that only lists the
+        // rounds (a batch of thousands of jobs each does it once). The round's
+        // own checks follow as for --round.
+        Plugin::SequenceControl control;
+        const QString buildError = PrepareUnstarted(control, model, inputs);
+        if (!buildError.isEmpty())
+            return Refuse({QStringLiteral("mbrun: the model cannot run: %1\n").arg(buildError)});
+        Plugin::RunPlan plan(control);
+        if (!plan.OuterIterator())
             return Refuse({QStringLiteral("mbrun: the model has no iterator: run it without --round-file\n")});
+        Plugin::RunPlan::Visitor roundsOnly;
+        plan.Walk(roundsOnly);
         const QString wanted = QFileInfo(m_options.RoundFile()).absoluteFilePath();
-        for (const Plugin::RunPlan::Round& r : all.rounds)
+        for (const Plugin::RunPlan::Round& r : plan.OuterRounds())
             if (r.file == m_options.RoundFile() || QFileInfo(r.file).absoluteFilePath() == wanted)
                 round = last = r.number;
         if (round == 0)
             return Refuse({QStringLiteral("mbrun: the iterator \"%1\" hands out no round driven by %2 (see --list-rounds)\n")
-                               .arg(all.iterator, m_options.RoundFile())});
+                               .arg(plan.OuterIterator()->GetProcess()->GetDescription(), m_options.RoundFile())});
     }
     const bool prologueOnly = m_options.PrologueOnly();
     Outline outline;
