@@ -831,13 +831,13 @@ QByteArray RasterTarget::ToolPath() const
     return m_staged ? QByteArray() : encoded(m_writePath);
 }
 
-void RasterTarget::AddFormat(ToolArgs& args) const
+void RasterTarget::AddFormatAndSwitches(const GdalJob& job, ToolArgs& args) const
 {
     args << "-of" << ToolFormat();
-    if (m_staged)
-        return; // the options go to the copy into the file
-    for (int i = 0; i < m_options.Count(); ++i)
-        args << "-co" << m_options[i];
+    if (!m_staged) // else the options go to the copy into the file
+        for (int i = 0; i < m_options.Count(); ++i)
+            args << "-co" << m_options[i];
+    args << job.Switches();
 }
 
 GDALDatasetUniquePtr RasterTarget::Create(GdalJob& job, int width, int height, int bands, GDALDataType type)

@@ -294,8 +294,9 @@ public:
     // What a GDAL utility writes with: the file's format and path, or MEM when staged.
     QByteArray ToolFormat() const;
     QByteArray ToolPath() const;
-    // Adds -of and, when the utility writes the file itself, -co for each creation option.
-    void AddFormat(ToolArgs& args) const;
+    // Adds -of and, when the utility writes the file itself, -co for each creation
+    // option; then the step's own switches (Additional options), last so that they win.
+    void AddFormatAndSwitches(const GdalJob& job, ToolArgs& args) const;
     GDALDatasetUniquePtr Create(GdalJob& job, int width, int height, int bands, GDALDataType type);
     // Writes out a dataset made by Create or by a utility given ToolFormat/ToolPath,
     // and closes it; a staged one is copied with progress in [from, to].

@@ -108,8 +108,7 @@ bool translateInto(GdalJob& job, GDALDataset& source, ToolArgs args, const QStri
     RasterTarget target;
     if (!target.Prepare(job, kOut, false))
         return false;
-    target.AddFormat(args);
-    args << job.Switches();
+    target.AddFormatAndSwitches(job, args);
     TranslateOptions options(GDALTranslateOptionsNew(args.Argv(), nullptr));
     if (!options)
         return job.FailGdal(kBadParameter, QStringLiteral("%1: invalid options").arg(what));
@@ -131,8 +130,7 @@ bool warpInto(GdalJob& job, std::vector<GDALDatasetH> sources, ToolArgs args, co
     RasterTarget target;
     if (!target.Prepare(job, kOut))
         return false;
-    target.AddFormat(args);
-    args << job.Switches();
+    target.AddFormatAndSwitches(job, args);
     WarpOptions options(GDALWarpAppOptionsNew(args.Argv(), nullptr));
     if (!options)
         return job.FailGdal(kBadParameter, QStringLiteral("%1: invalid options").arg(what));
@@ -377,8 +375,7 @@ bool runDem(GdalJob& job, const char* mode, ToolArgs args, const QString& what, 
     if (!target.Prepare(job, kOut, false))
         return false;
     args << "-b" << double(band) << "-compute_edges";
-    target.AddFormat(args);
-    args << job.Switches();
+    target.AddFormatAndSwitches(job, args);
     DemOptions options(GDALDEMProcessingOptionsNew(args.Argv(), nullptr));
     if (!options)
         return job.FailGdal(kBadParameter, QStringLiteral("%1: invalid options").arg(what));
@@ -593,8 +590,7 @@ bool runNearblack(GdalJob& job)
     RasterTarget target;
     if (!target.Prepare(job, kOut))
         return false;
-    target.AddFormat(args);
-    args << job.Switches();
+    target.AddFormatAndSwitches(job, args);
     NearblackOptions options(GDALNearblackOptionsNew(args.Argv(), nullptr));
     if (!options)
         return job.FailGdal(kBadParameter, QStringLiteral("Nearblack: invalid options"));

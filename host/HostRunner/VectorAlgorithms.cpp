@@ -271,8 +271,7 @@ bool runRasterize(GdalJob& job)
     args << "-l" << QByteArray(layer->GetName()) << "-te" << extent.MinX << extent.MaxY - rows * resolution
          << extent.MinX + columns * resolution << extent.MaxY << "-tr" << resolution << resolution << "-a_nodata" << noData
          << "-init" << noData << "-ot" << GDALGetDataTypeName(type);
-    target.AddFormat(args);
-    args << job.Switches();
+    target.AddFormatAndSwitches(job, args);
     RasterizeOptions options(GDALRasterizeOptionsNew(args.Argv(), nullptr));
     if (!options)
         return job.FailGdal(kBadParameter, QStringLiteral("Rasterize: invalid options"));
@@ -466,8 +465,7 @@ bool runGrid(GdalJob& job)
     RasterTarget target;
     if (!target.Prepare(job, kOut))
         return false;
-    target.AddFormat(args);
-    args << job.Switches();
+    target.AddFormatAndSwitches(job, args);
     GridOptions options(GDALGridOptionsNew(args.Argv(), nullptr));
     if (!options)
         return job.FailGdal(kBadParameter, QStringLiteral("Grid: invalid options"));
