@@ -1,23 +1,22 @@
 // Rounds side by side: each few rounds run in a child mbrun (--round K-L), so that
-// their logs, memory and failures stay their own; the parent prints each child's
+// their logs, memory and failures stay their own (started by the ForkServer); the parent prints each child's
 // log whole as it ends and gathers the reports in round order.
 #include "BatchRun.h"
 #include "ResumeState.h"
 
 #include "CommandLine.h"
 #include "Console.h"
+#include "ForkServer.h"
 #include "StopSignals.h"
 
 #include "engine/APCLog.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QEventLoop>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include <algorithm>
@@ -25,7 +24,6 @@
 #include <map>
 #include <memory>
 
-#include <signal.h>
 
 namespace Mbrun {
 
@@ -36,7 +34,6 @@ struct Child
     int round = 0; // its first
     int last = 0;
     QString report;
-    std::unique_ptr<QProcess> process;
 };
 
 QJsonObject readReport(const QString& path)
@@ -51,6 +48,8 @@ QJsonObject readReport(const QString& path)
 
 int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int()>& countRounds)
 {
+    if (!ForkServer::Available())
+        return Refuse({QStringLiteral("mbrun: cannot start processes for the rounds: run with --jobs 1\n")});
     int rounds = outline.rounds.size();
     QTemporaryDir work(QDir::temp().filePath(QStringLiteral("mbrun-jobs-XXXXXX")));
     if (!work.isValid())
@@ -127,19 +126,17 @@ int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int(
     };
 
     std::function<void()> startMore;
-    auto onEnded = [&](int round) {
-        Child& child = *running.at(round);
-        QProcess& p = *child.process;
+    auto onEnded = [&](int round, const ForkServer::Ended& run) {
+        const Child& child = *running.at(round);
         // The child's log whole, never mixed with another round's.
-        const QString log = QString::fromUtf8(p.readAllStandardOutput());
+        const QString log = QString::fromUtf8(run.out);
         Console::Out(log);
         Plugin::APCLog::AddSummaryCounts(log, &succeeded, &failed);
-        const int code = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
-        const QString said = QString::fromUtf8(p.readAllStandardError());
-        if ((code == Refused || code < 0) && !said.isEmpty())
+        const QString said = QString::fromUtf8(run.err);
+        if ((run.code == Refused || run.code < 0) && !said.isEmpty())
             Say({said});
-        if (code < 0 || !QFile::exists(child.report)) {
-            Say({QStringLiteral("mbrun: the run of round %1 ended without a report (%2)\n").arg(round).arg(p.errorString())});
+        if (run.code < 0 || !QFile::exists(child.report)) {
+            Say({QStringLiteral("mbrun: the run of round %1 ended without a report (%2)\n").arg(round).arg(run.failure)});
             refused = true;
         } else {
             ended.emplace(round, std::make_pair(child.last, child.report));
@@ -163,7 +160,6 @@ int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int(
             child->round = next;
             child->last = prologueFirst && next == 1 ? 1 : std::min(rounds, next + chunk - 1);
             child->report = work.filePath(QStringLiteral("round-%1.json").arg(next));
-            child->process = std::make_unique<QProcess>();
             QStringList args = common;
             args << QStringLiteral("--round")
                  << (child->last == next ? QString::number(next) : QStringLiteral("%1-%2").arg(next).arg(child->last));
@@ -173,17 +169,8 @@ int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int(
             args << QStringLiteral("--report") << child->report;
             const int round = next;
             next = child->last + 1;
-            QObject::connect(child->process.get(), QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished),
-                             &loop, [&, round] { onEnded(round); }, Qt::QueuedConnection);
-            QObject::connect(child->process.get(), &QProcess::errorOccurred, &loop, [&, round](QProcess::ProcessError e) {
-                if (e == QProcess::FailedToStart)
-                    QMetaObject::invokeMethod(&loop, [&, round] { onEnded(round); }, Qt::QueuedConnection);
-            });
-            {
-                const StopSignals::HeldForChild held;
-                child->process->start(QCoreApplication::applicationFilePath(), args);
-            }
             running.emplace(round, std::move(child));
+            ForkServer::Run(args, [&, round](const ForkServer::Ended& run) { onEnded(round, run); });
         }
         if (running.empty())
             loop.quit();
@@ -194,9 +181,7 @@ int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int(
             return;
         m_signal = signal;
         Say({QStringLiteral("\nmbrun: %1: stopping the run\n").arg(StopSignals::Name(signal))});
-        for (auto& [round, child] : running)
-            if (child->process->processId() > 0)
-                ::kill(pid_t(child->process->processId()), signal);
+        ForkServer::SignalAll(signal);
     });
     QMetaObject::invokeMethod(&loop, [&] { startMore(); }, Qt::QueuedConnection);
     loop.exec();

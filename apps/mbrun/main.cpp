@@ -2,6 +2,7 @@
 #include "BatchRun.h"
 #include "CommandLine.h"
 #include "Console.h"
+#include "ForkServer.h"
 
 #include "HostRunner/AlgorithmList.h"
 
@@ -44,6 +45,8 @@ namespace {
 
 int main(int argc, char** argv)
 {
+    // Returns also in each child the server starts, with that child's arguments.
+    ForkServer::Start(argc, argv);
     QCoreApplication app(argc, argv);
     // Paths travel as local 8-bit text to the algorithms: make that UTF-8.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
