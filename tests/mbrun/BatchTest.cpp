@@ -723,3 +723,47 @@ TEST(MbrunBatch, ASignalStopsEveryRoundRunningSideBySide)
     QThread::msleep(1500);
     EXPECT_EQ(snapshot(batch.out), after);
 }
+
+namespace {
+
+// The processes a process started, read from /proc.
+QList<pid_t> childrenOf(pid_t parent)
+{
+    QList<pid_t> children;
+    for (const QString& entry : QDir("/proc").entryList(QDir::Dirs)) {
+        QFile stat("/proc/" + entry + "/stat");
+        if (!stat.open(QIODevice::ReadOnly))
+            continue;
+        const QByteArray text = stat.readAll(); // pid (name) state ppid ...
+        const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
+        if (fields.size() > 1 && fields[1].toInt() == parent)
+            children << pid_t(entry.toInt());
+    }
+    return children;
+}
+
+} // namespace
+
+TEST(MbrunBatch, ARoundProcessKilledCostsOnlyItsRounds)
+{
+    SceneBatch batch;
+    for (int i = 1; i <= 4; ++i)
+        MakeRaster(batch.Scene(i), 2500, 4);
+    QProcess p;
+    p.start(MbrunPath(), batch.Args({"--jobs", "2"}));
+    ASSERT_TRUE(WaitUntil([&] { return !hiddenIn(batch.out).isEmpty() || p.state() == QProcess::NotRunning; }, 60000));
+    // mbrun, its server of processes, and the two processes of rounds 1-2 and 3-4.
+    const QList<pid_t> servers = childrenOf(pid_t(p.processId()));
+    ASSERT_EQ(servers.size(), 1);
+    QList<pid_t> rounds = childrenOf(servers[0]);
+    ASSERT_EQ(rounds.size(), 2) << "the rounds ended before one could be killed";
+    std::sort(rounds.begin(), rounds.end());
+    ASSERT_EQ(::kill(rounds[1], SIGKILL), 0);
+    ASSERT_TRUE(p.waitForFinished(60000));
+    const QString err = QString::fromUtf8(p.readAllStandardError());
+    EXPECT_EQ(p.exitCode(), 2) << qPrintable(err);
+    EXPECT_TRUE(err.contains("mbrun: the run of round 3 ended without a report (it was ended by signal 9)")) << qPrintable(err);
+    for (int i = 1; i <= 2; ++i)
+        EXPECT_TRUE(QFile::exists(batch.Ndvi(i))) << i;
+    EXPECT_FALSE(QFile::exists(batch.Ndvi(4)));
+}
