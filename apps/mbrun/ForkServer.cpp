@@ -42,6 +42,19 @@ struct Reply
 };
 constexpr size_t kMaxRequest = 60 * 1024;
 
+#if defined(MB_COVERAGE)
+extern "C" void __gcov_dump();
+#endif
+
+// The server ends with its run, without the libraries' teardown.
+[[noreturn]] void quit(int code)
+{
+#if defined(MB_COVERAGE)
+    __gcov_dump();
+#endif
+    _exit(code);
+}
+
 int g_socket = -1; // the run's end
 
 bool asksForJobs(int argc, char** argv)
@@ -64,7 +77,7 @@ sigset_t serverSignals()
 void reply(int socket, const Reply& r)
 {
     if (::send(socket, &r, sizeof r, MSG_NOSIGNAL) != sizeof r)
-        _exit(0); // the run is gone
+        quit(0); // the run is gone
 }
 
 // The copies of the argument strings live as long as the child does.
@@ -101,7 +114,7 @@ void serve(int socket, const sigset_t& childMask, int& argc, char**& argv)
     sigaddset(&chld, SIGCHLD);
     const int reaped = ::signalfd(-1, &chld, SFD_CLOEXEC | SFD_NONBLOCK);
     if (reaped < 0)
-        _exit(1); // the run finds the server gone and says so
+        quit(1); // the run finds the server gone and says so
     std::map<pid_t, int32_t> children;
     std::vector<char> buffer(kMaxRequest);
     for (;;) {
@@ -109,7 +122,7 @@ void serve(int socket, const sigset_t& childMask, int& argc, char**& argv)
         if (::poll(fds, 2, -1) < 0) {
             if (errno == EINTR)
                 continue;
-            _exit(1);
+            quit(1);
         }
         if (fds[1].revents) {
             signalfd_siginfo info;
@@ -140,7 +153,7 @@ void serve(int socket, const sigset_t& childMask, int& argc, char**& argv)
         if (size < 0 && errno == EINTR)
             continue;
         if (size <= 0)
-            _exit(0); // the run has ended
+            quit(0); // the run has ended
         const cmsghdr* header = CMSG_FIRSTHDR(&message);
         if (header && header->cmsg_type == SCM_RIGHTS && header->cmsg_len == CMSG_LEN(sizeof pipes))
             std::memcpy(pipes, CMSG_DATA(header), sizeof pipes);
