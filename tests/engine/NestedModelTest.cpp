@@ -247,12 +247,12 @@ TEST_F(NestedModels, StoppingTheOuterRunReleasesTheNestedOne)
     EXPECT_TRUE(control.GetLog()->GetLogText().contains("End the model: outer"));
 }
 
+// The info object lists the parameters of a model file and the run object runs it
+// with values for them; a record that does not fit is refused with code 100.
 TEST_F(NestedModels, HeadlessObjectsAsAHostCallsThem)
 {
     WriteCopyModel();
-    EXPECT_EQ(Plugin::CreateHeadlessAlgo("ModelInfoAlgo"), nullptr);
     EXPECT_EQ(Plugin::CreateHeadlessAlgo("modelalgo"), nullptr);
-
     TaskPtr info(Plugin::CreateHeadlessAlgo("ModelAlgoInfo"));
     ASSERT_TRUE(info);
     STModelAlgoData request;
@@ -265,6 +265,33 @@ TEST_F(NestedModels, HeadlessObjectsAsAHostCallsThem)
     EXPECT_EQ(inputs.params[0].type, "file");
     EXPECT_TRUE(inputs.params[0].value.isEmpty());
 
+    STModelAlgoData missingFile;
+    missingFile.file = File("none.apc");
+    STModelAlgoData shortList = inputs;
+    shortList.params.removeLast();
+    STModelAlgoData unknownName = inputs;
+    unknownName.params[1].name = "b";
+    struct Case { const char* name; const char* object; boost::any slot; int code; };
+    const std::vector<Case> cases = {
+        {"info: empty slot", "ModelAlgoInfo", boost::any(), 100},
+        {"info: missing file is silent", "ModelAlgoInfo", boost::any(missingFile), 0},
+        {"run: empty slot", "ModelAlgo", boost::any(), 100},
+        {"run: missing file", "ModelAlgo", boost::any(missingFile), 100},
+        {"run: wrong count", "ModelAlgo", boost::any(shortList), 100},
+        {"run: unknown name", "ModelAlgo", boost::any(unknownName), 100},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        TaskPtr task(Plugin::CreateHeadlessAlgo(c.object));
+        task->SetParams(c.slot);
+        EXPECT_FALSE(task->Execute());
+        int code = -1;
+        QString message;
+        task->GetErrorInfo(code, message);
+        EXPECT_EQ(code, c.code);
+        EXPECT_TRUE(message.isEmpty());
+    }
+
     WriteAll(File("in.txt"), "headless");
     inputs.params[0].value = File("in.txt");
     inputs.params[1].value = File("out.txt");
@@ -276,43 +303,6 @@ TEST_F(NestedModels, HeadlessObjectsAsAHostCallsThem)
     EXPECT_EQ(ReadAll(File("out.txt")), QByteArray("headless"));
     ASSERT_FALSE(progress.empty());
     EXPECT_EQ(progress.back(), 100.0);
-    int code = -1;
-    QString message;
-    run->GetErrorInfo(code, message);
-    EXPECT_EQ(code, 0);
-}
-
-TEST_F(NestedModels, HeadlessObjectsRejectWrongRecordsWithCode100)
-{
-    WriteCopyModel();
-    STModelAlgoData good;
-    good.file = ModelPath("copy.apc");
-    good.params = {{"a", "", "", "", "x"}, {"b", "", "", "", "y"}};
-    STModelAlgoData missingFile;
-    missingFile.file = File("none.apc");
-    STModelAlgoData shortList = good;
-    shortList.params.removeLast();
-
-    struct Case { const char* name; const char* object; boost::any slot; bool result; int code; };
-    const std::vector<Case> cases = {
-        {"info: empty slot", "ModelAlgoInfo", boost::any(), false, 100},
-        {"info: missing file is silent", "ModelAlgoInfo", boost::any(missingFile), false, 0},
-        {"run: empty slot", "ModelAlgo", boost::any(), false, 100},
-        {"run: missing file", "ModelAlgo", boost::any(missingFile), false, 100},
-        {"run: wrong count", "ModelAlgo", boost::any(shortList), false, 100},
-        {"run: unknown names", "ModelAlgo", boost::any(good), false, 100},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        TaskPtr task(Plugin::CreateHeadlessAlgo(c.object));
-        task->SetParams(c.slot);
-        EXPECT_EQ(task->Execute(), c.result);
-        int code = -1;
-        QString message;
-        task->GetErrorInfo(code, message);
-        EXPECT_EQ(code, c.code);
-        EXPECT_TRUE(message.isEmpty());
-    }
 }
 
 // A model with no iterator goes to the cluster as one job, which reruns when any

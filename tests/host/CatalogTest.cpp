@@ -45,7 +45,6 @@ TEST(GetParamValue, WalksObjectsArraysAndReportsAbsenceAsEmpty)
         {"top level", {"width"}, "80.000000"},
         {"nested", {"a", "b", "c"}, "deep"},
         {"array index", {"points", "0", "y"}, "-2"},
-        {"second element", {"points", "1", "x"}, "3"},
         {"missing member of element", {"points", "1", "y"}, ""},
         {"index past the end", {"points", "2", "x"}, ""},
         {"non-decimal index", {"points", "x", "x"}, ""},
