@@ -4,7 +4,6 @@
 #include "engine/APCAlgo.h"
 #include "engine/APCLog.h"
 #include "engine/APCModelFile.h"
-#include "engine/APCRasterFileIterator.h"
 #include "engine/ClusterExport.h"
 #include "engine/ModelNesting.h"
 #include "engine/HeadlessAlgo.h"
@@ -172,28 +171,6 @@ TEST_F(NestedModels, ValuesGoInAndFilesOrErrorsComeOut)
             EXPECT_EQ(progress.empty() ? -1.0 : progress.back(), 100.0);
         }
     }
-}
-
-TEST_F(NestedModels, IteratorLastInTheNestedModelEndsWithItsError)
-{
-    for (const char* name : {"a.tif", "b.tif"})
-        WriteAll(File(name), name);
-    TestSupport::HeadlessModel nested;
-    APCAlgo* append = AddAlgo(nested, "test.appendLine");
-    SetConstant(VarOf(nested, append, "Out File"), File("seen.txt"));
-    auto* it = new APCRasterFileIterator;
-    nested.AddProcess(it);
-    SetConstant(nested.GetVars()[2], QStringLiteral(R"({"%1":{"subdir":"0","enabled":"1"}})").arg(m_dir.path()));
-    Connect(nested, nested.GetVars()[3], append, "Text");
-    ASSERT_TRUE(nested.SaveFile(ModelPath("iterate.apc")));
-
-    TestSupport::HeadlessModel outer;
-    AddModelStep(outer, "iterate.apc", {});
-    SequenceControl control;
-    const RunResult r = RunModel(control, outer);
-    ASSERT_TRUE(r.finished);
-    EXPECT_EQ(ReadAll(File("seen.txt")), (File("a.tif") + "\n" + File("b.tif") + "\n").toUtf8());
-    EXPECT_TRUE(r.log.contains("Error number: -1\nError message: End of the iteration"));
 }
 
 TEST_F(NestedModels, AModelThatContainsItselfFailsCleanly)

@@ -61,20 +61,6 @@ TEST(GetParamValue, WalksObjectsArraysAndReportsAbsenceAsEmpty)
     }
 }
 
-TEST(Registry, ReRegisteringKeepsTheConfigAddress)
-{
-    Plugin::AlgoConfig cfg;
-    cfg.name = "test.replaceMe";
-    cfg.displayText = "one";
-    auto& reg = Plugin::AlgorithmRegistry::Instance();
-    reg.Register(cfg, [](const QJsonObject&, Plugin::AlgoRunContext&) { return true; });
-    const Plugin::AlgoConfig* first = reg.Config("test.replaceMe");
-    cfg.displayText = "two";
-    reg.Register(cfg, [](const QJsonObject&, Plugin::AlgoRunContext& c) { return c.Fail(9, "x"); });
-    EXPECT_EQ(reg.Config("test.replaceMe"), first);
-    EXPECT_EQ(first->displayText, "two");
-}
-
 // A library's catalogue is built on the first lookup, once, and a lookup on another
 // thread meanwhile waits for it instead of missing its algorithms.
 TEST(Registry, SourcesRunOnceBeforeTheFirstLookupOnAnyThread)
