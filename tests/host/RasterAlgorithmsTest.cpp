@@ -359,7 +359,7 @@ TEST_F(RasterAlgorithms, BadInputGivesCodeAndMessageAndNoOutput)
     const QString farInDegrees = Path("far.geojson");
     ASSERT_TRUE(WriteVector(farInDegrees, 4326, {}, {{Box(1, 1, 2, 2), {}}}));
     const std::vector<BadInputCase> cases = {
-        {"missing file", "raster.hillshade", {{"In File", Path("none.tif")}}, 21, {"Cannot open raster", Path("none.tif")}},
+        {"missing file", "raster.translate", {{"In File", Path("none.tif")}}, 21, {"Cannot open raster", Path("none.tif")}},
         {"not a raster", "raster.slope", {{"In File", text}}, 21, {"Cannot open raster", text}},
         {"missing parameter", "raster.aspect", {}, 20, {"In File needs a value"}},
         {"band past the end", "raster.slope", {{"In File", in}, {"Band", "5"}}, 20, {"Band 5", "1 band"}},
