@@ -418,7 +418,8 @@ TEST(AlgorithmCatalogue, EveryBuiltinIsDescribedConsistently)
             const Plugin::Param& p = c->params[i];
             const QJsonObject typeParam = QJsonDocument::fromJson(p.typeParam.toUtf8()).object();
             EXPECT_EQ(typeParam.value("direction").toString(), QString::number(p.direction)) << p.name.toStdString();
-            outputs += p.direction == 1 && !p.isOptional;
+            outputs += p.direction == 1;
+            EXPECT_FALSE(p.direction == 1 && p.isOptional) << p.name.toStdString();
             if (p.direction == 1 && p.typeParam.contains("GeoTIFF"))
                 expected << "Creation options";
             if (p.direction == 1 && p.typeParam.contains("Shapefile"))
