@@ -54,17 +54,14 @@ APCExecuteFactory& factory() { return *APCExecuteFactory::Instance(); }
 
 } // namespace
 
-TEST(ExecuteFactory, NullAndIdleCallsDoNothing)
+TEST(ExecuteFactory, CancelAllLeavesARunningStepUnheard)
 {
+    // With nothing to run, the calls do nothing.
     factory().Start(nullptr);
     factory().Cancel(nullptr);
     factory().CancelAll();
     EXPECT_FALSE(factory().IsRunning());
     EXPECT_FALSE(factory().Execute(nullptr));
-}
-
-TEST(ExecuteFactory, CancelAllLeavesARunningStepUnheard)
-{
     Gate step(false);
     factory().Start(&step);
     ASSERT_TRUE(WaitUntil([&] { return step.entered.load(); }));

@@ -4,7 +4,6 @@
 #include "engine/APCAlgo.h"
 #include "engine/APCLog.h"
 #include "engine/APCModelFile.h"
-#include "engine/APCRasterFileIterator.h"
 #include "engine/ClusterExport.h"
 #include "engine/ModelNesting.h"
 #include "engine/HeadlessAlgo.h"
@@ -174,28 +173,6 @@ TEST_F(NestedModels, ValuesGoInAndFilesOrErrorsComeOut)
     }
 }
 
-TEST_F(NestedModels, IteratorLastInTheNestedModelEndsWithItsError)
-{
-    for (const char* name : {"a.tif", "b.tif"})
-        WriteAll(File(name), name);
-    TestSupport::HeadlessModel nested;
-    APCAlgo* append = AddAlgo(nested, "test.appendLine");
-    SetConstant(VarOf(nested, append, "Out File"), File("seen.txt"));
-    auto* it = new APCRasterFileIterator;
-    nested.AddProcess(it);
-    SetConstant(nested.GetVars()[2], QStringLiteral(R"({"%1":{"subdir":"0","enabled":"1"}})").arg(m_dir.path()));
-    Connect(nested, nested.GetVars()[3], append, "Text");
-    ASSERT_TRUE(nested.SaveFile(ModelPath("iterate.apc")));
-
-    TestSupport::HeadlessModel outer;
-    AddModelStep(outer, "iterate.apc", {});
-    SequenceControl control;
-    const RunResult r = RunModel(control, outer);
-    ASSERT_TRUE(r.finished);
-    EXPECT_EQ(ReadAll(File("seen.txt")), (File("a.tif") + "\n" + File("b.tif") + "\n").toUtf8());
-    EXPECT_TRUE(r.log.contains("Error number: -1\nError message: End of the iteration"));
-}
-
 TEST_F(NestedModels, AModelThatContainsItselfFailsCleanly)
 {
     TestSupport::HeadlessModel self;
@@ -247,12 +224,12 @@ TEST_F(NestedModels, StoppingTheOuterRunReleasesTheNestedOne)
     EXPECT_TRUE(control.GetLog()->GetLogText().contains("End the model: outer"));
 }
 
+// The info object lists the parameters of a model file and the run object runs it
+// with values for them; a record that does not fit is refused with code 100.
 TEST_F(NestedModels, HeadlessObjectsAsAHostCallsThem)
 {
     WriteCopyModel();
-    EXPECT_EQ(Plugin::CreateHeadlessAlgo("ModelInfoAlgo"), nullptr);
     EXPECT_EQ(Plugin::CreateHeadlessAlgo("modelalgo"), nullptr);
-
     TaskPtr info(Plugin::CreateHeadlessAlgo("ModelAlgoInfo"));
     ASSERT_TRUE(info);
     STModelAlgoData request;
@@ -265,6 +242,33 @@ TEST_F(NestedModels, HeadlessObjectsAsAHostCallsThem)
     EXPECT_EQ(inputs.params[0].type, "file");
     EXPECT_TRUE(inputs.params[0].value.isEmpty());
 
+    STModelAlgoData missingFile;
+    missingFile.file = File("none.apc");
+    STModelAlgoData shortList = inputs;
+    shortList.params.removeLast();
+    STModelAlgoData unknownName = inputs;
+    unknownName.params[1].name = "b";
+    struct Case { const char* name; const char* object; boost::any slot; int code; };
+    const std::vector<Case> cases = {
+        {"info: empty slot", "ModelAlgoInfo", boost::any(), 100},
+        {"info: missing file is silent", "ModelAlgoInfo", boost::any(missingFile), 0},
+        {"run: empty slot", "ModelAlgo", boost::any(), 100},
+        {"run: missing file", "ModelAlgo", boost::any(missingFile), 100},
+        {"run: wrong count", "ModelAlgo", boost::any(shortList), 100},
+        {"run: unknown name", "ModelAlgo", boost::any(unknownName), 100},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        TaskPtr task(Plugin::CreateHeadlessAlgo(c.object));
+        task->SetParams(c.slot);
+        EXPECT_FALSE(task->Execute());
+        int code = -1;
+        QString message;
+        task->GetErrorInfo(code, message);
+        EXPECT_EQ(code, c.code);
+        EXPECT_TRUE(message.isEmpty());
+    }
+
     WriteAll(File("in.txt"), "headless");
     inputs.params[0].value = File("in.txt");
     inputs.params[1].value = File("out.txt");
@@ -276,43 +280,6 @@ TEST_F(NestedModels, HeadlessObjectsAsAHostCallsThem)
     EXPECT_EQ(ReadAll(File("out.txt")), QByteArray("headless"));
     ASSERT_FALSE(progress.empty());
     EXPECT_EQ(progress.back(), 100.0);
-    int code = -1;
-    QString message;
-    run->GetErrorInfo(code, message);
-    EXPECT_EQ(code, 0);
-}
-
-TEST_F(NestedModels, HeadlessObjectsRejectWrongRecordsWithCode100)
-{
-    WriteCopyModel();
-    STModelAlgoData good;
-    good.file = ModelPath("copy.apc");
-    good.params = {{"a", "", "", "", "x"}, {"b", "", "", "", "y"}};
-    STModelAlgoData missingFile;
-    missingFile.file = File("none.apc");
-    STModelAlgoData shortList = good;
-    shortList.params.removeLast();
-
-    struct Case { const char* name; const char* object; boost::any slot; bool result; int code; };
-    const std::vector<Case> cases = {
-        {"info: empty slot", "ModelAlgoInfo", boost::any(), false, 100},
-        {"info: missing file is silent", "ModelAlgoInfo", boost::any(missingFile), false, 0},
-        {"run: empty slot", "ModelAlgo", boost::any(), false, 100},
-        {"run: missing file", "ModelAlgo", boost::any(missingFile), false, 100},
-        {"run: wrong count", "ModelAlgo", boost::any(shortList), false, 100},
-        {"run: unknown names", "ModelAlgo", boost::any(good), false, 100},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        TaskPtr task(Plugin::CreateHeadlessAlgo(c.object));
-        task->SetParams(c.slot);
-        EXPECT_EQ(task->Execute(), c.result);
-        int code = -1;
-        QString message;
-        task->GetErrorInfo(code, message);
-        EXPECT_EQ(code, c.code);
-        EXPECT_TRUE(message.isEmpty());
-    }
 }
 
 // A model with no iterator goes to the cluster as one job, which reruns when any

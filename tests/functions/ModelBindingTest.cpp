@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <thread>
 #include <vector>
 
 using namespace Plugin;
@@ -142,27 +141,6 @@ TEST(ExpressionBinding, ClonesShareTheExpressionInAnyDestructionOrder)
     source->SetFunExp("$ReplaceExtension(%{a}%, 'xml')");
     EXPECT_EQ(clone->GetFun()->Evaluate(), "c:/data/x_x.tif");
     EXPECT_EQ(source->GetFun()->Evaluate(), "c:/data/x.xml");
-}
-
-// Steps evaluate shared expressions from pool threads.
-TEST(ExpressionBinding, ConcurrentEvaluation)
-{
-    APCModel model;
-    AddConstant(model, "{a}", "c:/data/a_b_x.tif");
-    AddConstant(model, "{b}", "c:/data/a_b_y.tif");
-    APCVar* u = AddComputed(model, "{u}", "$ReplaceExtension($UnionFilePath(%{a}%, %{b}%, '_'), 'xml')");
-    ASSERT_TRUE(model.ResolveVarValues({}));
-    APCFun* fun = u->GetFun();
-    std::vector<std::thread> threads;
-    std::vector<int> wrong(4, 0);
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([fun, &wrong, t] {
-            for (int i = 0; i < 500; ++i)
-                wrong[t] += fun->Evaluate() != "c:/data/a_b.xml";
-        });
-    for (std::thread& t : threads)
-        t.join();
-    EXPECT_EQ(wrong, std::vector<int>(4, 0));
 }
 
 } // namespace

@@ -99,19 +99,4 @@ TEST(ExpressionParser, ClassifiesArguments)
     }
 }
 
-TEST(ExpressionParser, ArgumentClasses)
-{
-    EXPECT_EQ(APCFunStringParam("'''").GetText(), "'");
-    EXPECT_EQ(APCFunVarParam("%%").GetText(), "");
-
-    // Unbound references and unparsed nested calls evaluate as empty.
-    APCFunVarParam unbound("%a%");
-    unbound.SetModel(nullptr);
-    EXPECT_EQ(unbound.Evaluate(), "");
-    APCFunExpParam bad("$Nope('x')");
-    bad.SetModel(nullptr);
-    EXPECT_FALSE(bad.IsValid());
-    EXPECT_EQ(bad.Evaluate(), "");
-}
-
 } // namespace

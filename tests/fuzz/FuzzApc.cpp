@@ -18,10 +18,7 @@ namespace {
 // process kinds register themselves when the core library loads.
 struct Fixture : Fuzz::Application<QCoreApplication>
 {
-    Fixture() : Application("fuzz_apc") { QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8")); }
-    QString input = File("input.apc");
-    QString first = File("first.apc");
-    QString second = File("second.apc");
+    Fixture() : Application("fuzz_apc", "apc") { QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8")); }
 };
 
 } // namespace
@@ -41,7 +38,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     Plugin::APCModel again;
     if (!again.LoadFile(fixture.first) || !again.SaveFile(fixture.second))
         abort();
-    if (Fuzz::ReadAll(fixture.first) != Fuzz::ReadAll(fixture.second))
-        abort();
+    fixture.SameSaves();
     return 0;
 }

@@ -17,10 +17,7 @@ namespace {
 // with widgets.
 struct Fixture : Fuzz::Application<QApplication>
 {
-    Fixture() : Application("fuzz_atb") {}
-    QString input = File("input.atb");
-    QString first = File("first.atb");
-    QString second = File("second.atb");
+    Fixture() : Application("fuzz_atb", "atb") {}
 };
 
 // The reader hands its items to whoever takes the list.
@@ -47,7 +44,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     Tree again;
     if (!again.file.Load(fixture.first) || !again.file.Save(fixture.second))
         abort();
-    if (Fuzz::ReadAll(fixture.first) != Fuzz::ReadAll(fixture.second))
-        abort();
+    fixture.SameSaves();
     return 0;
 }

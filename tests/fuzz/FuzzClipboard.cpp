@@ -43,10 +43,7 @@ const char kModel[] = R"apc(<?xml version="1.0" encoding="GB2312" standalone="no
 // the paste reads its text from there, as from the desktop's.
 struct Fixture : Fuzz::Application<QApplication>
 {
-    Fixture() : Application("fuzz_clipboard") { Fuzz::WriteAll(model, kModel, sizeof kModel - 1); }
-    QString model = File("window.apc");
-    QString first = File("first.apc");
-    QString second = File("second.apc");
+    Fixture() : Application("fuzz_clipboard", "apc") { Fuzz::WriteAll(input, kModel, sizeof kModel - 1); }
     std::unique_ptr<Plugin::ModelControler> window;
     int uses = 0;
 
@@ -57,7 +54,7 @@ struct Fixture : Fuzz::Application<QApplication>
     {
         if (!window || ++uses > 256) {
             window.reset();
-            window = std::make_unique<Plugin::ModelControler>(model, false);
+            window = std::make_unique<Plugin::ModelControler>(input, false);
             uses = 1;
         }
         return *window;
@@ -94,8 +91,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         if (!again.LoadFile(fixture.first) || Count(again) != pasted || !again.SaveFile(fixture.second))
             abort();
     }
-    if (Fuzz::ReadAll(fixture.first) != Fuzz::ReadAll(fixture.second))
-        abort();
+    fixture.SameSaves();
 
     // Back to the window's own model, as a user would delete what was pasted: the
     // steps and vars go through the model, each taking its arrows with it, and the

@@ -50,17 +50,27 @@ inline QByteArray ReadAll(const QString& path)
 }
 
 // An application named after the target, widgets on the offscreen platform (no
-// display needed), and the scratch folder.
+// display needed), and the scratch folder with the files of a round trip: the
+// input, its first save, and the save of what that save loads.
 template <class App>
 struct Application
 {
-    explicit Application(const char* target) : name(target)
+    Application(const char* target, const char* extension) : name(target)
     {
         if (!dir.isValid())
             abort();
         Quiet();
+        const QString suffix = QLatin1Char('.') + QString::fromLatin1(extension);
+        input = dir.filePath(QStringLiteral("input") + suffix);
+        first = dir.filePath(QStringLiteral("first") + suffix);
+        second = dir.filePath(QStringLiteral("second") + suffix);
     }
-    QString File(const char* fileName) const { return dir.filePath(QString::fromLatin1(fileName)); }
+    // Both saves of a round trip hold the same text.
+    void SameSaves() const
+    {
+        if (ReadAll(first) != ReadAll(second))
+            abort();
+    }
 
     int argc = 1;
     QByteArray name;
@@ -68,6 +78,7 @@ struct Application
     bool platform = qputenv("QT_QPA_PLATFORM", "offscreen");
     App app{argc, argv};
     QTemporaryDir dir{ScratchTemplate()};
+    QString input, first, second;
 };
 
 // A soft assert marks a programmer error: reached from a file, it is a finding.

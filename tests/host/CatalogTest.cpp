@@ -45,7 +45,6 @@ TEST(GetParamValue, WalksObjectsArraysAndReportsAbsenceAsEmpty)
         {"top level", {"width"}, "80.000000"},
         {"nested", {"a", "b", "c"}, "deep"},
         {"array index", {"points", "0", "y"}, "-2"},
-        {"second element", {"points", "1", "x"}, "3"},
         {"missing member of element", {"points", "1", "y"}, ""},
         {"index past the end", {"points", "2", "x"}, ""},
         {"non-decimal index", {"points", "x", "x"}, ""},
@@ -60,20 +59,6 @@ TEST(GetParamValue, WalksObjectsArraysAndReportsAbsenceAsEmpty)
         SCOPED_TRACE(c.name);
         EXPECT_EQ(Plugin::GetParamValue(o, c.path), c.expected);
     }
-}
-
-TEST(Registry, ReRegisteringKeepsTheConfigAddress)
-{
-    Plugin::AlgoConfig cfg;
-    cfg.name = "test.replaceMe";
-    cfg.displayText = "one";
-    auto& reg = Plugin::AlgorithmRegistry::Instance();
-    reg.Register(cfg, [](const QJsonObject&, Plugin::AlgoRunContext&) { return true; });
-    const Plugin::AlgoConfig* first = reg.Config("test.replaceMe");
-    cfg.displayText = "two";
-    reg.Register(cfg, [](const QJsonObject&, Plugin::AlgoRunContext& c) { return c.Fail(9, "x"); });
-    EXPECT_EQ(reg.Config("test.replaceMe"), first);
-    EXPECT_EQ(first->displayText, "two");
 }
 
 // A library's catalogue is built on the first lookup, once, and a lookup on another

@@ -172,7 +172,7 @@ bool WriteVector(const QString& path, int epsg, const QList<Field>& fields, cons
     if (!layer)
         return false;
     for (const Field& f : fields) {
-        OGRFieldDefn defn(f.name.toUtf8().constData(), f.type == Field::Integer ? OFTInteger : f.type == Field::Real ? OFTReal : OFTString);
+        OGRFieldDefn defn(f.name.toUtf8().constData(), f.type == Field::Integer ? OFTInteger : OFTString);
         if (layer->CreateField(&defn) != OGRERR_NONE)
             return false;
     }
@@ -182,8 +182,6 @@ bool WriteVector(const QString& path, int epsg, const QList<Field>& fields, cons
             const QByteArray field = it.key().toUtf8();
             if (it.value().type() == QVariant::Int)
                 feature->SetField(field.constData(), it.value().toInt());
-            else if (it.value().type() == QVariant::Double)
-                feature->SetField(field.constData(), it.value().toDouble());
             else
                 feature->SetField(field.constData(), it.value().toString().toUtf8().constData());
         }
@@ -208,15 +206,7 @@ VectorInfo ReadVector(const QString& path)
     OGRLayer* layer = ds->GetLayer(0);
     info.ok = true;
     info.driver = QString::fromLatin1(ds->GetDriver()->GetDescription());
-    info.layerName = QString::fromUtf8(layer->GetName());
     info.epsg = epsgOf(layer->GetSpatialRef());
-    OGREnvelope env;
-    if (layer->GetExtent(&env) == OGRERR_NONE) {
-        info.extent[0] = env.MinX;
-        info.extent[1] = env.MinY;
-        info.extent[2] = env.MaxX;
-        info.extent[3] = env.MaxY;
-    }
     OGRFeatureDefn* defn = layer->GetLayerDefn();
     for (auto& feature : *layer) {
         Feature f;

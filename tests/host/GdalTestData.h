@@ -59,7 +59,7 @@ std::vector<double> ReadBand(const QString& path, int band);
 
 struct Field
 {
-    enum Type { Integer, Real, String };
+    enum Type { Integer, String };
     QString name;
     Type type = String;
 };
@@ -78,10 +78,8 @@ struct VectorInfo
 {
     bool ok = false;
     QString driver;
-    QString layerName;
     int epsg = 0;
     std::vector<Feature> features;
-    double extent[4] = {0, 0, 0, 0}; // xmin, ymin, xmax, ymax
 };
 VectorInfo ReadVector(const QString& path);
 

@@ -94,10 +94,8 @@ TEST_F(StepReliability, UnreadableDataFailsWithGdalsReasonAndLeavesOutputsAlone)
     const std::vector<BadInputCase> cases = {
         {"hillshade of a truncated file", "raster.hillshade", {{"In File", truncated}, {"Out File", out + "/kept.tif"}}, 23, {"Read error"}},
         {"slope of a truncated file", "raster.slope", {{"In File", truncated}, {"Out File", out + "/new.tif"}}, 23, {"Read error"}},
-        {"aspect of a truncated file", "raster.aspect", {{"In File", truncated}, {"Out File", out + "/new.img"}}, 23, {"Read error"}},
         {"hillshade of a bit-flipped file", "raster.hillshade", {{"In File", flipped}, {"Out File", out + "/new.png"}}, 23, {"Decod"}},
         {"slope of a bit-flipped file", "raster.slope", {{"In File", flipped}, {"Out File", out + "/kept.tif"}}, 23, {"Decod"}},
-        {"aspect of a bit-flipped file", "raster.aspect", {{"In File", flipped}, {"Out File", out + "/new.tif"}}, 23, {"Decod"}},
         {"buffer of a truncated shapefile", "vector.buffer", {{"In File", shapes}, {"Distance", "1"}, {"Out File", out + "/new.shp"}}, 23, {"fread"}},
         {"copy of a truncated shapefile", "vector.translate", {{"In File", shapes}, {"Out File", out + "/new.gpkg"}}, 23, {"fread"}},
     };

@@ -4,10 +4,7 @@
 #include "support/SceneBatch.h"
 #include "support/TestSupport.h"
 
-#include <QCryptographicHash>
-#include <QDateTime>
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QMap>
 #include <QProcess>
@@ -18,27 +15,6 @@
 using namespace TestSupport;
 
 namespace {
-
-// Every raster and table below dir by name, with its checksum.
-QMap<QString, QByteArray> checksums(const QString& dir)
-{
-    QMap<QString, QByteArray> sums;
-    for (QDirIterator it(dir, QDir::Files, QDirIterator::Subdirectories); it.hasNext();) {
-        it.next();
-        sums.insert(it.fileName(), QCryptographicHash::hash(ReadAll(it.filePath()), QCryptographicHash::Md5));
-    }
-    return sums;
-}
-
-QMap<QString, qint64> times(const QString& dir)
-{
-    QMap<QString, qint64> t;
-    for (QDirIterator it(dir, QDir::Files, QDirIterator::Subdirectories); it.hasNext();) {
-        it.next();
-        t.insert(it.fileName(), it.fileInfo().lastModified().toMSecsSinceEpoch());
-    }
-    return t;
-}
 
 // What one snakemake run did: its exit code and the rounds it ran, by job name.
 struct Snake
@@ -87,11 +63,11 @@ TEST(ClusterExport, SnakemakeRunsTheRoundsAsMbrunDoesAndRerunsOnlyWhatChangedOrF
     Snake s = snakemake(local);
     EXPECT_NE(s.code, 0);
     EXPECT_EQ(s.rounds, QStringList({"scene_01", "scene_02", "scene_03"})) << qPrintable(s.said);
-    EXPECT_EQ(checksums(batch.out), checksums(whole));
+    EXPECT_EQ(Checksums(batch.out), Checksums(whole));
     EXPECT_EQ(QDir(flow + "/rounds").entryList(QDir::Files).size(), 2); // no report of a failed job is kept
 
     // A rerun repeats the failed round alone; once its input is mended it succeeds.
-    const QMap<QString, qint64> before = times(batch.out);
+    const QMap<QString, qint64> before = FileTimes(batch.out);
     s = snakemake(local);
     EXPECT_NE(s.code, 0);
     EXPECT_EQ(s.rounds, QStringList({"scene_02"})) << qPrintable(s.said);
@@ -107,7 +83,7 @@ TEST(ClusterExport, SnakemakeRunsTheRoundsAsMbrunDoesAndRerunsOnlyWhatChangedOrF
     s = snakemake(local);
     EXPECT_EQ(s.code, 0);
     EXPECT_TRUE(s.rounds.isEmpty()) << qPrintable(s.said);
-    EXPECT_EQ(times(batch.out).value("scene_01_ndvi.tif"), before.value("scene_01_ndvi.tif"));
+    EXPECT_EQ(FileTimes(batch.out).value(batch.Ndvi(1)), before.value(batch.Ndvi(1)));
 
     // A scene that sorts first shifts every round's number; re-exported, only it runs.
     MakeRaster(batch.Scene(0), 8, 4);
@@ -119,7 +95,7 @@ TEST(ClusterExport, SnakemakeRunsTheRoundsAsMbrunDoesAndRerunsOnlyWhatChangedOrF
     s = snakemake(local);
     EXPECT_EQ(s.code, 0) << qPrintable(s.said);
     EXPECT_EQ(s.rounds, QStringList({"scene_00"})) << qPrintable(s.said);
-    EXPECT_EQ(times(batch.out).value("scene_01_ndvi.tif"), before.value("scene_01_ndvi.tif"));
+    EXPECT_EQ(FileTimes(batch.out).value(batch.Ndvi(1)), before.value(batch.Ndvi(1)));
 
     // What the export and the jobs refuse, they refuse as a run does.
     struct Case

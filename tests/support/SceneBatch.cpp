@@ -1,6 +1,10 @@
 #include "support/SceneBatch.h"
+#include "support/TestSupport.h"
 
+#include <QCryptographicHash>
+#include <QDateTime>
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <gdal_priv.h>
 #include <ogr_spatialref.h>
@@ -9,6 +13,27 @@
 #include <vector>
 
 namespace TestSupport {
+
+QMap<QString, qint64> FileTimes(const QString& dir)
+{
+    QMap<QString, qint64> files;
+    QDirIterator it(dir, QDir::Files | QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        it.next();
+        files.insert(it.filePath(), it.fileInfo().lastModified().toMSecsSinceEpoch());
+    }
+    return files;
+}
+
+QMap<QString, QByteArray> Checksums(const QString& dir)
+{
+    QMap<QString, QByteArray> sums;
+    for (QDirIterator it(dir, QDir::Files, QDirIterator::Subdirectories); it.hasNext();) {
+        it.next();
+        sums.insert(it.fileName(), QCryptographicHash::hash(ReadAll(it.filePath()), QCryptographicHash::Md5));
+    }
+    return sums;
+}
 
 void MakeRaster(const QString& path, int size, int bands)
 {
