@@ -1,28 +1,46 @@
-// The canvas tools driven with real mouse events on the view, the model checked
-// afterwards: each step of a drag is written back with the place the item had
-// before it, and the bands and lines the tools raise come down as the editor
-// has always taken them down.
+// The canvas: items of a loaded model (places, shapes, states), the scene and
+// view that hand events to the current tool, and the tools driven with real
+// mouse events on the view, the model checked afterwards: each step of a drag
+// is written back with the place the item had before it, and the bands and lines
+// the tools raise come down as the editor has always taken them down. Then copy
+// and paste across windows, and rows of the tool box dropped on a canvas.
+#include "editor/AlgoGraphics.h"
 #include "editor/ArrowGraphics.h"
+#include "editor/GraphicsItemBase.h"
+#include "editor/IteratorGraphics.h"
+#include "editor/ModelCommandManager.h"
 #include "editor/ModelControler.h"
 #include "editor/ModelScene.h"
+#include "editor/ModelTool.h"
 #include "editor/ModelView.h"
+#include "editor/VarGraphics.h"
 #include "model/APCArrow.h"
+#include "model/APCModel.h"
 #include "model/APCProcess.h"
 #include "model/APCVar.h"
 #include "support/CanvasDriver.h"
 #include "support/GuiDriver.h"
 #include "support/ModelFixtures.h"
 #include "support/TestSupport.h"
+#include "toolbox/ATBAlgo.h"
+#include "toolbox/ATBAlgoDepend.h"
+#include "toolbox/ATBGroup.h"
+#include "toolbox/ATBIterator.h"
+#include "toolbox/ATBTreeWidget.h"
 
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QDialog>
 #include <QFontMetrics>
 #include <QGraphicsRectItem>
 #include <QImage>
+#include <QMimeData>
 #include <QPainter>
 #include <QScrollBar>
+#include <QStyleOptionGraphicsItem>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QTimer>
 #include <gtest/gtest.h>
 
@@ -31,6 +49,68 @@
 using namespace Plugin;
 
 namespace {
+
+// An algorithm the catalogue doesn't know (so it keeps its stored shape) reading
+// a var and writing another, an iterator, and a known algorithm.
+const char* kModel = R"(<?xml version="1.0" encoding="GB2312" standalone="no"?>
+<Configuration>
+    <Processes>
+        <Process class="algo" name="{a}" description="NDVI" posX="100" posY="50" painter="{&quot;width&quot;:&quot;120.000000&quot;, &quot;height&quot;:&quot;60.000000&quot;}" processName="local.ndvi">
+            <Parameter name="In File" type="file" direction="0" value="%{in}%" description="Input"/>
+            <Parameter name="Out File" type="file" direction="1" value="%{out}%" description="Output"/>
+        </Process>
+        <Process class="algo" name="{known}" posX="400" posY="50" painter="{&quot;width&quot;:&quot;120.000000&quot;, &quot;height&quot;:&quot;60.000000&quot;}" processName="test.noop"/>
+        <Process class="RasterFileIterator" name="{it}" posX="-200" posY="50" painter="not json">
+            <Parameter name="strDir" type="multiDirectory" direction="0" value="" description="Folders"/>
+        </Process>
+    </Processes>
+    <Vars>
+        <Var class="file" name="{in}" description="Scene" posX="100" posY="-150" painter="" constant="1" value="a.txt"/>
+        <Var class="file" name="{out}" description="Result" posX="100" posY="250" painter="{}" constant="1" value="b.txt"/>
+    </Vars>
+    <Arrows>
+        <Arrow head="{a}" headType="process" headParam="In File" tail="{in}" tailType="var" tailParam="" class="arrow" posX="0" posY="0" painter=""/>
+        <Arrow head="{out}" headType="var" headParam="" tail="{a}" tailType="process" tailParam="Out File" class="arrow" posX="0" posY="0" painter=""/>
+    </Arrows>
+</Configuration>
+)";
+
+template <class T>
+T* itemOf(ModelControler& window, const QString& id)
+{
+    for (QGraphicsItem* item : window.GetScene()->GetItems()) {
+        auto* base = dynamic_cast<GraphicsItemBase*>(item);
+        if (base && base->GetObject()->GetName() == id)
+            return dynamic_cast<T*>(item);
+    }
+    return nullptr;
+}
+
+// Paints item once, as a view would.
+void paintOnce(QGraphicsItem* item)
+{
+    QImage image(400, 400, QImage::Format_ARGB32);
+    QPainter painter(&image);
+    QStyleOptionGraphicsItem option;
+    item->paint(&painter, &option, nullptr);
+}
+
+// Writes down every call it gets, in order.
+class RecordingTool : public ModelTool
+{
+public:
+    bool enabled = true;
+    QStringList calls;
+    void OnClick() override { calls << "click"; }
+    bool IsEnable() override { return enabled; }
+    bool ReservedQuery() override { return true; }
+    void OnMousePress(QGraphicsSceneMouseEvent*) override { calls << "press"; }
+    void OnMouseDrag(QGraphicsSceneMouseEvent*) override { calls << "drag"; }
+    void OnMouseRelease(QGraphicsSceneMouseEvent*) override { calls << "release"; }
+    void OnMouseHover(QGraphicsSceneMouseEvent*) override { calls << "hover"; }
+    void OnEnter(QEvent*) override { calls << "enter"; }
+    void OnLeave(QEvent*) override { calls << "leave"; }
+};
 
 // Closes every modal window that opens while it lives, and counts them.
 class ModalWatch
@@ -53,6 +133,134 @@ private:
 };
 
 } // namespace
+
+// ---------------------------------------------------------------------------
+// The scene and view of an empty window, with items standing for objects
+
+class Canvas : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        window.resize(400, 300);
+        window.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    }
+    ModelControler window{QString(), false};
+    CanvasDriver::Mouse mouse{window};
+};
+
+TEST_F(Canvas, EventsReachTheCurrentToolOnlyWhenItIsWilling)
+{
+    RecordingTool tool;
+    window.SetCurrentTool(&tool);
+    EXPECT_EQ(tool.calls.join(' '), "click");
+    tool.calls.clear();
+
+    // Moves without a button reach a view only while it tracks the mouse, which
+    // Qt turns on once an item takes hover events.
+    mouse.Viewport()->setMouseTracking(true);
+    int moves = 0;
+    QObject::connect(window.GetScene(), &ModelScene::SceneMouseMove, [&] { ++moves; });
+    mouse.Move(QPoint(50, 50));
+    mouse.Press(QPoint(60, 60));
+    mouse.Move(QPoint(80, 80), Qt::LeftButton);
+    mouse.Release(QPoint(80, 80));
+    EXPECT_EQ(tool.calls.join(' '), "hover press drag release");
+    EXPECT_EQ(moves, 2);
+
+    // A tool that is not enabled hears nothing, and the moves are still told.
+    tool.enabled = false;
+    tool.calls.clear();
+    mouse.Press(QPoint(60, 60));
+    mouse.Move(QPoint(90, 90), Qt::LeftButton);
+    mouse.Release(QPoint(90, 90));
+    EXPECT_EQ(tool.calls.join(' '), "");
+    EXPECT_EQ(moves, 3);
+
+    tool.enabled = true;
+    QEvent enter(QEvent::Enter), leave(QEvent::Leave);
+    QApplication::sendEvent(window.GetView(), &enter);
+    QApplication::sendEvent(window.GetView(), &leave);
+    EXPECT_EQ(tool.calls.join(' '), "enter leave");
+}
+
+TEST(CanvasItems, LoadedItemsStandPaintScaleAndShowStates)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(TestSupport::WriteAll(dir.filePath("m.apc"), kModel));
+    auto window = std::make_unique<ModelControler>(dir.filePath("m.apc"), false);
+    EXPECT_EQ(window->GetScene()->GetItems().size(), 7);
+    auto* algo = itemOf<AlgoGraphics>(*window, "{a}");
+    ASSERT_TRUE(algo);
+    EXPECT_EQ(algo->rect(), QRectF(-60, -30, 120, 60));
+    EXPECT_EQ(algo->pos(), QPointF(100, 50));
+
+    // An algorithm of the catalogue comes back at the default size, whatever its
+    // file says.
+    auto* known = itemOf<AlgoGraphics>(*window, "{known}");
+    ASSERT_TRUE(known);
+    EXPECT_EQ(known->rect(), QRectF(-40, -20, 80, 40));
+
+    // Unreadable painter texts give the defaults; an empty object gives zero.
+    auto* iterator = itemOf<IteratorGraphics>(*window, "{it}");
+    ASSERT_TRUE(iterator);
+    EXPECT_EQ(iterator->polygon().boundingRect(), QRectF(-50, -50, 100, 100));
+    auto* scene = itemOf<VarGraphics>(*window, "{in}");
+    auto* result = itemOf<VarGraphics>(*window, "{out}");
+    ASSERT_TRUE(scene && result);
+    EXPECT_EQ(scene->rect(), QRectF(-40, -20, 80, 40));
+    EXPECT_EQ(result->rect().size(), QSizeF(0, 0));
+
+    // Arrows found their ends and lie under the items.
+    auto* in = itemOf<ArrowGraphics>(*window, window->GetDocument()->GetArrows()[0]->GetName());
+    ASSERT_TRUE(in);
+    EXPECT_EQ(in->GetHeadItem(), algo);
+    EXPECT_EQ(in->GetTailItem(), scene);
+    EXPECT_EQ(in->zValue(), -1.0);
+    EXPECT_FALSE(in->flags() & QGraphicsItem::ItemIsMovable);
+    // A var of no size has no outline to meet: its arrow still paints.
+    paintOnce(itemOf<ArrowGraphics>(*window, window->GetDocument()->GetArrows()[1]->GetName()));
+
+    // An arrow vanishes while its ends overlap.
+    paintOnce(in);
+    const QPolygonF head = in->GetHeadShape();
+    ASSERT_EQ(head.size(), 3);
+    EXPECT_EQ(head[0], QPointF(100, 20)); // on the algorithm's top edge, where it points
+    algo->setPos(100, -150); // on top of its input var
+    paintOnce(in);
+    EXPECT_EQ(in->GetHeadShape(), head); // nothing painted, nothing recomputed
+    algo->setPos(100, 50);
+
+    // Step states colour the shapes, but never a var.
+    algo->SetProgress(42.9);
+    algo->SetState(1);
+    EXPECT_EQ(algo->brush().color(), QColor(Qt::yellow));
+    EXPECT_EQ(algo->GetProgress(), 42);
+    algo->SetState(2);
+    EXPECT_EQ(algo->brush().color(), QColor(Qt::darkYellow));
+    EXPECT_EQ(algo->GetProgress(), 100);
+    algo->SetState(-1); // a failure has no colour of its own
+    EXPECT_EQ(algo->brush().color(), QColor(Qt::lightGray));
+    EXPECT_EQ(algo->GetProgress(), 0);
+    scene->SetState(1);
+    EXPECT_EQ(scene->brush().color(), QColor(Qt::green));
+
+    // Scaling starts from the bounding rectangle.
+    const double pen = algo->pen().widthF();
+    algo->ScaleBy(QPointF(0, 0), 1, 1);
+    EXPECT_EQ(algo->rect().size(), QSizeF(120 + pen, 60 + pen));
+    algo->ScaleBy(QPointF(0, 50), -1, 1); // no turning inside out; the place mirrors
+    EXPECT_GT(algo->rect().width(), 0);
+    EXPECT_EQ(algo->pos(), QPointF(-100, 50));
+    const QPointF before = iterator->pos();
+    iterator->ScaleBy(iterator->pos(), 2, 2); // about its own centre: it stays put
+    EXPECT_EQ(iterator->pos(), before);
+    EXPECT_EQ(iterator->polygon().boundingRect(), QRectF(-100, -100, 200, 200));
+}
+
+// ---------------------------------------------------------------------------
+// The tools
 
 class Tools : public ::testing::Test
 {
@@ -271,7 +479,7 @@ TEST_F(Tools, AZoomClickZoomsNothingAndLeavesItsEmptyBandForTheNextPressWhichSto
     }
 }
 
-TEST_F(Tools, ABandSelectsWhatItTouchesAndGoesAway)
+TEST_F(Tools, ABandSelectsWhatItTouchesAndGoesAwayAndPanScrollsMovingNoItem)
 {
     mouse.Drag(mouse.At(QPointF(-120, -200)), mouse.At(QPointF(40, 10)));
     QStringList selected;
@@ -281,12 +489,7 @@ TEST_F(Tools, ABandSelectsWhatItTouchesAndGoesAway)
     selected.sort();
     EXPECT_EQ(selected, QStringList({"{in}", "{step}"}));
     EXPECT_EQ(strayItems(), 0);
-    EXPECT_FALSE(window->IsModified());
-}
 
-
-TEST_F(Tools, PanScrollsTheViewAndMovesNoItem)
-{
     view()->ApplyScale(4.0); // larger than the window: there is somewhere to scroll
     QApplication::processEvents();
     use("Pan");
@@ -325,5 +528,181 @@ TEST_F(Tools, ALongNameShowsItsStartOnTheCanvasAndWholeAsTheToolTip)
     in->SetDescription("Scene of the first of May");
     model()->NotifyVarChanged(in);
     EXPECT_EQ(item("{in}")->toolTip(), "Scene of the first of May");
+}
+
+// ---------------------------------------------------------------------------
+// Copy in one model window, paste in another: new ids, references that follow
+// the copied vars or are emptied, arrows made again, nothing to save. And rows of
+// the tool box dropped on a canvas.
+
+class Clipboard : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(TestSupport::WriteAll(dir.filePath("from.apc"), TestSupport::kStepAndThreeVars));
+        from = std::make_unique<ModelControler>(dir.filePath("from.apc"), false);
+        to = std::make_unique<ModelControler>(dir.filePath("new.apc"), false); // no file yet: empty
+    }
+    // As a user clicks the command: enabled at the last tick, or nothing happens.
+    void click(ModelControler& window, const char* caption)
+    {
+        ModelCommandManager::Instance()->OnUpdateState();
+        GuiDriver::Action(&window, caption)->trigger();
+    }
+    void select(ModelControler& window, const QStringList& ids)
+    {
+        for (const QString& id : ids)
+            dynamic_cast<QGraphicsItem*>(window.FindItemBaseById(id))->setSelected(true);
+    }
+    void pasteText(const QString& text)
+    {
+        QApplication::clipboard()->setText(text);
+        click(*to, "Paste");
+    }
+
+    QTemporaryDir dir;
+    std::unique_ptr<ModelControler> from;
+    std::unique_ptr<ModelControler> to;
+};
+
+TEST_F(Clipboard, AStepAndOneOfItsVarsComeBackJoinedWithNewIds)
+{
+    select(*from, {"{step}", "{in}"});
+    click(*from, "Copy");
+    const QMimeData* mime = QApplication::clipboard()->mimeData();
+    ASSERT_TRUE(mime);
+    EXPECT_TRUE(mime->text().startsWith("ModelBuilder$$"));
+    const QImage picture = qvariant_cast<QImage>(mime->imageData());
+    EXPECT_FALSE(picture.isNull());
+    EXPECT_GE(picture.height(), 150 + 40); // from the var's top to the step's bottom
+
+    APCModel* model = to->GetDocument();
+    for (int paste = 1; paste <= 2; ++paste) {
+        SCOPED_TRACE(paste);
+        click(*to, "Paste");
+        ASSERT_EQ(model->GetProcesses().size(), paste);
+        ASSERT_EQ(model->GetVars().size(), paste);
+        ASSERT_EQ(model->GetArrows().size(), paste);
+        APCProcess* step = model->GetProcesses().last();
+        APCVar* in = model->GetVars().last();
+        APCArrow* arrow = model->GetArrows().last();
+        EXPECT_NE(step->GetName(), "{step}");
+        EXPECT_NE(in->GetName(), "{in}");
+        EXPECT_EQ(step->GetParameter("In File").value, "%" + in->GetName() + "%");
+        EXPECT_EQ(arrow->GetHead(), step->GetName());
+        EXPECT_EQ(arrow->GetHeadParam(), "In File");
+        EXPECT_EQ(arrow->GetTail(), in->GetName());
+        // Both keep their places to each other, and every paste lands on the same spot.
+        EXPECT_EQ(step->GetPos() - in->GetPos(), QPointF(0, 150));
+        EXPECT_EQ(in->GetPos(), model->GetVars().first()->GetPos());
+        EXPECT_EQ(to->GetScene()->GetItems().size(), 3 * paste);
+        EXPECT_TRUE(to->FindItem(arrow));
+    }
+    EXPECT_NE(model->GetProcesses().first()->GetName(), model->GetProcesses().last()->GetName());
+    EXPECT_FALSE(to->IsModified()); // a paste alone leaves nothing to save
+
+    // What was pasted belongs to the model like the rest: it can be deleted.
+    to->GetScene()->clearSelection();
+    to->FindItem(model->GetVars().first())->setSelected(true);
+    click(*to, "Delete");
+    EXPECT_EQ(model->GetVars().size(), 1);
+    EXPECT_EQ(model->GetArrows().size(), 1);
+    EXPECT_EQ(model->GetProcesses().first()->GetParameter("In File").value, "");
+    EXPECT_EQ(to->GetScene()->GetItems().size(), 4);
+}
+
+TEST_F(Clipboard, CharactersNoSaveCanWriteAreNotPasted)
+{
+    pasteText("ModelBuilder$$<Process class=\"algo\" name=\"{p}\" processName=\"test.copy&#1;Text\" posX=\"0\" posY=\"0\"/>");
+    ASSERT_EQ(to->GetDocument()->GetProcesses().size(), 1);
+    EXPECT_EQ(to->GetDocument()->GetProcesses()[0]->GetDescription(), "Copy text file"); // found in the catalogue
+}
+
+// Dropping a row of the tool box tree on a model's canvas.
+class Drop : public ::testing::Test
+{
+protected:
+    QTemporaryDir dir;
+    ATBTreeWidget tree;
+};
+
+TEST_F(Drop, ToolsBecomeStepsWithTheirVarsAndArrows)
+{
+    ATBAlgo ndvi;
+    ndvi.SetName("Vegetation index");
+    ndvi.SetMetadata("raster.ndvi");
+    ATBIterator scenes;
+    scenes.SetName("Scenes");
+    scenes.SetClass("RasterFileIterator");
+    ATBGroup group;
+    group.SetName("Raster");
+
+    struct Case { const char* name; ATBItem* item; bool readOnly; QString kind; int vars; };
+    const Case cases[] = {
+        // What a step needs and has no default for gets a var and an arrow:
+        // NDVI's input and output, the iterator's folders and its output.
+        {"an algorithm", &ndvi, false, "algo", 2},
+        {"a file iterator", &scenes, false, "RasterFileIterator", 2},
+        {"a group makes nothing", &group, false, QString(), 0},
+        {"a read-only model takes nothing", &ndvi, true, QString(), 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        tree.clear();
+        auto window = std::make_unique<ModelControler>(dir.filePath("m.apc"), c.readOnly);
+        EXPECT_EQ(CanvasDriver::DropOnCanvas(&tree, c.item, *window, QPointF(120, 80)), !c.readOnly);
+        APCModel* model = window->GetDocument();
+        if (c.kind.isEmpty()) {
+            EXPECT_TRUE(model->GetProcesses().isEmpty());
+            EXPECT_FALSE(window->IsModified());
+            continue;
+        }
+        ASSERT_EQ(model->GetProcesses().size(), 1);
+        APCProcess* step = model->GetProcesses().first();
+        EXPECT_EQ(step->GetClass(), c.kind);
+        EXPECT_EQ(step->GetDescription(), c.item->GetName()); // the tool box's name wins
+        EXPECT_EQ(step->GetPos(), QPointF(120, 80));
+        EXPECT_EQ(model->GetVars().size(), c.vars);
+        EXPECT_EQ(model->GetArrows().size(), c.vars);
+        EXPECT_EQ(window->GetScene()->GetItems().size(), 1 + 2 * c.vars);
+        EXPECT_TRUE(window->IsModified());
+    }
+}
+
+TEST_F(Drop, AModelCannotBeDroppedIntoItself)
+{
+    ATBAlgoDepend self(false);
+    self.SetName("Self");
+    self.SetFile("Model/apc/self.apc");
+    auto window = std::make_unique<ModelControler>(ATBItem::AppRoot() + "Model/apc/self.apc", false);
+    GuiDriver::Message warning;
+    GuiDriver::AnswerMessage(&warning);
+    EXPECT_TRUE(CanvasDriver::DropOnCanvas(&tree, &self, *window, QPointF(0, 0)));
+    EXPECT_EQ(warning.title + ": " + warning.text, "Warning: Can not drag self!");
+    EXPECT_TRUE(window->GetDocument()->GetProcesses().isEmpty());
+}
+
+TEST_F(Clipboard, OnlyCopiedObjectsOfKnownKindsArePasted)
+{
+    struct Case { const char* name; QString text; int processes; int vars; int arrows; };
+    const Case cases[] = {
+        {"another program's text", "some words", 0, 0, 0},
+        {"the marker and broken XML", "ModelBuilder$$<Var class=", 0, 0, 0},
+        {"arrows alone copy to the marker only", "ModelBuilder$$", 0, 0, 0},
+        {"a step of an unknown kind is left out, its var is not",
+         R"(ModelBuilder$$<Process class="nosuch" name="{p}" posX="0" posY="0"/><Var class="file" name="{v}" posX="0" posY="0"/>)",
+         0, 1, 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        to = std::make_unique<ModelControler>(dir.filePath("new.apc"), false);
+        pasteText(c.text);
+        APCModel* model = to->GetDocument();
+        EXPECT_EQ(model->GetProcesses().size(), c.processes);
+        EXPECT_EQ(model->GetVars().size(), c.vars);
+        EXPECT_EQ(model->GetArrows().size(), c.arrows);
+        EXPECT_EQ(to->GetScene()->GetItems().size(), c.processes + c.vars + c.arrows);
+    }
 }
 

@@ -1,11 +1,16 @@
-// The property dialogs of arrows, file iterators and nested model steps, driven as
-// a user drives them on a model open in its window, then read back from the model;
-// and the double click on each kind of object that opens its dialog.
+// The property dialogs driven as a user drives them: rows chosen, text typed,
+// radio buttons and buttons clicked, refusals answered. The function dialog, the
+// var dialog and Add Variable; the dialogs of arrows, file iterators and nested
+// model steps on a model open in its window, read back from the model; and the
+// double click on each kind of object that opens its dialog.
 #include "HostCatalogGui/DataTypeWidget.h"
 #include "HostShell/EnvironmentSetting.h"
 #include "dialogs/APCArrowDlg.h"
 #include "dialogs/APCFileIteratorDlg.h"
+#include "dialogs/APCFunctionDlg.h"
 #include "dialogs/APCModelFileDlg.h"
+#include "dialogs/APCVarDlg.h"
+#include "dialogs/VarAddDlg.h"
 #include "editor/GraphicsItemBase.h"
 #include "editor/ModelCommandManager.h"
 #include "editor/ModelControler.h"
@@ -15,6 +20,8 @@
 #include "engine/APCModelFile.h"
 #include "engine/APCRasterFileIterator.h"
 #include "engine/SequenceControl.h"
+#include "functions/APCFun.h"
+#include "functions/FunctionInfo.h"
 #include "model/APCArrow.h"
 #include "model/APCVar.h"
 #include "model/APCVarFactory.h"
@@ -26,18 +33,22 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QDir>
 #include <QFile>
 #include <QGraphicsItem>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextEdit>
 #include <QTimer>
-#include <QXmlStreamWriter>
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -50,6 +61,42 @@ using GuiDriver::OnNextModal;
 using GuiDriver::Retype;
 
 namespace {
+
+// Clicks the row whose text is text, as a user does (the list must be on screen).
+void clickRow(QListWidget* list, const QString& text)
+{
+    const QList<QListWidgetItem*> found = list->findItems(text, Qt::MatchExactly);
+    ASSERT_EQ(found.size(), 1) << text.toStdString();
+    list->scrollToItem(found.first());
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(found.first()).center());
+}
+
+QStringList rowTexts(QListWidget* list)
+{
+    QStringList texts;
+    for (int i = 0; i < list->count(); ++i)
+        texts << list->item(i)->text();
+    return texts;
+}
+
+// Runs dialog modally; act is what the user does in it (it must end it).
+int runModal(QDialog& dialog, std::function<void(QDialog*)> act)
+{
+    OnNextModal([&dialog, act](QWidget* w) {
+        ASSERT_EQ(w, &dialog);
+        act(&dialog);
+    });
+    return dialog.exec();
+}
+
+APCVar* addVar(APCModel& model, const QString& id, const QString& type, const QString& description)
+{
+    APCVar* var = APCVarFactory::Instance()->Create(type);
+    var->SetName(id);
+    var->SetDescription(description);
+    model.AddVar(var);
+    return var;
+}
 
 // What the model told its listeners, one label per signal, sorted: "arrow~", "var+"...
 class ChangeLog
@@ -154,7 +201,375 @@ APCModelFile* addNestedStep(APCModel& m)
     return step;
 }
 
+std::unique_ptr<ModelControler> openShown(const char* model, bool readOnly)
+{
+    return CanvasDriver::OpenShown(QCoreApplication::applicationDirPath() + "/../Model/apc/" + model, readOnly, 1000, 800);
+}
+
+// The item of the first object of that kind ("process:<class>", "var", "arrow").
+QGraphicsItem* itemOfKind(ModelControler& window, const QString& kind)
+{
+    for (QGraphicsItem* item : window.GetView()->scene()->items()) {
+        auto* base = dynamic_cast<GraphicsItemBase*>(item);
+        APCObject* object = base ? base->GetObject() : nullptr;
+        if (!object)
+            continue;
+        const QString type = APCModel::ObjectType(object);
+        const QString found = type == "process" ? "process:" + object->GetClass() : type.isEmpty() ? "arrow" : type;
+        if (found == kind)
+            return item;
+    }
+    return nullptr;
+}
+
+// Double-clicks the item where nothing else covers it.
+void doubleClick(ModelControler& window, QGraphicsItem* item)
+{
+    ModelView* view = window.GetView();
+    view->centerOn(item);
+    QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier,
+                       view->mapFromScene(item->sceneBoundingRect().center()));
+}
+
+// Double-clicks the item and names the modal that opens.
+QString dialogOnDoubleClick(ModelControler& window, QGraphicsItem* item)
+{
+    QString opened;
+    GuiDriver::OnNextModal([&](QWidget* modal) {
+        opened = modal->metaObject()->className();
+        modal->close();
+    });
+    doubleClick(window, item);
+    return opened;
+}
+
 } // namespace
+
+// ---------------------------------------------------------------------------
+// APCFunctionDlg
+
+// It opens on the first sorted function with the vars listed by description; a
+// double click on a var or its context menu puts "%" + id + "%" at the cursor, and
+// a click on a var shows its help.
+TEST(FunctionDialog, ListsFunctionsAndVarsAndPutsAVarReferenceAtTheCursor)
+{
+    TestSupport::HeadlessModel model;
+    addVar(model, "{s}", "file", "Scene");
+    addVar(model, "{i}", "file", "Input");
+    addVar(model, "{o}", "filePath", "Output");
+    APCFunctionDlg dialog(APCFun::GetFunctionList(), model.GetVars(), nullptr);
+
+    auto* functions = Child<QListWidget>(&dialog, "functionList");
+    EXPECT_EQ(rowTexts(functions),
+              QStringList({"$APCFun_UnionFilePath", "$AppendSuffix", "$ReplaceDirectory", "$ReplaceExtension",
+                           "$ReplaceSuffix", "$SelectDirectory", "$SelectDirectory2", "$SubDirectory"}));
+    EXPECT_TRUE(functions->item(0)->isSelected());
+
+    auto* vars = Child<QListWidget>(&dialog, "varList");
+    EXPECT_EQ(rowTexts(vars), QStringList({"Input", "Output", "Scene"}));
+
+    // The help of the first function, not of the first var: the signals were connected after the filling.
+    auto* help = Child<QTextEdit>(&dialog, "helpEdit");
+    const QString first = help->toPlainText();
+    EXPECT_TRUE(first.startsWith("Name:$UnionFilePath(%filePath1%, %filePath2%, '_')\n")) << qPrintable(first);
+    EXPECT_TRUE(first.contains("separator + the file extension.\n\nDescribe:\nUnionFilePath('c:/test/a_b_x.tif'"))
+        << qPrintable(first);
+
+    dialog.show();
+    auto* edit = Child<QTextEdit>(&dialog, "expressionEdit");
+    auto rowCentre = [vars](const QString& text) {
+        QListWidgetItem* item = vars->findItems(text, Qt::MatchExactly).value(0);
+        EXPECT_NE(item, nullptr) << text.toStdString();
+        return item ? vars->visualItemRect(item).center() : QPoint();
+    };
+
+    Retype(edit, "$AppendSuffix(, '_a')");
+    QTest::keyClick(edit, Qt::Key_Home);
+    for (int i = 0; i < 14; ++i)
+        QTest::keyClick(edit, Qt::Key_Right);
+    // A double click is a click and then the double click event.
+    QTest::mouseClick(vars->viewport(), Qt::LeftButton, {}, rowCentre("Scene"));
+    QTest::mouseDClick(vars->viewport(), Qt::LeftButton, {}, rowCentre("Scene"));
+    EXPECT_EQ(edit->toPlainText(), "$AppendSuffix(%{s}%, '_a')");
+    EXPECT_EQ(help->toPlainText(), "Name:{s}\nDescribe:Scene");
+    QTest::keyClicks(edit, "x"); // typing goes on behind the reference
+    EXPECT_EQ(edit->toPlainText(), "$AppendSuffix(%{s}%x, '_a')");
+
+    // Right button on "Input", then the menu's one entry.
+    QTest::keyClick(edit, Qt::Key_End);
+    const QPoint at = rowCentre("Input");
+    QTest::mousePress(vars->viewport(), Qt::RightButton, {}, at);
+    QStringList entries;
+    GuiDriver::OnNextPopup(nullptr, [&entries](QMenu* menu) {
+        for (QAction* a : menu->actions())
+            entries << a->text();
+        QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(menu->actions().first()).center());
+    });
+    QContextMenuEvent event(QContextMenuEvent::Mouse, at, vars->viewport()->mapToGlobal(at));
+    QApplication::sendEvent(vars->viewport(), &event);
+    EXPECT_EQ(entries, QStringList({"Insert reference"}));
+    EXPECT_EQ(edit->toPlainText(), "$AppendSuffix(%{s}%x, '_a')%{i}%");
+    EXPECT_EQ(dialog.GetExpression(), ""); // only OK takes the text
+}
+
+TEST(FunctionDialog, OkTakesWhatParsesOrIsEmptyAndRefusesTheRest)
+{
+    struct Case
+    {
+        const char* name;
+        QString text;
+        bool accepted;
+    };
+    const std::vector<Case> cases = {
+        {"a function", "$AppendSuffix('c:/test/x.tif', '_a')", true},
+        {"empty clears the expression", "", true},
+        {"a line break goes to the parser as it stands", "$AppendSuffix('c:/test/x.tif',\n'_a')", true},
+        {"too few arguments", "$AppendSuffix('c:/test/x.tif')", false},
+        {"blanks only", "   ", false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        APCFunctionDlg dialog(APCFun::GetFunctionList(), {}, nullptr);
+        dialog.SetExpression("$AppendSuffix('set', '_by the caller')");
+        GuiDriver::Message message;
+        const int result = runModal(dialog, [&](QDialog* d) {
+            auto* edit = Child<QTextEdit>(d, "expressionEdit");
+            Retype(edit, c.text);
+            ASSERT_EQ(edit->toPlainText(), c.text);
+            if (c.accepted) {
+                Click(d, "okButton");
+                return;
+            }
+            GuiDriver::AnswerMessage(&message);
+            Click(d, "okButton");
+            EXPECT_EQ(message.shown, 1);
+            EXPECT_EQ(message.title, "Error");
+            EXPECT_EQ(message.text, "The function is error!");
+            EXPECT_EQ(message.buttons, QStringList({"OK"}));
+            EXPECT_TRUE(d->isVisible()); // stays open, with the bad text in the field
+            EXPECT_EQ(dialog.GetExpression(), c.text);
+            // The user mends the text and tries again.
+            Retype(edit, "$ReplaceExtension('c:/test/x.tif', 'xml')");
+            Click(d, "okButton");
+        });
+        EXPECT_EQ(result, QDialog::Accepted);
+        EXPECT_EQ(message.shown, c.accepted ? 0 : 1);
+        EXPECT_EQ(dialog.GetExpression(), c.accepted ? c.text : "$ReplaceExtension('c:/test/x.tif', 'xml')");
+    }
+}
+
+// ---------------------------------------------------------------------------
+// APCVarDlg
+
+class VarDialog : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        source = addVar(model, "{src}", "string", "Scene");
+        TestSupport::SetConstant(source, "c:/test/x.tif");
+        computed = addVar(model, "{out}", "string", "Output");
+        computed->SetConstant(false);
+        computed->SetValue("c:/old/value.tif");
+        computed->SetFunExp("$AppendSuffix(%{src}%, '_a')");
+        // A constant that keeps an expression from an earlier switch.
+        kept = addVar(model, "{kept}", "string", "Kept");
+        kept->SetFunExp("$ReplaceExtension(%{src}%, 'xml')");
+        TestSupport::SetConstant(kept, "abc");
+        changes = model.varChanged.connect([this](APCVar* var) { changed << var; });
+    }
+
+    static DataTypeWidget* valueWidget(QWidget* dialog) { return Child<DataTypeWidget>(dialog, "valueWidget"); }
+    static QLineEdit* valueEdit(QWidget* dialog) { return valueWidget(dialog)->findChild<QLineEdit*>(); }
+
+    TestSupport::HeadlessModel model;
+    APCVar* source = nullptr;
+    APCVar* computed = nullptr;
+    APCVar* kept = nullptr;
+    QList<APCVar*> changed;
+    boost::signals2::scoped_connection changes;
+};
+
+// Only Apply writes, once per dialog; the radio buttons switch the editors, a
+// computed var made constant keeps its expression for a later switch back, and
+// the dots open the function dialog, whose OK alone changes the expression.
+TEST_F(VarDialog, ApplyWritesWhatTheUserChoseAndTellsTheModel)
+{
+    APCVar* fresh = addVar(model, "{fresh}", "string", "Fresh");
+    TestSupport::SetConstant(fresh, "v");
+    const QString appended = "$AppendSuffix(%{src}%, '_a')";
+    const QString replaced = "$ReplaceExtension(%{src}%, 'xml')";
+    const auto typeValue = [](QDialog* d, const QString& text) { Retype(valueEdit(d), text); };
+    struct Case
+    {
+        const char* name;
+        APCVar* var;
+        std::function<void(QDialog*)> edit;
+        bool constant;
+        QString value, funExp, description;
+        QString runValue; // after resolving the model, when given
+    };
+    const std::vector<Case> cases = {
+        {"a constant made computed keeps its value", fresh,
+         [](QDialog* d) {
+             Click(d, "varRadio");
+             Retype(Child<QLineEdit>(d, "expressionEdit"), "$ReplaceExtension(%{src}%, 'xml')");
+         },
+         false, "v", "$ReplaceExtension(%{src}%, 'xml')", "Fresh", "c:/test/x.xml"},
+        {"a constant retyped", source,
+         [&](QDialog* d) {
+             Retype(Child<QLineEdit>(d, "descriptionEdit"), "Scene file");
+             typeValue(d, "c:/data/y.tif");
+         },
+         true, "c:/data/y.tif", "", "Scene file", "c:/data/y.tif"},
+        {"computed to Constant and back", computed,
+         [&](QDialog* d) {
+             auto* expression = Child<QLineEdit>(d, "expressionEdit");
+             auto* dots = Child<QPushButton>(d, "funcButton");
+             EXPECT_TRUE(Child<QRadioButton>(d, "varRadio")->isChecked());
+             EXPECT_TRUE(expression->isEnabled() && dots->isEnabled());
+             EXPECT_FALSE(valueWidget(d)->isEnabled());
+             EXPECT_EQ(valueWidget(d)->GetValue(), "c:/old/value.tif");
+             Click(d, "constRadio");
+             EXPECT_TRUE(valueWidget(d)->isEnabled());
+             EXPECT_FALSE(expression->isEnabled() || dots->isEnabled());
+             EXPECT_FALSE(Child<QRadioButton>(d, "varRadio")->isChecked());
+             typeValue(d, "c:/fixed.tif");
+             Click(d, "varRadio");
+             EXPECT_FALSE(valueWidget(d)->isEnabled());
+             EXPECT_TRUE(expression->isEnabled() && dots->isEnabled());
+             EXPECT_EQ(expression->text(), appended); // came back with the mode
+         },
+         false, "c:/old/value.tif", appended, "Output", ""},
+        {"the dots: Cancel keeps the expression, OK takes the new one", computed,
+         [&](QDialog* d) {
+             for (const char* button : {"cancelButton", "okButton"}) {
+                 OnNextModal([&](QWidget* w) {
+                     auto* f = qobject_cast<APCFunctionDlg*>(w);
+                     ASSERT_NE(f, nullptr);
+                     EXPECT_EQ(f->parentWidget(), d);
+                     EXPECT_EQ(Child<QTextEdit>(f, "expressionEdit")->toPlainText(), appended);
+                     EXPECT_EQ(rowTexts(Child<QListWidget>(f, "varList")), QStringList({"Fresh", "Kept", "Output", "Scene file"}));
+                     Retype(Child<QTextEdit>(f, "expressionEdit"), replaced);
+                     Click(f, button);
+                 });
+                 Click(d, "funcButton");
+             }
+             EXPECT_EQ(Child<QLineEdit>(d, "expressionEdit")->text(), replaced);
+         },
+         false, "c:/old/value.tif", replaced, "Output", "c:/data/y.xml"},
+        {"computed to Constant", computed,
+         [&](QDialog* d) {
+             Click(d, "constRadio");
+             typeValue(d, "c:/fixed.tif");
+         },
+         true, "c:/fixed.tif", replaced, "Output", ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        changed.clear();
+        APCVarDlg dialog(c.var, nullptr);
+        const int result = runModal(dialog, [&](QDialog* d) {
+            c.edit(d);
+            Click(d, "okButton");
+        });
+        ASSERT_EQ(result, QDialog::Accepted);
+        EXPECT_TRUE(changed.isEmpty()); // not before Apply
+        dialog.Apply();
+        EXPECT_EQ(c.var->GetConstant(), c.constant);
+        EXPECT_EQ(c.var->GetValue(), c.value);
+        EXPECT_EQ(c.var->GetFunExp(), c.funExp);
+        if (!c.funExp.isEmpty()) {
+            EXPECT_NE(c.var->GetFun(), nullptr);
+        }
+        EXPECT_EQ(c.var->GetDescription(), c.description);
+        EXPECT_EQ(changed, QList<APCVar*>({c.var}));
+        if (!c.runValue.isEmpty()) {
+            ASSERT_TRUE(model.ResolveVarValues({}));
+            EXPECT_EQ(c.var->GetRunValue(), c.runValue);
+        }
+    }
+    // A constant's dialog does not show the expression it keeps; Cancel leaves the var.
+    APCVarDlg again(computed, nullptr);
+    changed.clear();
+    const int result = runModal(again, [](QDialog* d) {
+        EXPECT_EQ(Child<QLineEdit>(d, "expressionEdit")->text(), "");
+        Retype(Child<QLineEdit>(d, "descriptionEdit"), "Renamed");
+        Click(d, "cancelButton");
+    });
+    EXPECT_EQ(result, QDialog::Rejected);
+    EXPECT_EQ(computed->GetDescription(), "Output");
+    EXPECT_TRUE(changed.isEmpty());
+}
+
+// ---------------------------------------------------------------------------
+// In a window: Add Variable
+
+TEST(VarsInWindow, AddsAVarOfTheChosenTypeAtTheFixedPoint)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(TestSupport::WriteAll(dir.filePath("m.apc"), TestSupport::kStepAndThreeVars));
+    ModelControler window(dir.filePath("m.apc"), false);
+    // Clicks "Add Variable"; act is what the user does in the dialog.
+    const auto addVariable = [&window](std::function<void(QDialog*)> act) {
+        QAction* action = GuiDriver::Action(&window, "Add Variable");
+        ASSERT_TRUE(action && action->isEnabled());
+        OnNextModal([&window, act](QWidget* w) {
+            auto* dialog = qobject_cast<VarAddDlg*>(w);
+            ASSERT_NE(dialog, nullptr);
+            EXPECT_EQ(dialog->parentWidget(), &window);
+            act(dialog);
+        });
+        action->trigger();
+    };
+    QList<APCVar*>& vars = window.GetDocument()->GetVars();
+    int expectedCount = vars.size();
+    ASSERT_FALSE(window.IsModified());
+
+    struct Case { const char* name; const char* row; const char* type; const char* label; bool noRowFirst; };
+    const Case cases[] = {
+        {"OK at once: the first sorted type", nullptr, "file", "File", false},
+        {"a chosen type, on top of the others", "Integer", "int", "Integer", false},
+        // The state a list without a current row is in (no host type chosen).
+        {"OK without a current row is refused and the dialog stays", "Real number", "float", "Real number", true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        addVariable([&](QDialog* d) {
+            auto* list = Child<QListWidget>(d, "typeList");
+            if (c.noRowFirst) {
+                list->setCurrentRow(-1);
+                GuiDriver::Message message;
+                GuiDriver::AnswerMessage(&message);
+                Click(d, "okButton");
+                EXPECT_EQ(message.shown, 1);
+                EXPECT_EQ(message.title, "Error");
+                EXPECT_EQ(message.text, "Not selected!");
+                EXPECT_EQ(message.buttons, QStringList({"OK"}));
+                EXPECT_TRUE(d->isVisible());
+                EXPECT_EQ(qobject_cast<VarAddDlg*>(d)->GetDataType(), "");
+            }
+            if (c.row)
+                clickRow(list, c.row);
+            Click(d, "okButton");
+        });
+        ASSERT_EQ(vars.size(), ++expectedCount);
+        APCVar* added = vars.last();
+        EXPECT_EQ(added->GetClass(), c.type);
+        EXPECT_EQ(added->GetDescription(), c.label);
+        EXPECT_EQ(added->GetPos(), QPointF(50, 50));
+        EXPECT_EQ(added->GetModel(), window.GetDocument());
+        EXPECT_NE(window.FindItemBase(added), nullptr); // the canvas heard of it
+        EXPECT_TRUE(window.IsModified());
+        window.SetModified(false);
+    }
+    addVariable([](QDialog* d) { Click(d, "cancelButton"); });
+    EXPECT_EQ(vars.size(), expectedCount);
+    EXPECT_FALSE(window.IsModified());
+}
+
+// ---------------------------------------------------------------------------
+// The dialogs of arrows, file iterators and nested model steps
 
 class ObjectDialogs : public ::testing::Test
 {
@@ -210,6 +625,7 @@ TEST_F(ObjectDialogs, ArrowRepointedThroughTheDialogRewiresTheParameters)
         std::function<void(QWidget*)> act;
         const char* ends;   // head|headType|headParam|tail|tailType|tailParam
         const char* inputs; // "In File" of the first and of the second step
+        const char* button = "okButton";
     };
     const std::vector<Case> cases = {
         {"TailToAnotherVar", [](QWidget* d) { choose(d, "tailObject", "Second out"); },
@@ -230,6 +646,8 @@ TEST_F(ObjectDialogs, ArrowRepointedThroughTheDialogRewiresTheParameters)
              EXPECT_EQ(rows(d, "tailParameter"), "");
          },
          "First|process|In File|Inputs only|process|", "|%Second in%"},
+        {"CancelChangesNothing", [](QWidget* d) { choose(d, "headType", "var"); },
+         "First|process|In File|First in|var|", "%First in%|%Second in%", "cancelButton"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -261,17 +679,18 @@ TEST_F(ObjectDialogs, ArrowRepointedThroughTheDialogRewiresTheParameters)
             EXPECT_EQ(shown, QStringList({"*process|var", "*First|Second|Inputs only", "*In File", "process|*var",
                                           "*First in|First out|Second in|Second out", ""}));
             c.act(&dialog);
-            Click(&dialog, "okButton");
+            Click(&dialog, c.button);
         });
-        EXPECT_EQ(result, QDialog::Accepted);
+        const bool applied = QByteArray(c.button) == "okButton";
+        EXPECT_EQ(result, applied ? QDialog::Accepted : QDialog::Rejected);
         const QStringList ends = {arrow->GetHead(), arrow->GetHeadType(), arrow->GetHeadParam(),
                                   arrow->GetTail(), arrow->GetTailType(), arrow->GetTailParam()};
         EXPECT_EQ(describe(model, ends.join('|')), c.ends);
         EXPECT_EQ(describe(model, steps[0]->GetParameter("In File").value + '|' +
                                       steps[1]->GetParameter("In File").value),
                   c.inputs);
-        EXPECT_EQ(log.Sorted(), QStringList{"arrow~"});
-        EXPECT_TRUE(window->IsModified());
+        EXPECT_EQ(log.Sorted(), applied ? QStringList{"arrow~"} : QStringList());
+        EXPECT_EQ(window->IsModified(), applied);
     }
 }
 
@@ -376,7 +795,7 @@ TEST_F(ObjectDialogs, NestedModelStepTakesTheFreeInputsOfItsModelFile)
         QStringList shown; // the captions of the form
         QString typed;     // into the first widget
         QStringList values;
-        QStringList changes;
+        QStringList changes; // none: Cancel pressed
     };
     const std::vector<Case> cases = {
         {"AFileThatAppears", 0, 1, {}, "", {"Source=%Source%", "Copy=%Copy%"},
@@ -384,6 +803,7 @@ TEST_F(ObjectDialogs, NestedModelStepTakesTheFreeInputsOfItsModelFile)
         // What is typed over the linked "Source" goes with its arrow.
         {"AFileThatChanged", 1, 2, {"Source", "Copy"}, "/data/in.txt", {"Source=", "Extra=%Extra%"},
          {"arrow+", "arrow-", "arrow-", "process~", "var+"}},
+        {"CancelChangesNothing", 1, 1, {"Source", "Copy"}, "/data/in.txt", {"Source=%Source%", "Copy=%Copy%"}, {}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -407,9 +827,9 @@ TEST_F(ObjectDialogs, NestedModelStepTakesTheFreeInputsOfItsModelFile)
             EXPECT_EQ(shown, c.shown);
             if (!c.typed.isEmpty())
                 Retype(dialog.findChild<QLineEdit*>("edit"), c.typed);
-            Click(&dialog, "okButton");
+            Click(&dialog, c.changes.isEmpty() ? "cancelButton" : "okButton");
         });
-        EXPECT_EQ(result, QDialog::Accepted);
+        EXPECT_EQ(result, c.changes.isEmpty() ? QDialog::Rejected : QDialog::Accepted);
         // One parameter per free var of the file, named by its id.
         TestSupport::HeadlessModel file;
         ASSERT_TRUE(file.LoadFile(inner()));
@@ -424,109 +844,12 @@ TEST_F(ObjectDialogs, NestedModelStepTakesTheFreeInputsOfItsModelFile)
         EXPECT_EQ(values(model, step), c.values);
         EXPECT_EQ(model.ArrowsOfProcess(step, "").size(), c.values.filter("=%").size());
         EXPECT_EQ(log.Sorted(), c.changes);
-        EXPECT_TRUE(window->IsModified());
-    }
-}
-
-TEST_F(ObjectDialogs, CancelChangesNothing)
-{
-    writeInner(1);
-    auto window = open([](APCModel& m) {
-        TestSupport::AddAlgo(m, "test.copyText");
-        m.AddProcess(new APCRasterFileIterator);
-        addNestedStep(m);
-    });
-    APCModel& model = *window->GetDocument();
-    const QList<APCProcess*> steps = model.GetProcesses();
-    ASSERT_EQ(steps.size(), 3);
-    struct Case
-    {
-        const char* name;
-        APCObject* object;
-        APCObjectDialog* dialog;
-        std::function<void(QWidget*)> edit;
-    };
-    const std::vector<Case> cases = {
-        {"Arrow", model.GetArrows()[0], new APCArrowDlg(model.GetArrows()[0], window.get()),
-         [](QWidget* d) { choose(d, "headType", "var"); }},
-        {"Iterator", steps[1], new APCFileIteratorDlg(steps[1], window.get()),
-         [](QWidget* d) { typeInCell(Child<QTableWidget>(Child<QWidget>(d, "filterWidget"), "table"), 0, 0, "B"); }},
-        {"NestedModel", steps[2], new APCModelFileDlg(steps[2], window.get()),
-         [](QWidget* d) { Retype(d->findChild<QLineEdit*>("edit"), "/data/in.txt"); }},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        const auto snapshot = [&] {
-            QString text;
-            QXmlStreamWriter writer(&text);
-            c.object->WriteXml(writer, true);
-            return text;
-        };
-        const QString before = snapshot();
-        ChangeLog log(model);
-        std::unique_ptr<APCObjectDialog> dialog(c.dialog);
-        const int result = runAndApply(*dialog, [&] {
-            c.edit(dialog.get());
-            Click(dialog.get(), "cancelButton");
-        });
-        EXPECT_EQ(result, QDialog::Rejected);
-        EXPECT_EQ(snapshot(), before);
-        EXPECT_TRUE(log.Sorted().isEmpty());
-        EXPECT_FALSE(window->IsModified());
+        EXPECT_EQ(window->IsModified(), !c.changes.isEmpty());
     }
 }
 
 // ---------------------------------------------------------------------------
 // Double clicks on a real canvas
-
-
-namespace {
-
-QString modelPath(const char* name) { return QCoreApplication::applicationDirPath() + "/../Model/apc/" + name; }
-
-std::unique_ptr<ModelControler> openShown(const char* model, bool readOnly)
-{
-    return CanvasDriver::OpenShown(modelPath(model), readOnly, 1000, 800);
-}
-
-// The item of the first object of that kind ("process:<class>", "var", "arrow").
-QGraphicsItem* itemOfKind(ModelControler& window, const QString& kind)
-{
-    for (QGraphicsItem* item : window.GetView()->scene()->items()) {
-        auto* base = dynamic_cast<GraphicsItemBase*>(item);
-        APCObject* object = base ? base->GetObject() : nullptr;
-        if (!object)
-            continue;
-        const QString type = APCModel::ObjectType(object);
-        const QString found = type == "process" ? "process:" + object->GetClass() : type.isEmpty() ? "arrow" : type;
-        if (found == kind)
-            return item;
-    }
-    return nullptr;
-}
-
-// Double-clicks the item where nothing else covers it.
-void doubleClick(ModelControler& window, QGraphicsItem* item)
-{
-    ModelView* view = window.GetView();
-    view->centerOn(item);
-    QTest::mouseDClick(view->viewport(), Qt::LeftButton, Qt::NoModifier,
-                       view->mapFromScene(item->sceneBoundingRect().center()));
-}
-
-// Double-clicks the item and names the modal that opens.
-QString dialogOnDoubleClick(ModelControler& window, QGraphicsItem* item)
-{
-    QString opened;
-    GuiDriver::OnNextModal([&](QWidget* modal) {
-        opened = modal->metaObject()->className();
-        modal->close();
-    });
-    doubleClick(window, item);
-    return opened;
-}
-
-} // namespace
 
 // The steps of a run read the model from pool threads: while it goes on no dialog
 // opens, no layout moves the steps and no undo takes an edit back.
@@ -615,9 +938,7 @@ TEST(DoubleClick, EachKindOfObjectOpensItsOwnDialog)
 {
     struct Case { const char* model; const char* kind; const char* dialog; };
     const Case cases[] = {
-        {"scene_ndvi.apc", "process:algo", "Plugin::AlgoForm"}, // the catalogue's form
         {"scene_ndvi.apc", "process:RasterFileIterator", "Plugin::APCFileIteratorDlg"},
-        {"scene_ndvi.apc", "var", "Plugin::APCVarDlg"},
         {"batch_nested.apc", "process:model", "Plugin::APCModelFileDlg"},
     };
     for (const Case& c : cases) {

@@ -1,6 +1,9 @@
-// The tool box panel, its menus and double clicks, driven as a user drives them:
-// right click on a row, pick an entry, answer the dialogs; then the host shuts
-// down and the tool box file is looked at. And the plug-in module the host loads.
+// The tool box: its file read and written (and the one that ships), the panel,
+// its menus and double clicks, driven as a user drives them: right click on a
+// row, pick an entry, answer the dialogs; then the host shuts down and the tool
+// box file is looked at. And the plug-in module the host loads.
+#include "HostCatalog/AlgorithmRegistry.h"
+#include "HostCatalog/Metadata.h"
 #include "HostCore/_ptr_t.h"
 #include "HostDesktop/IApplication.h"
 #include "HostShell/EnvironmentSetting.h"
@@ -10,12 +13,20 @@
 #include "editor/ModelScene.h"
 #include "editor/ModelView.h"
 #include "model/APCModel.h"
+#include "model/APCProcess.h"
+#include "model/APCProcessFactory.h"
+#include "model/Gb2312.h"
 #include "plugin/PythonCommand.h"
 #include "plugin/ToolBoxPlugin.h"
 #include "support/GuiDriver.h"
 #include "support/TestSupport.h"
+#include "toolbox/ATBAlgo.h"
 #include "toolbox/ATBAlgoDepend.h"
+#include "toolbox/ATBConfigFile.h"
 #include "toolbox/ATBFolder.h"
+#include "toolbox/ATBGroup.h"
+#include "toolbox/ATBIterator.h"
+#include "toolbox/ATBPython.h"
 #include "toolbox/ATBTreeWidget.h"
 #include "toolbox/ToolBoxCommand.h"
 #include "toolbox/ToolBoxWidget.h"
@@ -24,25 +35,69 @@
 #include <QContextMenuEvent>
 #include <QDir>
 #include <QDockWidget>
+#include <QFileInfo>
 #include <QLibrary>
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMenu>
+#include <QMessageBox>
 #include <QMouseEvent>
 #include <QPushButton>
-#include <QMessageBox>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextCodec>
 #include <QTimer>
 #include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <typeinfo>
 
 using namespace Plugin;
 using TestSupport::ReadAll;
 using TestSupport::WriteAll;
 
-extern "C" HostShell::CMDPluginModule* GetPluginModule();
-
 namespace {
+
+// Owns what a file gives, as the tool box panel would.
+struct Loaded
+{
+    ATBConfigFile file;
+    bool ok = false;
+    explicit Loaded(const QString& path) { ok = file.Load(path); }
+    ~Loaded() { qDeleteAll(file.GetItems()); }
+    QList<ATBItem*>& items() { return file.GetItems(); }
+};
+
+// item as a T; the test stops when it is none.
+template <class T>
+T* as(ATBItem* item)
+{
+    auto* cast = dynamic_cast<T*>(item);
+    if (!cast)
+        throw std::runtime_error(std::string("not a ") + typeid(T).name());
+    return cast;
+}
+
+QByteArray gb2312(const QString& text) { return Gb2312::Codec()->fromUnicode(text); }
+
+const QString kEveryKind = QStringLiteral(R"(<?xml version="1.0" encoding="GB2312" standalone="no"?>
+<Configuration>
+    <ToolBox name="ToolBox">
+        <Group name="栅格工具">
+            <Algo name="Slope" metadata="raster.slope" description="Slope in degrees"/>
+            <Iterator name="Raster files" class="RasterFileIterator" description="Every raster of a folder"/>
+            <Folder name="My tools" canDelete="1">
+                <APC name="NDVI" readOnly="1" file="Model/apc/ndvi.apc" description="Index &amp; more"/>
+                <Folder name="Nested">
+                    <Python name="Clean" file="Python/clean.py" description=""/>
+                </Folder>
+            </Folder>
+        </Group>
+    </ToolBox>
+</Configuration>
+)");
 
 const QByteArray kToolBox = R"(<?xml version="1.0" encoding="GB2312" standalone="no"?>
 <Configuration>
@@ -90,6 +145,181 @@ void PickFile(const QString& path)
 }
 
 } // namespace
+
+class ToolBoxFile : public ::testing::Test
+{
+protected:
+    QTemporaryDir dir;
+    QString path(const QString& name) const { return dir.filePath(name); }
+};
+
+// The kinds made and what is derived; the attributes show in the round trip.
+TEST_F(ToolBoxFile, ReadsEveryKindDerivesTheAlgorithmsFileAndWritesTheSameText)
+{
+    HostShell::EnvironmentSetting::Instance()->SetAppBinDir(dir.path() + "/bin");
+    ASSERT_TRUE(WriteAll(path("t.atb"), gb2312(kEveryKind)));
+    Loaded loaded(path("t.atb"));
+    HostShell::EnvironmentSetting::Instance()->SetAppBinDir(QString());
+    ASSERT_TRUE(loaded.ok);
+    ASSERT_EQ(loaded.items().size(), 1);
+    auto* group = as<ATBGroup>(loaded.items()[0]);
+    ASSERT_EQ(group->GetChildren().size(), 3);
+    // Made from the metadata, never read from the file, kept absolute.
+    EXPECT_EQ(as<ATBAlgo>(group->GetChildren()[0])->GetFile(), dir.path() + "/bin/../Model/abd/raster.slope.atb");
+    EXPECT_EQ(as<ATBIterator>(group->GetChildren()[1])->GetType(), ATB_Iterator);
+    auto* folder = as<ATBFolder>(group->GetChildren()[2]);
+    EXPECT_EQ(as<ATBAlgoDepend>(folder->GetChildren()[0])->GetDescription(), "Index & more");
+    auto* script = as<ATBPython>(as<ATBFolder>(folder->GetChildren()[1])->GetChildren()[0]);
+    EXPECT_TRUE(script->IsValid());
+    ASSERT_TRUE(loaded.file.Save(path("again.atb")));
+    EXPECT_EQ(ReadAll(path("again.atb")), gb2312(kEveryKind));
+}
+
+TEST_F(ToolBoxFile, KeepsOnlyWhatTheFormatHolds)
+{
+    // Comments, unknown elements (with all below them), children of leaf items and
+    // flags other than "1" do not survive a round trip; a second ToolBox merges.
+    const QString text = QStringLiteral(R"(<?xml version="1.0" encoding="GB2312"?>
+<Configuration>
+  <!-- a comment -->
+  <ToolBox name="ignored">
+    <Folder name="A" canDelete="true"><Unknown><Group name="lost"/></Unknown></Folder>
+    <APC name="M" readOnly="yes" file="Model/apc/m.apc"><Group name="lost too"/></APC>
+  </ToolBox>
+  <Other><ToolBox name="not at the top"/></Other>
+  <ToolBox><Group name="B"/></ToolBox>
+</Configuration>
+)");
+    ASSERT_TRUE(WriteAll(path("t.atb"), gb2312(text)));
+    Loaded loaded(path("t.atb"));
+    ASSERT_TRUE(loaded.ok);
+    ASSERT_TRUE(loaded.file.Save(path("out.atb")));
+    const QString expected = QStringLiteral(R"(<?xml version="1.0" encoding="GB2312" standalone="no"?>
+<Configuration>
+    <ToolBox name="ToolBox">
+        <Folder name="A"/>
+        <APC name="M" file="Model/apc/m.apc" description=""/>
+        <Group name="B"/>
+    </ToolBox>
+</Configuration>
+)");
+    EXPECT_EQ(Gb2312::Codec()->toUnicode(ReadAll(path("out.atb"))), expected);
+}
+
+TEST_F(ToolBoxFile, BadFilesLeaveTheListAlone)
+{
+    struct Case
+    {
+        const char* what;
+        QByteArray bytes; // empty: no file at all
+        bool ok;
+        int items;
+    };
+    const QList<Case> cases = {
+        {"missing file", QByteArray(), false, 1},
+        {"not XML", "<Configuration><ToolBox>", false, 1},
+        {"other root", "<ToolBox><Group name='x'/></ToolBox>", false, 1},
+        {"no tool box", "<Configuration/>", true, 1},
+        {"one more", "<Configuration><ToolBox><Algo name='a'/></ToolBox></Configuration>", true, 2},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        const QString file = path(QString("case-%1.atb").arg(c.what));
+        if (!c.bytes.isEmpty()) {
+            ASSERT_TRUE(WriteAll(file, c.bytes));
+        }
+        ATBConfigFile config;
+        config.GetItems().append(new ATBGroup); // loading appends to what is there
+        EXPECT_EQ(config.Load(file), c.ok);
+        EXPECT_EQ(config.GetItems().size(), c.items);
+        qDeleteAll(config.GetItems());
+    }
+}
+
+TEST_F(ToolBoxFile, CharactersBeyondTheEncodingAreNotLost)
+{
+    ATBConfigFile config;
+    auto* model = new ATBAlgoDepend(false);
+    model->SetName(QStringLiteral("河流 🌊 Ærø"));
+    model->SetFile("Model/apc/river.apc");
+    config.GetItems().append(model);
+    ASSERT_TRUE(config.Save(path("t.atb")));
+    qDeleteAll(config.GetItems());
+
+    const QByteArray bytes = ReadAll(path("t.atb"));
+    EXPECT_TRUE(bytes.startsWith("<?xml version=\"1.0\" encoding=\"GB2312\" standalone=\"no\"?>"));
+    Loaded loaded(path("t.atb"));
+    ASSERT_TRUE(loaded.ok);
+    ASSERT_EQ(loaded.items().size(), 1);
+    EXPECT_EQ(loaded.items()[0]->GetName(), QStringLiteral("河流 🌊 Ærø"));
+}
+
+TEST(ToolBoxItems, PythonScriptsOpenInTheInstallationsEditor)
+{
+    QTemporaryDir root;
+    ASSERT_TRUE(QDir(root.path()).mkpath("bin"));
+    HostShell::EnvironmentSetting::Instance()->SetAppBinDir(root.path() + "/bin");
+    ATBPython script;
+    script.SetFile("Python/clean.py");
+    QString program;
+    QStringList arguments;
+
+    script.EditorCommand(program, arguments);
+    EXPECT_EQ(program, "python3");
+    EXPECT_EQ(arguments, QStringList({"-m", "idlelib", root.path() + "/bin/../Python/clean.py"}));
+
+    ASSERT_TRUE(QDir(root.path()).mkpath("Python"));
+    ASSERT_TRUE(WriteAll(root.filePath("Python/python.exe"), "MZ"));
+    script.EditorCommand(program, arguments);
+    EXPECT_EQ(program, root.path() + "/bin/../Python/python.exe");
+    EXPECT_EQ(arguments, QStringList({root.path() + "/bin/../Python/Lib/idlelib/idle.pyw",
+                                      root.path() + "/bin/../Python/clean.py"}));
+    HostShell::EnvironmentSetting::Instance()->SetAppBinDir(QString());
+}
+
+// The tool box that ships must name only what exists: algorithms of the
+// catalogue, iterator kinds the factory makes, and the example models.
+TEST(ShippedToolBox, NamesOnlyWhatExists)
+{
+    const QString source = QStringLiteral(MB_SOURCE_DIR);
+    Loaded loaded(source + "/examples/ToolBox.atb");
+    ASSERT_TRUE(loaded.ok);
+    int algorithms = 0;
+    int models = 0;
+    std::function<void(const QList<ATBItem*>&)> visit = [&](const QList<ATBItem*>& items) {
+        for (ATBItem* item : items) {
+            if (auto* container = dynamic_cast<ATBContainer*>(item))
+                visit(container->GetChildren());
+            if (auto* algo = dynamic_cast<ATBAlgo*>(item)) {
+                ++algorithms;
+                EXPECT_TRUE(Metadata::Instance(QString())->GetConfig(algo->GetMetadata())) << qPrintable(algo->GetMetadata());
+            }
+            if (auto* iterator = dynamic_cast<ATBIterator*>(item)) {
+                std::unique_ptr<APCProcess> made(APCProcessFactory::Instance()->Create(iterator->GetClass()));
+                EXPECT_TRUE(made) << qPrintable(iterator->GetClass());
+            }
+            if (auto* model = dynamic_cast<ATBAlgoDepend*>(item)) {
+                ++models;
+                const QString name = QFileInfo(model->GetFile()).fileName();
+                EXPECT_EQ(model->GetFile(), "Model/apc/" + name);
+                EXPECT_TRUE(QFileInfo::exists(source + "/examples/" + name)) << qPrintable(name);
+            }
+        }
+    };
+    visit(loaded.items());
+    int shipped = 0; // every algorithm but the tests' own
+    for (const QString& name : AlgorithmRegistry::Instance().Names())
+        shipped += name.startsWith("test.") ? 0 : 1;
+    EXPECT_EQ(algorithms, shipped);
+    EXPECT_GT(models, 0);
+
+    QTemporaryDir dir;
+    ASSERT_TRUE(loaded.file.Save(dir.filePath("again.atb")));
+    EXPECT_EQ(ReadAll(dir.filePath("again.atb")), ReadAll(source + "/examples/ToolBox.atb"));
+}
+
+// ---------------------------------------------------------------------------
+// The panel
 
 // An installation in a temporary folder, its tool box open in a shown window.
 class ToolBoxActions : public ::testing::Test, public HostDesktop::IApplication
@@ -327,24 +557,6 @@ TEST_F(ToolBoxActions, DoubleClickOpensOneWindowAtOneToOneAndTheMenusLockWhileAn
     EXPECT_EQ(Entries("Mine"), unlockedFolder);
 }
 
-// Only a changed tree is written, at exit: an unchanged or unreadable file stays as it is.
-TEST_F(ToolBoxActions, AFileThatDidNotChangeOrCannotBeReadIsLeftAlone)
-{
-    struct Case { const char* name; QByteArray text; int rows; };
-    const Case cases[] = {
-        {"unchanged", kToolBox + "<!-- kept only if nobody writes -->\n", 1},
-        {"damaged: an empty panel", "<Configuration><ToolBox>", 0},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        command = nullptr;
-        ASSERT_TRUE(WriteAll(atb(), c.text));
-        Reopen();
-        EXPECT_EQ(tree()->topLevelItemCount(), c.rows);
-        EXPECT_EQ(Shutdown().toLatin1(), c.text);
-    }
-}
-
 TEST_F(ToolBoxActions, AChangedTreeOnAFullDiskKeepsTheOldFileWhole)
 {
     ATBItem* first = ToolBoxWidget::ItemOf(Row("First"));
@@ -373,40 +585,39 @@ TEST_F(ToolBoxActions, PressingOnEmptySpaceAndMovingStartsNoDrag)
     EXPECT_EQ(tree()->currentItem(), nullptr);
 }
 
-TEST(PluginModule, MakesItsCommandsByNameInAnyCaseAndAnUnopenedOneWritesNothing)
-{
-    HostCore::_ptr_t<HostShell::CMDPluginModule> module(GetPluginModule());
-    ASSERT_TRUE(module);
-    auto toolBox = module->CreateCommand("toolbox_toolbox", "");
-    EXPECT_TRUE(dynamic_cast<ToolBoxCommand*>(toolBox.get()));
-    EXPECT_TRUE(toolBox->IsEnable());
-    auto python = module->CreateCommand("TOOLBOX_PYTHON", "ignored");
-    ASSERT_TRUE(dynamic_cast<PythonCommand*>(python.get()));
-    python->OnClick(); // does nothing, and must not fail
-    EXPECT_FALSE(module->CreateCommand("ToolBox_Other", ""));
-    EXPECT_EQ(toolBox->RefCount(), 1);
-
-    // A command never opened never touches the tool box file.
-    QTemporaryDir root;
-    HostShell::EnvironmentSetting::Instance()->SetAppBinDir(root.path() + "/bin");
-    toolBox = module->CreateCommand("toolbox_toolbox", "");
-    toolBox = nullptr;
-    HostShell::EnvironmentSetting::Instance()->SetAppBinDir(QString());
-    EXPECT_FALSE(QFileInfo::exists(root.path() + "/Model/atb/ToolBox.atb"));
-}
-
-// The host loads one file and finds both exports in it, as it would at run time.
-TEST(PluginModule, BothExportsResolveFromTheLibraryTheHostLoads)
+// The host loads one file and finds both exports in it, as it would at run time;
+// the module makes its commands by name in any case, and one never opened never
+// touches the tool box file.
+TEST(PluginModule, BothExportsResolveFromTheLibraryTheHostLoadsAndMakeTheirObjects)
 {
     QLibrary library(QCoreApplication::applicationDirPath() + "/libModelBuilder.so");
     ASSERT_TRUE(library.load()) << qPrintable(library.errorString());
-    EXPECT_TRUE(library.resolve("GetPluginModule"));
     using GetAlgoObjFn = HostTask::IHostTask* (*)(const QString&);
     auto getAlgoObj = reinterpret_cast<GetAlgoObjFn>(library.resolve("GetAlgoObj"));
     ASSERT_TRUE(getAlgoObj);
     HostCore::_ptr_t<HostTask::IHostTask> task(getAlgoObj("ModelAlgo"));
     EXPECT_TRUE(task);
     EXPECT_EQ(getAlgoObj("modelalgo"), nullptr);
+
+    using GetPluginModuleFn = HostShell::CMDPluginModule* (*)();
+    auto getPluginModule = reinterpret_cast<GetPluginModuleFn>(library.resolve("GetPluginModule"));
+    ASSERT_TRUE(getPluginModule);
+    HostCore::_ptr_t<HostShell::CMDPluginModule> module(getPluginModule());
+    ASSERT_TRUE(module);
+    auto toolBox = module->CreateCommand("toolbox_toolbox", "");
+    EXPECT_TRUE(dynamic_cast<ToolBoxCommand*>(toolBox.get()));
+    auto python = module->CreateCommand("TOOLBOX_PYTHON", "ignored");
+    ASSERT_TRUE(dynamic_cast<PythonCommand*>(python.get()));
+    python->OnClick(); // does nothing, and must not fail
+    EXPECT_FALSE(module->CreateCommand("ToolBox_Other", ""));
+    EXPECT_EQ(toolBox->RefCount(), 1);
+
+    QTemporaryDir root;
+    HostShell::EnvironmentSetting::Instance()->SetAppBinDir(root.path() + "/bin");
+    toolBox = module->CreateCommand("toolbox_toolbox", "");
+    toolBox = nullptr;
+    HostShell::EnvironmentSetting::Instance()->SetAppBinDir(QString());
+    EXPECT_FALSE(QFileInfo::exists(root.path() + "/Model/atb/ToolBox.atb"));
 }
 
 // Export leaves the tree as it was; Remove asks and only Yes deletes; Delete takes
@@ -431,26 +642,5 @@ TEST_F(ToolBoxActions, ExportRemoveAndDeleteAsTheirMenusSay)
     EXPECT_TRUE(QFileInfo::exists(apc("first")));
     const QString text = Shutdown();
     EXPECT_FALSE(text.contains("Second") || text.contains("Mine"));
-}
-
-TEST_F(ToolBoxActions, OpensTheFileIntoADockOnTheRight)
-{
-    auto* toolBoxCommand = static_cast<ToolBoxCommand*>(command.get());
-    ASSERT_TRUE(toolBoxCommand->GetDock());
-    EXPECT_EQ(window.dockWidgetArea(toolBoxCommand->GetDock()), Qt::RightDockWidgetArea);
-    EXPECT_EQ(Children("Models"), QStringList({"Mine", "Shipped"}));
-    EXPECT_EQ(Children("Mine"), QStringList({"First", "Second", "Locked"}));
-    EXPECT_FALSE(Row("Models")->icon(0).isNull()); // the icons come from the plug-in's resources
-    ATBItem* first = ToolBoxWidget::ItemOf(Row("First"));
-    ASSERT_TRUE(first);
-    EXPECT_EQ(first->GetName(), "First");
-    EXPECT_EQ(first->GetParentWidget(), &window);
-
-    // Closed by the user, shown again by the next click with the same tree.
-    QTreeWidget* before = tree();
-    toolBoxCommand->GetDock()->close();
-    command->OnClick();
-    EXPECT_FALSE(toolBoxCommand->GetDock()->isHidden());
-    EXPECT_EQ(tree(), before);
 }
 
