@@ -231,18 +231,6 @@ void doubleClick(ModelControler& window, QGraphicsItem* item)
                        view->mapFromScene(item->sceneBoundingRect().center()));
 }
 
-// Double-clicks the item and names the modal that opens.
-QString dialogOnDoubleClick(ModelControler& window, QGraphicsItem* item)
-{
-    QString opened;
-    GuiDriver::OnNextModal([&](QWidget* modal) {
-        opened = modal->metaObject()->className();
-        modal->close();
-    });
-    doubleClick(window, item);
-    return opened;
-}
-
 } // namespace
 
 // ---------------------------------------------------------------------------
@@ -901,53 +889,53 @@ TEST(DoubleClick, NoDialogLayoutOrUndoWhileARunGoesOn)
     EXPECT_TRUE(action("Auto Layout")->isEnabled());
     EXPECT_TRUE(action("Undo Auto Layout")->isEnabled());
     // Once the run is over, the same double click opens the form again.
-    EXPECT_EQ(dialogOnDoubleClick(window, item), "Plugin::AlgoForm");
+    QString form;
+    GuiDriver::OnNextModal([&](QWidget* modal) {
+        form = modal->metaObject()->className();
+        modal->close();
+    });
+    doubleClick(window, item);
+    EXPECT_EQ(form, "Plugin::AlgoForm");
 }
 
-TEST(DoubleClick, AnAcceptedFormChangesTheModelOnlyWhenItMayBeEdited)
+// Each kind of object opens its own dialog; an accepted form changes the model
+// only when it may be edited.
+TEST(DoubleClick, EachKindOpensItsOwnDialogAndAFormChangesOnlyAnEditableModel)
 {
-    struct Case { const char* name; bool readOnly; bool applied; };
+    struct Case { const char* model; const char* kind; bool readOnly; const char* dialog; };
     const Case cases[] = {
-        {"editable", false, true},
-        {"read-only: opens for reading", true, false},
+        {"ndvi_one.apc", "process:algo", false, "Plugin::AlgoForm"}, // the catalogue's form
+        {"ndvi_one.apc", "process:algo", true, "Plugin::AlgoForm"},  // opens for reading
+        {"scene_ndvi.apc", "process:RasterFileIterator", false, "Plugin::APCFileIteratorDlg"},
+        {"batch_nested.apc", "process:model", false, "Plugin::APCModelFileDlg"},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        auto window = openShown("ndvi_one.apc", c.readOnly);
-        QGraphicsItem* item = itemOfKind(*window, "process:algo");
+        SCOPED_TRACE(std::string(c.kind) + (c.readOnly ? ", read-only" : ""));
+        auto window = openShown(c.model, c.readOnly);
+        QGraphicsItem* item = itemOfKind(*window, c.kind);
         ASSERT_TRUE(item);
-        auto* algo = dynamic_cast<APCAlgo*>(dynamic_cast<GraphicsItemBase*>(item)->GetObject());
-        // The user changes the red band from 3 to 5 in the form and presses OK.
-        GuiDriver::OnNextModal([](QWidget* form) {
-            for (QLineEdit* edit : form->findChildren<QLineEdit*>())
-                if (edit->text() == "3") {
+        auto* step = dynamic_cast<APCProcess*>(dynamic_cast<GraphicsItemBase*>(item)->GetObject());
+        const bool form = QByteArray(c.dialog) == "Plugin::AlgoForm";
+        QString opened;
+        // In the form the user changes the red band from 3 to 5 and presses OK;
+        // another dialog is closed without OK.
+        GuiDriver::OnNextModal([&](QWidget* modal) {
+            opened = modal->metaObject()->className();
+            for (QLineEdit* edit : modal->findChildren<QLineEdit*>())
+                if (form && edit->text() == "3") {
                     edit->selectAll();
                     QTest::keyClicks(edit, "5");
                 }
-            for (QPushButton* button : form->findChildren<QPushButton*>())
-                if (button->text() == "OK")
+            for (QPushButton* button : modal->findChildren<QPushButton*>())
+                if (form && button->text() == "OK")
                     QTest::mouseClick(button, Qt::LeftButton);
+            modal->close();
         });
         doubleClick(*window, item);
-        EXPECT_EQ(algo->GetParameter("Red Band").value, c.applied ? "5" : "3") << qPrintable(algo->DialogText());
-        EXPECT_EQ(window->IsModified(), c.applied);
+        EXPECT_EQ(opened, c.dialog);
+        if (form) {
+            EXPECT_EQ(step->GetParameter("Red Band").value, c.readOnly ? "3" : "5");
+        }
+        EXPECT_EQ(window->IsModified(), form && !c.readOnly);
     }
 }
-
-TEST(DoubleClick, EachKindOfObjectOpensItsOwnDialog)
-{
-    struct Case { const char* model; const char* kind; const char* dialog; };
-    const Case cases[] = {
-        {"scene_ndvi.apc", "process:RasterFileIterator", "Plugin::APCFileIteratorDlg"},
-        {"batch_nested.apc", "process:model", "Plugin::APCModelFileDlg"},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.kind);
-        auto window = openShown(c.model, false);
-        QGraphicsItem* item = itemOfKind(*window, c.kind);
-        ASSERT_TRUE(item);
-        EXPECT_EQ(dialogOnDoubleClick(*window, item), c.dialog);
-        EXPECT_FALSE(window->IsModified()); // closed without OK: nothing applied
-    }
-}
-

@@ -112,7 +112,7 @@ protected:
     ModelCommandManager* manager = ModelCommandManager::Instance();
 };
 
-TEST_F(ModelWindow, MenusAndEnableRulesFollowTheWindowAndTheRun)
+TEST_F(ModelWindow, MenusEnableRulesAndZoomsFollowTheWindowAndTheRun)
 {
     ModelControler window(path(), false);
     EXPECT_EQ(window.windowTitle(), "Model Builder");
@@ -150,6 +150,28 @@ TEST_F(ModelWindow, MenusAndEnableRulesFollowTheWindowAndTheRun)
     QApplication::clipboard()->setText("ModelBuilder$$<Vars/>");
     manager->OnUpdateState();
     EXPECT_TRUE(Action(&window, "Paste")->isEnabled());
+
+    // Fixed zooms keep the scale and the view in step.
+    window.resize(800, 500);
+    QAction* out = Action(&window, "Fixed Zoom Out");
+    for (int i = 0; i < 12; ++i)
+        out->trigger();
+    // Stops at the last step that is not below 0.001: nine halvings from 1.0.
+    EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 0.001953125);
+    EXPECT_DOUBLE_EQ(window.GetView()->transform().m11(), 0.001953125);
+
+    Action(&window, "Fixed Zoom In")->trigger();
+    EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 0.001953125 * 1.5);
+
+    window.GetView()->translate(30, 20);
+    const QTransform before = window.GetView()->transform();
+    Action(&window, "1:1")->trigger();
+    EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 1.0);
+    EXPECT_DOUBLE_EQ(window.GetView()->transform().m11(), 1.0);
+    EXPECT_DOUBLE_EQ(window.GetView()->transform().dx(), before.dx()); // the scroll offset stays
+
+    Action(&window, "Full Extent")->trigger();
+    EXPECT_GT(window.GetScene()->GetScale(), 0.0);
 
     ModelControler readOnly(path(), true);
     readOnly.SetModified(true);
@@ -209,31 +231,6 @@ TEST(RunDialog, RefusesAnEmptyTabByItsTitleTakesBlanksAndCancels)
     RunCmdDlg cancelled(nullptr);
     QTimer::singleShot(0, [&] { GuiDriver::ClickText(&cancelled, "Cancel"); });
     EXPECT_EQ(cancelled.exec(), QDialog::Rejected);
-}
-
-TEST_F(ModelWindow, FixedZoomsKeepTheScaleAndTheViewInStep)
-{
-    ModelControler window(path(), false);
-    window.resize(800, 500);
-    QAction* out = Action(&window, "Fixed Zoom Out");
-    for (int i = 0; i < 12; ++i)
-        out->trigger();
-    // Stops at the last step that is not below 0.001: nine halvings from 1.0.
-    EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 0.001953125);
-    EXPECT_DOUBLE_EQ(window.GetView()->transform().m11(), 0.001953125);
-
-    Action(&window, "Fixed Zoom In")->trigger();
-    EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 0.001953125 * 1.5);
-
-    window.GetView()->translate(30, 20);
-    const QTransform before = window.GetView()->transform();
-    Action(&window, "1:1")->trigger();
-    EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 1.0);
-    EXPECT_DOUBLE_EQ(window.GetView()->transform().m11(), 1.0);
-    EXPECT_DOUBLE_EQ(window.GetView()->transform().dx(), before.dx()); // the scroll offset stays
-
-    Action(&window, "Full Extent")->trigger();
-    EXPECT_GT(window.GetScene()->GetScale(), 0.0);
 }
 
 // ---------------------------------------------------------------------------
