@@ -152,21 +152,13 @@ private:
 // ---------------------------------------------------------------------------
 // The scene and view of an empty window, with items standing for objects
 
-class Canvas : public ::testing::Test
+TEST(Canvas, EventsReachTheCurrentToolOnlyWhenItIsWilling)
 {
-protected:
-    void SetUp() override
-    {
-        window.resize(400, 300);
-        window.show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    }
-    ModelControler window{QString(), false};
-    CanvasDriver::Mouse mouse{window};
-};
-
-TEST_F(Canvas, EventsReachTheCurrentToolOnlyWhenItIsWilling)
-{
+    ModelControler window(QString(), false);
+    window.resize(400, 300);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    CanvasDriver::Mouse mouse(window);
     RecordingTool tool;
     window.SetCurrentTool(&tool);
     EXPECT_EQ(tool.calls.join(' '), "click");
@@ -636,15 +628,10 @@ TEST_F(Clipboard, CharactersNoSaveCanWriteAreNotPasted)
 }
 
 // Dropping a row of the tool box tree on a model's canvas.
-class Drop : public ::testing::Test
+TEST(Drop, ToolsBecomeStepsWithTheirVarsAndArrows)
 {
-protected:
     QTemporaryDir dir;
     ATBTreeWidget tree;
-};
-
-TEST_F(Drop, ToolsBecomeStepsWithTheirVarsAndArrows)
-{
     ATBAlgo ndvi;
     ndvi.SetName("Vegetation index");
     ndvi.SetMetadata("raster.ndvi");
@@ -686,8 +673,9 @@ TEST_F(Drop, ToolsBecomeStepsWithTheirVarsAndArrows)
     }
 }
 
-TEST_F(Drop, AModelCannotBeDroppedIntoItself)
+TEST(Drop, AModelCannotBeDroppedIntoItself)
 {
+    ATBTreeWidget tree;
     ATBAlgoDepend self(false);
     self.SetName("Self");
     self.SetFile("Model/apc/self.apc");

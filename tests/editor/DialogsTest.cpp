@@ -89,6 +89,9 @@ int runModal(QDialog& dialog, std::function<void(QDialog*)> act)
     return dialog.exec();
 }
 
+DataTypeWidget* valueWidget(QWidget* dialog) { return Child<DataTypeWidget>(dialog, "valueWidget"); }
+QLineEdit* valueEdit(QWidget* dialog) { return valueWidget(dialog)->findChild<QLineEdit*>(); }
+
 APCVar* addVar(APCModel& model, const QString& id, const QString& type, const QString& description)
 {
     APCVar* var = APCVarFactory::Instance()->Create(type);
@@ -349,40 +352,24 @@ TEST(FunctionDialog, OkTakesWhatParsesOrIsEmptyAndRefusesTheRest)
 // ---------------------------------------------------------------------------
 // APCVarDlg
 
-class VarDialog : public ::testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        source = addVar(model, "{src}", "string", "Scene");
-        TestSupport::SetConstant(source, "c:/test/x.tif");
-        computed = addVar(model, "{out}", "string", "Output");
-        computed->SetConstant(false);
-        computed->SetValue("c:/old/value.tif");
-        computed->SetFunExp("$AppendSuffix(%{src}%, '_a')");
-        // A constant that keeps an expression from an earlier switch.
-        kept = addVar(model, "{kept}", "string", "Kept");
-        kept->SetFunExp("$ReplaceExtension(%{src}%, 'xml')");
-        TestSupport::SetConstant(kept, "abc");
-        changes = model.varChanged.connect([this](APCVar* var) { changed << var; });
-    }
-
-    static DataTypeWidget* valueWidget(QWidget* dialog) { return Child<DataTypeWidget>(dialog, "valueWidget"); }
-    static QLineEdit* valueEdit(QWidget* dialog) { return valueWidget(dialog)->findChild<QLineEdit*>(); }
-
-    TestSupport::HeadlessModel model;
-    APCVar* source = nullptr;
-    APCVar* computed = nullptr;
-    APCVar* kept = nullptr;
-    QList<APCVar*> changed;
-    boost::signals2::scoped_connection changes;
-};
-
 // Only Apply writes, once per dialog; the radio buttons switch the editors, a
 // computed var made constant keeps its expression for a later switch back, and
 // the dots open the function dialog, whose OK alone changes the expression.
-TEST_F(VarDialog, ApplyWritesWhatTheUserChoseAndTellsTheModel)
+TEST(VarDialog, ApplyWritesWhatTheUserChoseAndTellsTheModel)
 {
+    TestSupport::HeadlessModel model;
+    APCVar* source = addVar(model, "{src}", "string", "Scene");
+    TestSupport::SetConstant(source, "c:/test/x.tif");
+    APCVar* computed = addVar(model, "{out}", "string", "Output");
+    computed->SetConstant(false);
+    computed->SetValue("c:/old/value.tif");
+    computed->SetFunExp("$AppendSuffix(%{src}%, '_a')");
+    // A constant that keeps an expression from an earlier switch.
+    APCVar* kept = addVar(model, "{kept}", "string", "Kept");
+    kept->SetFunExp("$ReplaceExtension(%{src}%, 'xml')");
+    TestSupport::SetConstant(kept, "abc");
+    QList<APCVar*> changed;
+    boost::signals2::scoped_connection changes = model.varChanged.connect([&](APCVar* var) { changed << var; });
     APCVar* fresh = addVar(model, "{fresh}", "string", "Fresh");
     TestSupport::SetConstant(fresh, "v");
     const QString appended = "$AppendSuffix(%{src}%, '_a')";
