@@ -1,19 +1,24 @@
 // The model window: its menus and their enable rules, runs into the log panels,
-// zooms, saving, deleting, closing; and the run dialog of a model with free inputs.
+// zooms, saving, Auto Layout, the picture export (Print), the cluster export and
+// Validate's warnings; and the run dialog of a model with free inputs.
 #include "HostCatalogGui/DataTypeFactory.h"
 #include "HostCatalogGui/DataTypeWidget.h"
 #include "dialogs/RunCmdDlg.h"
+#include "editor/ArrowGraphics.h"
+#include "editor/GraphicsItemBase.h"
 #include "editor/ModelCommandManager.h"
 #include "editor/ModelControler.h"
 #include "editor/ModelScene.h"
 #include "editor/ModelTool.h"
 #include "editor/ModelView.h"
-#include "engine/APCLog.h"
+#include "engine/APCAlgo.h"
 #include "engine/SequenceControl.h"
 #include "model/APCModel.h"
+#include "model/APCProcess.h"
 #include "model/APCVar.h"
 #include "support/GuiDriver.h"
 #include "support/ModelFixtures.h"
+#include "support/SceneBatch.h"
 #include "support/TestSupport.h"
 
 #include <QAction>
@@ -21,8 +26,11 @@
 #include <QClipboard>
 #include <QDir>
 #include <QDockWidget>
-#include <QGraphicsItem>
+#include <QDomDocument>
+#include <QFileDialog>
+#include <QImage>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
@@ -45,6 +53,54 @@ QString panelText(ModelControler& window, int panel)
     return log ? log->toPlainText() : QString();
 }
 
+// The shipped example models, copied where a save may write.
+QStringList copiedExamples(const QTemporaryDir& dir)
+{
+    QStringList paths;
+    const QDir examples(QStringLiteral(MB_SOURCE_DIR "/examples"));
+    for (const QString& name : examples.entryList({"*.apc"}, QDir::Files, QDir::Name)) {
+        const QString copy = dir.filePath(name);
+        EXPECT_TRUE(QFile::copy(examples.filePath(name), copy));
+        paths << copy;
+    }
+    EXPECT_FALSE(paths.isEmpty());
+    return paths;
+}
+
+// Where the canvas shows each step and var, by id.
+QHash<QString, QPointF> placesOf(ModelControler& window)
+{
+    QHash<QString, QPointF> places;
+    for (QGraphicsItem* item : window.GetScene()->GetItems())
+        if (item->type() != ArrowGraphics::Type)
+            places.insert(dynamic_cast<GraphicsItemBase*>(item)->GetObject()->GetName(), item->pos());
+    return places;
+}
+
+// Picks name with filter in the next file dialog.
+void saveAs(const QString& name, const QString& filter)
+{
+    OnNextModal([=](QWidget* w) {
+        auto* dialog = qobject_cast<QFileDialog*>(w);
+        ASSERT_NE(dialog, nullptr);
+        EXPECT_EQ(dialog->acceptMode(), QFileDialog::AcceptSave);
+        EXPECT_EQ(dialog->nameFilters(), QStringList({"SVG picture (*.svg)", "PNG picture (*.png)", "PDF document (*.pdf)"}));
+        dialog->selectNameFilter(filter);
+        GuiDriver::PickPath(dialog, name);
+    });
+}
+
+// Answers the run dialog with the scenes and the output folder, then runs next
+// on the modal window that follows it.
+void answerInputs(const TestSupport::SceneBatch& batch, std::function<void(QWidget*)> next)
+{
+    OnNextModal([&batch, next](QWidget* dialog) {
+        ASSERT_TRUE(qobject_cast<RunCmdDlg*>(dialog));
+        GuiDriver::AnswerRunTabs(
+            dialog, [&](const QString& title) { return title == "Scene folders" ? batch.scenes : batch.out; }, next);
+    });
+}
+
 } // namespace
 
 class ModelWindow : public ::testing::Test
@@ -56,7 +112,7 @@ protected:
     ModelCommandManager* manager = ModelCommandManager::Instance();
 };
 
-TEST_F(ModelWindow, MenusAndEnableRulesFollowTheWindowAndTheRun)
+TEST_F(ModelWindow, MenusEnableRulesAndZoomsFollowTheWindowAndTheRun)
 {
     ModelControler window(path(), false);
     EXPECT_EQ(window.windowTitle(), "Model Builder");
@@ -95,6 +151,28 @@ TEST_F(ModelWindow, MenusAndEnableRulesFollowTheWindowAndTheRun)
     manager->OnUpdateState();
     EXPECT_TRUE(Action(&window, "Paste")->isEnabled());
 
+    // Fixed zooms keep the scale and the view in step.
+    window.resize(800, 500);
+    QAction* out = Action(&window, "Fixed Zoom Out");
+    for (int i = 0; i < 12; ++i)
+        out->trigger();
+    // Stops at the last step that is not below 0.001: nine halvings from 1.0.
+    EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 0.001953125);
+    EXPECT_DOUBLE_EQ(window.GetView()->transform().m11(), 0.001953125);
+
+    Action(&window, "Fixed Zoom In")->trigger();
+    EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 0.001953125 * 1.5);
+
+    window.GetView()->translate(30, 20);
+    const QTransform before = window.GetView()->transform();
+    Action(&window, "1:1")->trigger();
+    EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 1.0);
+    EXPECT_DOUBLE_EQ(window.GetView()->transform().m11(), 1.0);
+    EXPECT_DOUBLE_EQ(window.GetView()->transform().dx(), before.dx()); // the scroll offset stays
+
+    Action(&window, "Full Extent")->trigger();
+    EXPECT_GT(window.GetScene()->GetScale(), 0.0);
+
     ModelControler readOnly(path(), true);
     readOnly.SetModified(true);
     manager->OnUpdateState();
@@ -117,8 +195,6 @@ TEST_F(ModelWindow, SaveOnAFullDiskKeepsTheOldFileWhole)
     EXPECT_EQ(TestSupport::ReadAll(path()), before);
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"m.apc"}); // no temporary left
 }
-
-
 
 TEST(RunDialog, RefusesAnEmptyTabByItsTitleTakesBlanksAndCancels)
 {
@@ -157,68 +233,221 @@ TEST(RunDialog, RefusesAnEmptyTabByItsTitleTakesBlanksAndCancels)
     EXPECT_EQ(cancelled.exec(), QDialog::Rejected);
 }
 
-// Each shipped model, opened in its window and run on the sample scenes into a
-// fresh folder, with its inputs given in the run dialog as a user gives them.
-TEST(RunDialog, EveryShippedModelRunsFromItsWindow)
+// A shipped model with a nested model step, opened in its window and run on the
+// sample scenes into a fresh folder, its inputs given in the run dialog.
+TEST(RunDialog, ANestedShippedModelRunsFromItsWindow)
 {
-    const QString models = QCoreApplication::applicationDirPath() + "/../Model/apc/";
     const QString scenes = QStringLiteral(MB_SOURCE_DIR "/examples/data/scenes");
     QTemporaryDir out;
-    struct Case { const char* model; QStringList outputs; };
+    ModelControler window(QCoreApplication::applicationDirPath() + "/../Model/apc/batch_nested.apc", false);
+    window.SetModelName("batch_nested.apc");
+    OnNextModal([&](QWidget* dialog) {
+        GuiDriver::AnswerRunTabs(dialog, [&](const QString& title) { return title == "Scene folders" ? scenes : out.path(); });
+    });
+    Action(&window, "Run")->trigger();
+    ASSERT_TRUE(WaitUntil([&] { return window.GetSequenceControl()->GetState() == SequenceControl::Idle; }, 60000));
+    const QString log = panelText(window, 0);
+    EXPECT_TRUE(log.startsWith("Start the model: batch_nested.apc\n")) << qPrintable(log);
+    EXPECT_TRUE(log.contains("Fail: 0")) << qPrintable(log);
+    for (const char* file : {"scene_01_nested.tif", "scene_02_nested.tif", "scene_03_nested.tif"})
+        EXPECT_TRUE(QFileInfo::exists(out.filePath(file))) << file;
+}
+
+// ---------------------------------------------------------------------------
+// Auto Layout (View menu) and the picture export (Print, Model menu)
+
+TEST(AutoLayout, LaysTheExamplesOutLeftToRightWithoutOverlapsAsOneSavedEdit)
+{
+    QTemporaryDir dir;
+    const QStringList examples = copiedExamples(dir);
+    for (const QString& path : examples) {
+        SCOPED_TRACE(path.toStdString());
+        QHash<QString, QPointF> laidOut;
+        {
+            ModelControler window(path, false);
+            // A new last entry; the menu's own stay as they were.
+            EXPECT_EQ(GuiDriver::MenuEntries(&window, "View"),
+                      QStringList({"Full Extent", "1:1", "Fixed Zoom In", "Fixed Zoom Out", "Auto Layout"}));
+            ModelCommandManager::Instance()->OnUpdateState();
+            QAction* layout = Action(&window, "Auto Layout");
+            ASSERT_TRUE(layout->isEnabled());
+            layout->trigger();
+            EXPECT_TRUE(window.IsModified());
+
+            QList<QGraphicsItem*> boxes;
+            int arrows = 0;
+            for (QGraphicsItem* item : window.GetScene()->GetItems()) {
+                if (item->type() != ArrowGraphics::Type) {
+                    boxes << item;
+                    continue;
+                }
+                auto* arrow = static_cast<ArrowGraphics*>(item);
+                ASSERT_TRUE(arrow->GetTailItem() && arrow->GetHeadItem());
+                EXPECT_LT(arrow->GetTailItem()->sceneBoundingRect().right(),
+                          arrow->GetHeadItem()->sceneBoundingRect().left());
+                ++arrows;
+            }
+            EXPECT_GT(arrows, 0);
+            for (int i = 0; i < boxes.size(); ++i)
+                for (int j = i + 1; j < boxes.size(); ++j)
+                    EXPECT_FALSE(boxes[i]->sceneBoundingRect().intersects(boxes[j]->sceneBoundingRect()))
+                        << i << " overlaps " << j;
+            // The model holds the places the canvas shows, not those before the last move.
+            for (APCProcess* p : window.GetDocument()->GetProcesses())
+                EXPECT_EQ(window.FindItem(p)->pos(), p->GetPos()) << p->GetDescription().toStdString();
+            for (APCVar* v : window.GetDocument()->GetVars())
+                EXPECT_EQ(window.FindItem(v)->pos(), v->GetPos()) << v->GetDescription().toStdString();
+            laidOut = placesOf(window);
+            Action(&window, "Save")->trigger();
+        }
+        ModelControler reopened(path, false);
+        EXPECT_EQ(placesOf(reopened), laidOut);
+    }
+
+    ModelControler readOnly(examples.value(0), true);
+    ModelCommandManager::Instance()->OnUpdateState();
+    EXPECT_FALSE(Action(&readOnly, "Auto Layout")->isEnabled());
+}
+
+TEST(ExportPicture, WritesTheWholeModelInTheChosenFormatAndLeavesTheWindowAsItWas)
+{
+    QTemporaryDir dir;
+    const QString model = copiedExamples(dir).filter("scene_ndvi").value(0);
+    ModelControler window(model, false);
+    window.resize(300, 200);
+    window.show();
+    // Zoomed in: most of the model lies outside the view.
+    for (int i = 0; i < 3; ++i)
+        Action(&window, "Fixed Zoom In")->trigger();
+    EXPECT_EQ(GuiDriver::MenuEntries(&window, "Model"), QStringList({"Save", "Save As", "Validate Entire Model", "Run", "Pause", "Stop", "Print", "Export for a cluster..."}));
+    QGraphicsItem* chosen = window.FindItem(window.GetDocument()->GetProcesses().value(1));
+    chosen->setSelected(true);
+
+    struct Case
+    {
+        const char* name;
+        QString typed;
+        QString filter;
+        QString written;
+    };
     const std::vector<Case> cases = {
-        {"scene_ndvi.apc", {"scene_01_ndvi.tif", "scene_02_ndvi.tif", "scene_03_ndvi.tif"}},
-        {"batch_nested.apc", {"scene_01_nested.tif", "scene_02_nested.tif", "scene_03_nested.tif"}},
-        {"ndvi_one.apc", {"one.tif"}},
+        {"svg by its filter", "m", "SVG picture (*.svg)", "m.svg"},
+        {"png by its filter", "m", "PNG picture (*.png)", "m.png"},
+        {"pdf by its filter", "m", "PDF document (*.pdf)", "m.pdf"},
+        {"the extension wins over the filter", "n.png", "SVG picture (*.svg)", "n.png"},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.model);
-        ModelControler window(models + c.model, false);
-        window.SetModelName(c.model);
-        OnNextModal([&](QWidget* dialog) {
-            ASSERT_TRUE(qobject_cast<RunCmdDlg*>(dialog));
-            GuiDriver::AnswerRunTabs(dialog, [&](const QString& title) {
-                return title == "Scene folders" ? scenes
-                       : title == "Scene"       ? scenes + "/scene_01.tif"
-                       : title == "NDVI file"   ? out.filePath("one.tif")
-                                                : out.path();
-            });
-        });
-        GuiDriver::Action(&window, "Run")->trigger();
-        ASSERT_TRUE(TestSupport::WaitUntil([&] { return window.GetSequenceControl()->GetState() == 0; }, 60000));
-        EXPECT_TRUE(window.findChild<QDockWidget*>()->isVisibleTo(&window)); // a run shows the log
-        const QString log = panelText(window, 0);
-        EXPECT_TRUE(log.startsWith(QString("Start the model: ") + c.model + "\n")) << qPrintable(log);
-        EXPECT_TRUE(log.contains("Fail: 0")) << qPrintable(log);
-        EXPECT_EQ(log, window.GetSequenceControl()->GetLog()->GetLogText());
-        EXPECT_EQ(panelText(window, 1), "");
-        EXPECT_FALSE(window.IsModified()); // a run is not an edit
-        for (const QString& file : c.outputs)
-            EXPECT_TRUE(QFileInfo::exists(out.filePath(file))) << file.toStdString();
+        SCOPED_TRACE(c.name);
+        saveAs(dir.filePath(c.typed), c.filter);
+        Action(&window, "Print")->trigger();
+        const QByteArray bytes = TestSupport::ReadAll(dir.filePath(c.written));
+        ASSERT_FALSE(bytes.isEmpty());
+        if (c.written.endsWith(".svg")) {
+            QDomDocument svg;
+            ASSERT_TRUE(svg.setContent(bytes));
+            QString texts;
+            const QDomNodeList nodes = svg.elementsByTagName("text");
+            for (int i = 0; i < nodes.size(); ++i)
+                texts += nodes.at(i).toElement().text() + ' ';
+            // Whole names, wrapped onto lines, not cut as the canvas cuts them.
+            texts = texts.simplified();
+            for (APCProcess* p : window.GetDocument()->GetProcesses())
+                EXPECT_TRUE(texts.contains(p->GetDescription().simplified())) << p->GetDescription().toStdString();
+            EXPECT_FALSE(texts.contains(QChar(0x2026)));
+        } else if (c.written.endsWith(".png")) {
+            QImage image;
+            ASSERT_TRUE(image.loadFromData(bytes, "PNG"));
+            // The whole model at twice its size, not the view's part.
+            EXPECT_GT(image.width(), 2 * window.GetScene()->itemsBoundingRect().width());
+        } else {
+            EXPECT_TRUE(bytes.startsWith("%PDF-"));
+            EXPECT_TRUE(bytes.trimmed().endsWith("%%EOF"));
+        }
+        EXPECT_FALSE(window.IsModified());
+        EXPECT_EQ(window.GetScene()->selectedItems(), QList<QGraphicsItem*>({chosen}));
     }
+
+    // No handles: the picture with a step selected is the one without.
+    saveAs(dir.filePath("unselected.png"), "PNG picture (*.png)");
+    chosen->setSelected(false);
+    Action(&window, "Print")->trigger();
+    EXPECT_EQ(QImage(dir.filePath("unselected.png")), QImage(dir.filePath("m.png")));
 }
 
-TEST_F(ModelWindow, FixedZoomsKeepTheScaleAndTheViewInStep)
+// ---------------------------------------------------------------------------
+// Model > Export for a cluster...
+
+TEST(ClusterExportWindow, AsksTheInputsAndAFolderWritesTheWorkflowAndTellsTheCommand)
 {
-    ModelControler window(path(), false);
-    window.resize(800, 500);
-    QAction* out = Action(&window, "Fixed Zoom Out");
-    for (int i = 0; i < 12; ++i)
-        out->trigger();
-    // Stops at the last step that is not below 0.001: nine halvings from 1.0.
-    EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 0.001953125);
-    EXPECT_DOUBLE_EQ(window.GetView()->transform().m11(), 0.001953125);
+    TestSupport::SceneBatch batch;
+    ModelControler window(batch.model, false);
+    QAction* exportAction = GuiDriver::Action(&window, "Export for a cluster...");
+    ASSERT_TRUE(exportAction);
 
-    Action(&window, "Fixed Zoom In")->trigger();
-    EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 0.001953125 * 1.5);
+    // Not while a run goes on.
+    GuiDriver::Message said;
+    answerInputs(batch, nullptr);
+    GuiDriver::Action(&window, "Run")->trigger();
+    ASSERT_EQ(window.GetSequenceControl()->GetState(), SequenceControl::Running);
+    GuiDriver::AnswerMessage(&said);
+    exportAction->trigger();
+    EXPECT_EQ(said.text, "The model is running: export it when the run has ended.");
+    ASSERT_TRUE(TestSupport::WaitUntil([&] { return window.GetSequenceControl()->GetState() == SequenceControl::Idle; }, 60000));
+    EXPECT_TRUE(window.findChild<QDockWidget*>()->isVisibleTo(&window)); // a run shows the log
+    EXPECT_TRUE(panelText(window, 0).contains("Fail: 0")) << qPrintable(panelText(window, 0));
+    EXPECT_EQ(panelText(window, 1), "");
+    EXPECT_FALSE(window.IsModified()); // a run is not an edit
 
-    window.GetView()->translate(30, 20);
-    const QTransform before = window.GetView()->transform();
-    Action(&window, "1:1")->trigger();
-    EXPECT_DOUBLE_EQ(window.GetScene()->GetScale(), 1.0);
-    EXPECT_DOUBLE_EQ(window.GetView()->transform().m11(), 1.0);
-    EXPECT_DOUBLE_EQ(window.GetView()->transform().dx(), before.dx()); // the scroll offset stays
-
-    Action(&window, "Full Extent")->trigger();
-    EXPECT_GT(window.GetScene()->GetScale(), 0.0);
+    const QString flow = batch.dir.filePath("flow");
+    QDir().mkpath(flow);
+    answerInputs(batch, [&](QWidget* picker) {
+        GuiDriver::AnswerMessage(&said);
+        GuiDriver::PickPath(picker, flow);
+    });
+    exportAction->trigger();
+    EXPECT_EQ(said.text, "The workflow is written. Run it on this machine with:\n\nsnakemake --profile " + flow + "/profiles/local");
+    const QString snakefile = QString::fromUtf8(TestSupport::ReadAll(flow + "/Snakefile"));
+    EXPECT_TRUE(snakefile.contains("\"" + TestSupport::MbrunPath() + "\"")) << qPrintable(snakefile);
+    EXPECT_TRUE(snakefile.contains(batch.scenes)) << qPrintable(snakefile);
+    const QStringList rounds = QString::fromUtf8(TestSupport::ReadAll(flow + "/rounds.tsv")).split('\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(rounds.size(), 4);
+    EXPECT_TRUE(rounds[3].startsWith("scene_03-")) << qPrintable(rounds[3]);
+    for (const char* profile : {"local", "slurm", "cluster"})
+        EXPECT_TRUE(QFile::exists(flow + "/profiles/" + profile + "/config.yaml")) << profile;
 }
 
+// Validate tells of options GDAL refuses, after its own verdict.
+TEST(ValidateOptions, ARefusedOptionFollowsTheSucceedBoxNamingStepParameterAndReason)
+{
+    QTemporaryDir dir;
+    {
+        TestSupport::HeadlessModel model;
+        struct Step { const char* algorithm; const char* options; };
+        for (const Step& s : {Step{"raster.hillshade", "COMPRESS=DEFLATE"}, Step{"raster.translate", "COMPRESS=NOPE"}}) {
+            APCAlgo* step = TestSupport::AddAlgo(model, s.algorithm);
+            TestSupport::SetConstant(TestSupport::VarOf(model, step, "In File"), dir.filePath("in.tif"));
+            TestSupport::SetConstant(TestSupport::VarOf(model, step, "Out File"), dir.filePath("out.tif"));
+            TestSupport::SetLiteral(model, step, "Creation options", s.options);
+        }
+        ASSERT_TRUE(model.SaveFile(dir.filePath("options.apc")));
+    }
+    ModelControler window(dir.filePath("options.apc"), false);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+
+    QStringList boxes;
+    std::function<void(QWidget*)> answer = [&](QWidget* w) {
+        auto* box = qobject_cast<QMessageBox*>(w);
+        ASSERT_TRUE(box);
+        boxes << box->windowTitle() + ": " + box->text();
+        if (boxes.size() == 1)
+            GuiDriver::OnNextModal(answer);
+        box->accept();
+    };
+    GuiDriver::OnNextModal(answer);
+    GuiDriver::Action(&window, "Validate Entire Model")->trigger();
+    ASSERT_EQ(boxes.size(), 2);
+    EXPECT_EQ(boxes[0], "succeed: Validate Succeed");
+    EXPECT_EQ(boxes[1], "Warning: The parameter \"Creation options\" of \"Convert raster\" is refused: "
+                        "'NOPE' is an unexpected value for COMPRESS creation option of type string-select.");
+}

@@ -58,24 +58,19 @@ const QStringList kTypes = {"file", "filePath", "folder", "multiFile", "multiDir
 
 } // namespace
 
-TEST(DataTypeFactory, ListsEveryTypeOnceAndMakesItsOwnWidget)
+// The factory lists every type once, each with a widget of its own that gives back
+// exactly the text it was given; anything else, "File" too, gets the fallback line edit.
+TEST(DataTypeWidget, EveryListedTypeHasItsOwnWidgetThatGivesBackExactlyTheTextItWasGiven)
 {
     const QList<Plugin::DataTypeInfo> infos = DataTypeFactory::GetDataTypeInfo();
     QSet<QString> types, labels;
     for (const Plugin::DataTypeInfo& info : infos) {
         types.insert(info.type);
         labels.insert(info.label);
-        // Each listed type has a widget of its own, not the fallback line edit.
-        EXPECT_STRNE(make(info.type)->metaObject()->className(), "Plugin::DefaultDataWidget") << info.type.toStdString();
     }
     EXPECT_EQ(types, QSet<QString>(kTypes.begin(), kTypes.end()));
     EXPECT_EQ(labels.size(), infos.size());
-    EXPECT_STREQ(make("no such type")->metaObject()->className(), "Plugin::DefaultDataWidget");
     EXPECT_STREQ(make("File")->metaObject()->className(), "Plugin::DefaultDataWidget");
-}
-
-TEST(DataTypeWidget, GivesBackExactlyTheTextItWasGiven)
-{
     const QString longList = QStringList(QVector<QString>(3000, QStringLiteral("/data/scene_000.tif")).toList()).join(';');
     const QStringList values = {
         "", "plain", "%{2b8c1d5e-0000-4000-8000-000000000001}%", "  blanks  ", "line\nbreak", "Höhe \"1\" \\ x",
@@ -86,6 +81,8 @@ TEST(DataTypeWidget, GivesBackExactlyTheTextItWasGiven)
     const QStringList typeParams = {R"j({"direction":"1","filter":"GeoTIFF (*.tif)"})j", "{", "[]", "null", "\"x\"",
                                     "{\"direction\":{}}", "{\"filter\":7}"};
     for (const QString& type : kTypes + QStringList{"unknown"}) {
+        const bool fallback = QByteArray(make(type)->metaObject()->className()) == "Plugin::DefaultDataWidget";
+        EXPECT_EQ(fallback, type == "unknown") << type.toStdString();
         for (int i = 0; i < values.size(); ++i) {
             const QString& value = values[i];
             SCOPED_TRACE((type + " <- " + value.left(60)).toStdString());
@@ -201,26 +198,6 @@ TEST(DataTypeWidget, BrowseAsksForTheRightKindOfPathAndTakesTheAnswer)
     }
 }
 
-TEST(DataTypeWidget, EditorsStayUsableInTheSmallRunDialog)
-{
-    for (const QString& type : kTypes) {
-        SCOPED_TRACE(type.toStdString());
-        QWidget page;
-        page.resize(400, 80); // what a tab of the 426 x 148 run dialog leaves
-        WidgetPtr w = make(type);
-        w->setParent(&page);
-        w->SetCaption("A caption of some length for the parameter");
-        w->SetValue("");
-        w->resize(page.size());
-        page.show();
-        QWidget* editor = w->focusProxy();
-        ASSERT_NE(editor, nullptr);
-        const QRect inPage(editor->mapTo(&page, QPoint(0, 0)), editor->size());
-        EXPECT_GE(editor->height(), editor->fontMetrics().height()) << "too low to read";
-        EXPECT_TRUE(QRect(QPoint(0, 0), page.size()).contains(inPage)) << "cut off";
-    }
-}
-
 // ---------------------------------------------------------------------------
 // Algorithm forms
 
@@ -250,22 +227,6 @@ protected:
 
 } // namespace
 
-TEST_F(AlgoInfoForm, ShowsTheCatalogueWithDefaultsAndMarksWhatIsRequired)
-{
-    auto info = aspect();
-    QDialog* form = info->GetAlgoDialog();
-    EXPECT_EQ(form->windowTitle(), "Aspect");
-    EXPECT_EQ(info->GetAlgoParams(), R"({"In File":"","Band":"1","Out File":"","Creation options":"","Additional options":""})");
-    struct Case { const char* name; bool required; };
-    for (const Case& c : {Case{"In File", true}, Case{"Band", false}, Case{"Out File", true}}) {
-        SCOPED_TRACE(c.name);
-        auto* w = qobject_cast<Plugin::DataTypeWidget*>(row(form, c.name));
-        ASSERT_NE(w, nullptr);
-        EXPECT_EQ(w->GetCaption().endsWith(" *"), c.required);
-        EXPECT_EQ(w->findChild<QLabel*>("caption")->font().bold(), c.required);
-    }
-}
-
 TEST_F(AlgoInfoForm, ParameterTextRoundTrips)
 {
     struct Case { const char* name; QString in; QString out; };
@@ -293,10 +254,20 @@ TEST_F(AlgoInfoForm, ParameterTextRoundTrips)
     }
 }
 
-TEST_F(AlgoInfoForm, OkRefusesAnEmptyRequiredValueThenKeepsWhatWasTyped)
+// The form marks what is required; OK refuses an empty required value and then
+// keeps what was typed; Cancel and Escape put back the values the form opened with.
+TEST_F(AlgoInfoForm, OkRefusesAnEmptyRequiredValueAndCancelPutsBackWhatTheFormOpenedWith)
 {
     auto info = aspect();
     QDialog* form = info->GetAlgoDialog();
+    EXPECT_EQ(form->windowTitle(), "Aspect");
+    for (const char* name : {"In File", "Band", "Out File"}) {
+        auto* w = qobject_cast<Plugin::DataTypeWidget*>(row(form, name));
+        ASSERT_NE(w, nullptr);
+        const bool required = QByteArray(name) != "Band";
+        EXPECT_EQ(w->GetCaption().endsWith(" *"), required) << name;
+        EXPECT_EQ(w->findChild<QLabel*>("caption")->font().bold(), required) << name;
+    }
     GuiDriver::Message refusal;
     GuiDriver::OnNextModal([&](QWidget*) {
         GuiDriver::TypeInto(row(form, "In File"), "edit", "/d/dem.tif");
@@ -308,15 +279,10 @@ TEST_F(AlgoInfoForm, OkRefusesAnEmptyRequiredValueThenKeepsWhatWasTyped)
     });
     EXPECT_EQ(form->exec(), QDialog::Accepted);
     EXPECT_EQ(refusal.text, "Please set value: Aspect, Float32; flat cells are no-data");
-    EXPECT_EQ(info->GetAlgoParams(), R"({"In File":"/d/dem.tif","Band":"1","Out File":"/d/aspect.tif","Creation options":"","Additional options":""})");
-}
+    const QString accepted =
+        R"({"In File":"/d/dem.tif","Band":"1","Out File":"/d/aspect.tif","Creation options":"","Additional options":""})";
+    EXPECT_EQ(info->GetAlgoParams(), accepted);
 
-TEST_F(AlgoInfoForm, CancelPutsBackTheValuesTheFormOpenedWith)
-{
-    auto info = aspect();
-    info->SetAlgoParams(R"({"In File":"/d/dem.tif"})");
-    const QString before = info->GetAlgoParams();
-    QDialog* form = info->GetAlgoDialog();
     for (const char* how : {"cancel", "escape"}) {
         SCOPED_TRACE(how);
         GuiDriver::OnNextModal([&](QWidget*) {
@@ -327,22 +293,9 @@ TEST_F(AlgoInfoForm, CancelPutsBackTheValuesTheFormOpenedWith)
             else
                 QTest::keyClick(form, Qt::Key_Escape);
         });
-        EXPECT_EQ(form->exec(), QDialog::Rejected);
-        EXPECT_EQ(info->GetAlgoParams(), before);
+        EXPECT_EQ(info->GetAlgoDialog()->exec(), QDialog::Rejected); // the same form again
+        EXPECT_EQ(info->GetAlgoParams(), accepted);
     }
-}
-
-TEST_F(AlgoInfoForm, OutlivesItsParentsForm)
-{
-    auto parent = std::make_unique<QWidget>();
-    std::unique_ptr<AlgoInfo> info(Plugin::GetAlgoInfo("raster.aspect", parent.get()));
-    info->SetAlgoParams(R"({"In File":"/d/dem.tif"})");
-    EXPECT_EQ(info->GetAlgoDialog()->parentWidget(), parent.get());
-    parent.reset(); // takes the form with it
-    EXPECT_EQ(info->GetAlgoParams(), R"({"In File":"/d/dem.tif","Band":"1","Out File":"","Creation options":"","Additional options":""})");
-    ASSERT_NE(info->GetAlgoDialog(), nullptr);
-    EXPECT_EQ(info->GetAlgoDialog()->findChild<QStackedWidget*>("In File")->currentWidget()->findChild<QLineEdit*>("edit")->text(),
-              "/d/dem.tif");
 }
 
 TEST_F(AlgoInfoForm, VarReferenceIsReadOnlyUntilUnlinked)
