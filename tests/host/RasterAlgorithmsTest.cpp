@@ -426,8 +426,9 @@ TEST(AlgorithmCatalogue, EveryBuiltinIsDescribedConsistently)
                 expected << "Layer creation options";
             if (p.name.endsWith("creation options", Qt::CaseInsensitive))
                 seen << p.name;
-            if (p.name.endsWith(" options"))
+            if (p.name.endsWith(" options")) {
                 EXPECT_TRUE(p.isOptional && p.defaultValue.isEmpty() && i >= c->params.size() - 2) << p.name.toStdString();
+            }
         }
         EXPECT_EQ(outputs, 1);
         EXPECT_EQ(seen, expected);
