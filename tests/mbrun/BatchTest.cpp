@@ -358,8 +358,9 @@ TEST(MbrunBatch, AfterAFailureTheStepsStillRunningAreWaitedForAndAccountedFor)
     EXPECT_EQ(stepsWithStatus(r, "succeeded"), "0:raster.warp");
     EXPECT_EQ(r["summary"]["unfinished"].toInt(), 0);
     for (const QJsonValue& step : r["steps"].toArray()) {
-        if (step["status"].toString() == "failed")
+        if (step["status"].toString() == "failed") {
             EXPECT_EQ(step["errorMessage"].toString(), message);
+        }
     }
 }
 
