@@ -7,16 +7,35 @@
 
 #include <QCryptographicHash>
 #include <QDateTime>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLockFile>
+#include <QThread>
+
+#include <algorithm>
 
 namespace Mbrun {
 
 namespace {
+
+// QLockFile's own wait first sleeps a tenth of a second: long next to a merge of a
+// few milliseconds, which rounds ending together (side by side, or as the jobs of
+// a workflow) each do.
+bool lockSoon(QLockFile& lock, int timeoutMs)
+{
+    const QDeadlineTimer deadline(timeoutMs);
+    for (int pause = 1;; pause = std::min(2 * pause, 50)) {
+        if (lock.tryLock(0))
+            return true;
+        if (lock.error() != QLockFile::LockFailedError || deadline.hasExpired())
+            return false;
+        QThread::msleep(pause);
+    }
+}
 
 const QString kFormat = QStringLiteral("mbrun-state/1");
 // The layout Flush writes: this head, one entry a line, the tail.
@@ -239,7 +258,7 @@ QStringList ResumeState::Flush()
         // Runs of other rounds may merge into the same file: each takes it in turn.
         QLockFile merging(path + QStringLiteral(".merging"));
         merging.setStaleLockTime(0);
-        if (!merging.tryLock(kMergeWaitMs) && merging.error() == QLockFile::LockFailedError) {
+        if (!lockSoon(merging, kMergeWaitMs) && merging.error() == QLockFile::LockFailedError) {
             qint64 pid = 0;
             QString host, application;
             merging.getLockInfo(&pid, &host, &application);
