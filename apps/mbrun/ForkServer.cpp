@@ -16,6 +16,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/signalfd.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -170,8 +171,14 @@ void serve(int socket, const sigset_t& childMask, int& argc, char**& argv)
             reply(socket, {request.id, EBADF, 0});
             continue;
         }
+        const pid_t server = ::getpid();
         const pid_t pid = ::fork();
         if (pid == 0) {
+            // Without its server the child's run has no one to hear of it: it stops
+            // as at a SIGTERM (held until its run takes the stop signals).
+            ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+            if (::getppid() != server)
+                ::raise(SIGTERM);
             ::close(socket);
             ::close(reaped);
             ::dup2(pipes[0], 1);
