@@ -239,10 +239,12 @@ void finish(int32_t id, const Reply* r, const QString& failure)
     p->outReady.reset();
     p->errReady.reset();
     // The child has ended: all it wrote is in the pipes.
-    readAvailable(p->out, p->ended.out);
-    readAvailable(p->err, p->ended.err);
-    ::close(p->out);
-    ::close(p->err);
+    for (auto [fd, into] : {std::make_pair(p->out, &p->ended.out), std::make_pair(p->err, &p->ended.err)}) {
+        if (fd < 0)
+            continue;
+        readAvailable(fd, *into);
+        ::close(fd);
+    }
     p->ended.failure = failure;
     if (r && !r->started)
         p->ended.failure = QStringLiteral("it could not start: %1").arg(QString::fromLocal8Bit(std::strerror(r->status)));
@@ -344,52 +346,42 @@ void ForkServer::Run(const QStringList& args, std::function<void(const Ended&)> 
     const int32_t id = ++nextId;
     auto p = std::make_unique<Pending>();
     p->onEnded = std::move(onEnded);
-    int out[2], err[2];
-    if (::pipe2(out, O_CLOEXEC) != 0) {
-        out[0] = out[1] = -1;
-    } else if (::pipe2(err, O_CLOEXEC) != 0) {
-        ::close(out[0]);
-        ::close(out[1]);
-        out[0] = out[1] = -1;
-    }
     QByteArray arguments;
     for (const QString& a : args)
         arguments += a.toLocal8Bit() + '\0';
-    const int sent[2] = {out[1], err[1]};
-    if (out[0] < 0 || !send({Request::Start, id, 0}, arguments, sent)) {
-        const QString why = out[0] < 0 ? QString::fromLocal8Bit(std::strerror(errno)) : QStringLiteral("the process that starts the rounds is gone");
-        if (out[0] >= 0)
-            for (int fd : {out[0], out[1], err[0], err[1]})
-                ::close(fd);
-        QMetaObject::invokeMethod(
-            QCoreApplication::instance(),
-            [onEnded = std::move(p->onEnded), why] {
-                Ended ended;
-                ended.failure = QStringLiteral("it could not start: %1").arg(why);
-                onEnded(ended);
-            },
-            Qt::QueuedConnection);
-        return;
-    }
-    ::close(out[1]);
-    ::close(err[1]);
+    int out[2] = {-1, -1}, err[2] = {-1, -1};
+    const bool piped = ::pipe2(out, O_CLOEXEC) == 0 && ::pipe2(err, O_CLOEXEC) == 0;
+    const QString why = piped ? QStringLiteral("the process that starts the rounds is gone")
+                              : QString::fromLocal8Bit(std::strerror(errno));
+    const int ends[2] = {out[1], err[1]};
+    const bool sent = piped && send({Request::Start, id, 0}, arguments, ends);
+    // The child has its own copies of the write ends now.
+    for (int fd : ends)
+        if (fd >= 0)
+            ::close(fd);
     p->out = out[0];
     p->err = err[0];
-    for (int fd : {p->out, p->err})
-        ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) | O_NONBLOCK);
-    auto watch = [](int fd, QByteArray& into) {
-        auto notifier = std::make_unique<QSocketNotifier>(fd, QSocketNotifier::Read);
-        QSocketNotifier* n = notifier.get();
-        QObject::connect(n, &QSocketNotifier::activated, [fd, &into, n] {
-            if (readAvailable(fd, into))
-                n->setEnabled(false);
-        });
-        return notifier;
-    };
-    p->outReady = watch(p->out, p->ended.out);
-    p->errReady = watch(p->err, p->ended.err);
+    if (sent) {
+        auto watch = [](int fd, QByteArray& into) {
+            ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) | O_NONBLOCK);
+            auto notifier = std::make_unique<QSocketNotifier>(fd, QSocketNotifier::Read);
+            QSocketNotifier* n = notifier.get();
+            QObject::connect(n, &QSocketNotifier::activated, [fd, &into, n] {
+                if (readAvailable(fd, into))
+                    n->setEnabled(false);
+            });
+            return notifier;
+        };
+        p->outReady = watch(p->out, p->ended.out);
+        p->errReady = watch(p->err, p->ended.err);
+    }
     pending().emplace(id, std::move(p));
-    onReplies();
+    if (sent)
+        onReplies();
+    else // told from the event loop, as an end is
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(), [id, why] { finish(id, nullptr, QStringLiteral("it could not start: %1").arg(why)); },
+            Qt::QueuedConnection);
 }
 
 void ForkServer::SignalAll(int signal)
