@@ -8,9 +8,43 @@
 
 #include "HostRunner/OutputPaths.h"
 
+#include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
+#include <cerrno>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
 namespace Mbrun {
+
+namespace {
+
+// The names of the links in folder, read in one pass: a batch names thousands of files
+// in one folder, and asking the system about each one costs a call per file. Sets ok
+// false when the folder exists but cannot be listed.
+QSet<QString> linksIn(const QString& folder, bool* ok)
+{
+    QSet<QString> links;
+    DIR* dir = opendir(QFile::encodeName(folder).constData());
+    *ok = dir || errno == ENOENT || errno == ENOTDIR;
+    if (!dir)
+        return links;
+    while (const dirent* entry = readdir(dir)) {
+        bool link = entry->d_type == DT_LNK;
+        struct stat st;
+        if (entry->d_type == DT_UNKNOWN && fstatat(dirfd(dir), entry->d_name, &st, AT_SYMLINK_NOFOLLOW) == 0)
+            link = S_ISLNK(st.st_mode);
+        if (link)
+            links.insert(QFile::decodeName(entry->d_name));
+    }
+    closedir(dir);
+    return links;
+}
+
+} // namespace
 
 void FileConflicts::Add(Plugin::SequenceNode* node, int round, const StepFiles& files)
 {
@@ -21,13 +55,16 @@ void FileConflicts::Add(Plugin::SequenceNode* node, int round, const StepFiles& 
             m_files.append(file);
         for (Use& use : uses)
             if (use.node == node && use.writes == writes) {
-                use.rounds.insert(round);
+                // Rounds mostly come in order: then this is an append.
+                auto at = std::lower_bound(use.rounds.begin(), use.rounds.end(), round);
+                if (at == use.rounds.end() || *at != round)
+                    use.rounds.insert(at, round);
                 return;
             }
         Use use;
         use.node = node;
         use.writes = writes;
-        use.rounds.insert(round);
+        use.rounds.push_back(round);
         uses.append(use);
     };
     for (const QString& out : files.Outputs())
@@ -47,22 +84,33 @@ QString FileConflicts::SystemPath(const QString& path)
         return HostRunner::SystemPath(path);
     const QString folder = info.path();
     auto it = m_folders.constFind(folder);
-    if (it == m_folders.constEnd())
-        it = m_folders.insert(folder, HostRunner::SystemPath(folder));
-    const QString file = it.value() + QLatin1Char('/') + name;
-    return QFileInfo(file).isSymLink() ? HostRunner::SystemPath(file) : file;
+    if (it == m_folders.constEnd()) {
+        Folder f;
+        f.resolved = HostRunner::SystemPath(folder);
+        f.links = linksIn(f.resolved, &f.listed);
+        it = m_folders.insert(folder, f);
+    }
+    const QString file = it->resolved + QLatin1Char('/') + name;
+    const bool link = it->listed ? it->links.contains(name) : QFileInfo(file).isSymLink();
+    return link ? HostRunner::SystemPath(file) : file;
 }
 
 int FileConflicts::SharedRound(const Use& a, const Use& b)
 {
     // What runs outside any round runs beside all of them.
-    if (a.rounds.contains(0) || b.rounds.contains(0))
+    if (a.rounds.front() == 0 || b.rounds.front() == 0)
         return 0;
-    int first = -1;
-    for (int round : a.rounds)
-        if (b.rounds.contains(round) && (first < 0 || round < first))
-            first = round;
-    return first;
+    auto i = a.rounds.begin();
+    auto j = b.rounds.begin();
+    while (i != a.rounds.end() && j != b.rounds.end()) {
+        if (*i == *j)
+            return *i;
+        if (*i < *j)
+            ++i;
+        else
+            ++j;
+    }
+    return -1;
 }
 
 bool FileConflicts::Ordered(Plugin::SequenceNode* a, Plugin::SequenceNode* b) const

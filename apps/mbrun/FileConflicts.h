@@ -6,6 +6,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <vector>
+
 namespace Plugin {
 class SequenceNode;
 }
@@ -32,7 +34,14 @@ private:
     {
         Plugin::SequenceNode* node = nullptr;
         bool writes = false;
-        QSet<int> rounds;
+        std::vector<int> rounds; // ascending, never empty
+    };
+    // A folder as the system resolves it, and which of its names are links.
+    struct Folder
+    {
+        QString resolved;
+        QSet<QString> links;
+        bool listed = false; // else ask about each file
     };
     // The file at path as the system resolves it.
     QString SystemPath(const QString& path);
@@ -45,7 +54,7 @@ private:
     QHash<QString, QList<Use>> m_uses; // absolute path -> who uses it
     QStringList m_files;               // the paths in the order first used
     mutable QHash<Plugin::SequenceNode*, QSet<Plugin::SequenceNode*>> m_behind;
-    QHash<QString, QString> m_folders; // as written -> as the system resolves it
+    QHash<QString, Folder> m_folders; // as written -> as the system resolves it
 };
 
 } // namespace Mbrun

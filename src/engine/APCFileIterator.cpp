@@ -9,6 +9,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -16,8 +17,11 @@
 #include <QUuid>
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 #include <vector>
+
+#include <dirent.h>
 
 namespace Plugin {
 
@@ -34,6 +38,26 @@ QJsonObject parseObject(const QString& text, bool* ok)
     return doc.object();
 }
 
+// Whether the folder holds any name starting with a dot (a hidden file on this system).
+// Hidden files are rare: a folder of thousands of scenes is not listed, stat'ed and
+// sorted a second time only to find none. Unreadable: say yes and let QDir decide.
+bool holdsDotNames(const QString& path)
+{
+    DIR* dir = opendir(QFile::encodeName(path).constData());
+    if (!dir)
+        return true;
+    bool found = false;
+    while (const dirent* entry = readdir(dir)) {
+        const char* name = entry->d_name;
+        if (name[0] == '.' && std::strcmp(name, ".") != 0 && std::strcmp(name, "..") != 0) {
+            found = true;
+            break;
+        }
+    }
+    closedir(dir);
+    return found;
+}
+
 // The hidden files of path (and of the subfolders FindFiles reads, when recursive)
 // that filter matches: never iterated, but a batch should know they were there.
 QStringList findHiddenFiles(const QString& path, const QString& filter, bool recursive)
@@ -41,9 +65,10 @@ QStringList findHiddenFiles(const QString& path, const QString& filter, bool rec
     QStringList result;
     const QDir dir(path);
     const QStringList patterns = filter.split(QLatin1Char(';'), Qt::KeepEmptyParts, Qt::CaseSensitive);
-    for (const QFileInfo& info : dir.entryInfoList(patterns, QDir::Files | QDir::Hidden | QDir::NoSymLinks))
-        if (info.isHidden())
-            result.append(info.absoluteFilePath());
+    if (holdsDotNames(path))
+        for (const QFileInfo& info : dir.entryInfoList(patterns, QDir::Files | QDir::Hidden | QDir::NoSymLinks))
+            if (info.isHidden())
+                result.append(info.absoluteFilePath());
     if (recursive)
         for (const QFileInfo& sub : dir.entryInfoList(QDir::AllDirs | QDir::NoDot | QDir::NoDotDot))
             result += findHiddenFiles(sub.absoluteFilePath(), filter, recursive);

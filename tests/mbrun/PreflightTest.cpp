@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -75,6 +76,11 @@ TEST(Preflight, EachStructuralFaultIsNamedBeforeTheRun)
     TestSupport::WriteAll(dir.filePath("self.apc"), nestingModel(rel("self.apc")));
     TestSupport::WriteAll(dir.filePath("a.apc"), nestingModel(rel("b.apc")));
     TestSupport::WriteAll(dir.filePath("b.apc"), nestingModel(rel("a.apc")));
+    // The first step's output, also reached through a link.
+    const QByteArray link = dir.filePath("link.tif").toUtf8();
+    TestSupport::WriteAll(dir.filePath("out.tif"), "");
+    ASSERT_TRUE(QFile::link(dir.filePath("out.tif"), link));
+    const QString out = QFileInfo(dir.filePath("out.tif")).canonicalFilePath();
 
     struct Case { const char* name; QByteArray model; QStringList said; };
     const std::vector<Case> cases = {
@@ -89,6 +95,9 @@ TEST(Preflight, EachStructuralFaultIsNamedBeforeTheRun)
         {"a step reads what another writes, no arrow between",
          secondCopy("/tmp/out.tif", "/tmp/out2.tif"),
          {"mbrun: \"Convert raster\" ({t}) reads /tmp/out.tif, which \"Convert raster\" ({s}) writes, and no arrow orders them"}},
+        {"a step reads through a link what another writes",
+         secondCopy(link.constData(), "/tmp/out2.tif").replace("value=\"/tmp/out.tif\"", "value=\"" + out.toUtf8() + '"'),
+         {"mbrun: \"Convert raster\" ({t}) reads " + out + ", which \"Convert raster\" ({s}) writes, and no arrow orders them"}},
         {"two steps write one file", secondCopy("/tmp/in.tif", "/tmp/out.tif"),
          {"mbrun: \"Convert raster\" ({s}) and \"Convert raster\" ({t}) both write /tmp/out.tif, and no arrow orders them"}},
         {"nested: no such file", nestingModel(rel("none.apc")), {"Nested is wrong!", "which is not found"}},
