@@ -57,21 +57,10 @@ StopSignals::StopSignals(std::function<void(int)> onSignal) : m_onSignal(std::mo
     m_notifier = std::make_unique<QSocketNotifier>(g_pipe[0], QSocketNotifier::Read);
     QObject::connect(m_notifier.get(), &QSocketNotifier::activated, [this] { OnReadable(); });
     setHandler(&onStopSignal);
-    // A child started by a run side by side begins with them held (see
-    // HeldForChild): what came meanwhile is served now.
+    // A process of rounds side by side begins with them held: what came
+    // meanwhile is served now.
     sigset_t stops = stopSet();
     pthread_sigmask(SIG_UNBLOCK, &stops, nullptr);
-}
-
-StopSignals::HeldForChild::HeldForChild()
-{
-    sigset_t stops = stopSet();
-    pthread_sigmask(SIG_BLOCK, &stops, &m_before);
-}
-
-StopSignals::HeldForChild::~HeldForChild()
-{
-    pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
 }
 
 StopSignals::~StopSignals()

@@ -2,7 +2,6 @@
 
 #include <QString>
 
-#include <csignal>
 #include <functional>
 #include <memory>
 
@@ -22,22 +21,6 @@ public:
     StopSignals(const StopSignals&) = delete;
     StopSignals& operator=(const StopSignals&) = delete;
     ~StopSignals();
-
-    // Holds the stop signals on this thread while it lives: a child process
-    // started meanwhile begins with them held, so that one arriving before the
-    // child's own StopSignals takes them waits for it instead of killing the
-    // child halfway through its start.
-    class HeldForChild
-    {
-    public:
-        HeldForChild();
-        HeldForChild(const HeldForChild&) = delete;
-        HeldForChild& operator=(const HeldForChild&) = delete;
-        ~HeldForChild();
-
-    private:
-        sigset_t m_before;
-    };
 
     // "SIGTERM" and the like.
     static QString Name(int signal);
