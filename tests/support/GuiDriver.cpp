@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
+#include <QComboBox>
 #include <QElapsedTimer>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -77,31 +78,33 @@ QStringList MenuEntries(QWidget* window, const QString& title)
     return texts;
 }
 
+void Choose(QWidget* root, const char* name, const QString& text)
+{
+    auto* combo = Child<QComboBox>(root, name);
+    ASSERT_NE(combo, nullptr);
+    QTest::keyClick(combo, Qt::Key_Home);
+    for (int i = 0; i < combo->count() && combo->currentText() != text; ++i)
+        QTest::keyClick(combo, Qt::Key_Down);
+    EXPECT_EQ(combo->currentText(), text);
+}
+
 void Click(QWidget* root, const QString& name)
 {
     auto* button = root->findChild<QAbstractButton*>(name);
+    for (QAbstractButton* b : root->findChildren<QAbstractButton*>())
+        if (!button && b->text() == name && b->isVisible())
+            button = b;
     ASSERT_NE(button, nullptr) << name.toStdString();
     QTest::mouseClick(button, Qt::LeftButton);
 }
 
-void ClickText(QWidget* root, const QString& text)
+void ExpectMessage(const QString& title, const QString& text, int button)
 {
-    for (QAbstractButton* button : root->findChildren<QAbstractButton*>())
-        if (button->text() == text && button->isVisible())
-            return QTest::mouseClick(button, Qt::LeftButton);
-    ADD_FAILURE() << "no button " << text.toStdString();
-}
-
-void AnswerMessage(Message* message, int button)
-{
-    OnNextModal([message, button](QWidget* w) {
+    OnNextModal([=](QWidget* w) {
         auto* box = qobject_cast<QMessageBox*>(w);
         ASSERT_NE(box, nullptr);
-        ++message->shown;
-        message->title = box->windowTitle();
-        message->text = box->text();
-        for (QAbstractButton* b : box->buttons())
-            message->buttons << b->text();
+        EXPECT_EQ(box->windowTitle(), title);
+        EXPECT_EQ(box->text(), text);
         QAbstractButton* chosen = box->button(QMessageBox::StandardButton(button));
         QTest::mouseClick(chosen ? chosen : box->buttons().first(), Qt::LeftButton);
     });
@@ -151,7 +154,7 @@ void AnswerRunTabs(QWidget* dialog, const std::function<QString(const QString&)>
         const QString title = tabs->tabText(i);
         if (title == "Scene folders") {
             OnNextModal([path = value(title)](QWidget* picker) { PickPath(picker, path); });
-            ClickText(page, "Add...");
+            Click(page, "Add...");
             continue;
         }
         auto* edit = page->findChild<QLineEdit*>();
@@ -160,7 +163,7 @@ void AnswerRunTabs(QWidget* dialog, const std::function<QString(const QString&)>
     }
     if (next)
         OnNextModal(next);
-    ClickText(dialog, "OK");
+    Click(dialog, "OK");
 }
 
 void OnNextPopup(QWidget* after, std::function<void(QMenu*)> act)

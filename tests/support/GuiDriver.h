@@ -28,27 +28,20 @@ QAction* Action(QWidget* window, const QString& caption);
 // themselves when title is empty.
 QStringList MenuEntries(QWidget* window, const QString& title = QString());
 
-// Clicks the button named name below root (the test fails when there is none).
+// Picks the row captioned text of the closed combo box named name below root, with the keyboard.
+void Choose(QWidget* root, const char* name, const QString& text);
+
+// Clicks the button named name below root, or else the visible one captioned name
+// (the test fails when there is none).
 void Click(QWidget* root, const QString& name);
 
 // Replaces the whole text of edit by typing, as a user selecting all and typing;
 // a line break in text is typed as Return.
 void Retype(QWidget* edit, const QString& text);
 
-// Clicks the visible button captioned text below root (the test fails when there is none).
-void ClickText(QWidget* root, const QString& text);
-
-// What the next message box showed: AnswerMessage fills it from inside the box
-// (the next modal window must be one) and presses button, or its first button
-// when it has no such one.
-struct Message
-{
-    int shown = 0;
-    QString title;
-    QString text;
-    QStringList buttons;
-};
-void AnswerMessage(Message* message, int button = 0);
+// Checks the title and text of the next modal window, a message box, and
+// presses button there, or its first button when it has no such one.
+void ExpectMessage(const QString& title, const QString& text, int button = 0);
 
 // Answers the file dialog picker with path, typed into its name field.
 void PickPath(QWidget* picker, const QString& path);
