@@ -5,8 +5,7 @@
 // the tools raise come down as the editor has always taken them down. Copy and
 // paste across windows, and rows of the tool box dropped on a canvas. Undo and
 // redo: every kind of edit is one step, the model after an undo saves byte for
-// byte as before the edit, the modified flag follows the history; and one piece
-// of work walked whole.
+// byte as before the edit, the modified flag follows the history.
 #include "editor/AlgoGraphics.h"
 #include "editor/ArrowGraphics.h"
 #include "editor/GraphicsItemBase.h"
@@ -17,10 +16,6 @@
 #include "editor/ModelView.h"
 #include "editor/SelectTool.h"
 #include "editor/VarGraphics.h"
-#include "engine/APCAlgo.h"
-#include "engine/APCLog.h"
-#include "engine/SequenceControl.h"
-#include "engine/SequenceNode.h"
 #include "model/APCArrow.h"
 #include "model/APCModel.h"
 #include "model/APCProcess.h"
@@ -38,10 +33,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
-#include <QComboBox>
 #include <QDialog>
-#include <QFile>
-#include <QFontMetrics>
 #include <QGraphicsRectItem>
 #include <QImage>
 #include <QLineEdit>
@@ -57,7 +49,6 @@
 
 #include <functional>
 #include <memory>
-#include <set>
 
 using namespace Plugin;
 using GuiDriver::OnNextModal;
@@ -446,33 +437,6 @@ TEST_F(Tools, ABandSelectsWhatItTouchesAndGoesAwayAndPanScrollsMovingNoItem)
     EXPECT_FALSE(window->IsModified());
 }
 
-TEST_F(Tools, ALongNameShowsItsStartOnTheCanvasAndWholeAsTheToolTip)
-{
-    QGraphicsItem* step = item("{step}");
-    APCProcess* object = model()->FindProcess("{step}");
-    EXPECT_EQ(step->toolTip(), "Convert raster to another format");
-    // Two long names that begin alike look alike on the canvas: the label is cut
-    // at its end, not on both sides of its middle.
-    auto label = [&](const QString& name) {
-        object->SetDescription(name);
-        QImage image(step->sceneBoundingRect().size().toSize(), QImage::Format_ARGB32);
-        image.fill(Qt::white);
-        QPainter painter(&image);
-        scene()->render(&painter, QRectF(image.rect()), step->sceneBoundingRect());
-        return image;
-    };
-    const QString shorter = "Convert raster to another format";
-    const QString longer = "Convert raster to another format, band by band, into a new file";
-    ASSERT_GT(QFontMetrics(QFont()).horizontalAdvance(shorter), 120); // both wider than the item
-    EXPECT_TRUE(label(shorter) == label(longer));
-    EXPECT_FALSE(label(shorter) == label("Reproject raster to another format"));
-
-    APCVar* in = model()->FindVar("{in}");
-    in->SetDescription("Scene of the first of May");
-    model()->NotifyVarChanged(in);
-    EXPECT_EQ(item("{in}")->toolTip(), "Scene of the first of May");
-}
-
 // ---------------------------------------------------------------------------
 // Copy in one model window, paste in another: new ids, references that follow
 // the copied vars or are emptied, arrows made again, nothing to save. And rows of
@@ -551,13 +515,6 @@ TEST_F(Clipboard, AStepAndOneOfItsVarsComeBackJoinedWithNewIds)
     EXPECT_EQ(to->GetScene()->GetItems().size(), 4);
 }
 
-TEST_F(Clipboard, CharactersNoSaveCanWriteAreNotPasted)
-{
-    pasteText("ModelBuilder$$<Process class=\"algo\" name=\"{p}\" processName=\"test.copy&#1;Text\" posX=\"0\" posY=\"0\"/>");
-    ASSERT_EQ(to->GetDocument()->GetProcesses().size(), 1);
-    EXPECT_EQ(to->GetDocument()->GetProcesses()[0]->GetDescription(), "Copy text file"); // found in the catalogue
-}
-
 // Dropping a row of the tool box tree on a model's canvas.
 TEST(Drop, ToolsBecomeStepsWithTheirVarsAndArrows)
 {
@@ -571,8 +528,11 @@ TEST(Drop, ToolsBecomeStepsWithTheirVarsAndArrows)
     scenes.SetClass("RasterFileIterator");
     ATBGroup group;
     group.SetName("Raster");
+    ATBAlgoDepend self(false);
+    self.SetName("Self");
+    self.SetFile("Model/apc/self.apc");
 
-    struct Case { const char* name; ATBItem* item; bool readOnly; QString kind; int vars; };
+    struct Case { const char* name; ATBItem* item; bool readOnly; QString kind; int vars; QString path = {}; };
     const Case cases[] = {
         // What a step needs and has no default for gets a var and an arrow:
         // NDVI's input and output, the iterator's folders and its output.
@@ -580,11 +540,14 @@ TEST(Drop, ToolsBecomeStepsWithTheirVarsAndArrows)
         {"a file iterator", &scenes, false, "RasterFileIterator", 2},
         {"a group makes nothing", &group, false, QString(), 0},
         {"a read-only model takes nothing", &ndvi, true, QString(), 0},
+        {"a model not into itself", &self, false, QString(), 0, ATBItem::AppRoot() + "Model/apc/self.apc"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         tree.clear();
-        auto window = std::make_unique<ModelControler>(dir.filePath("m.apc"), c.readOnly);
+        auto window = std::make_unique<ModelControler>(c.path.isEmpty() ? dir.filePath("m.apc") : c.path, c.readOnly);
+        if (c.item == &self)
+            GuiDriver::ExpectMessage("Warning", "Can not drag self!");
         EXPECT_EQ(CanvasDriver::DropOnCanvas(&tree, c.item, *window, QPointF(120, 80)), !c.readOnly);
         APCModel* model = window->GetDocument();
         if (c.kind.isEmpty()) {
@@ -602,18 +565,6 @@ TEST(Drop, ToolsBecomeStepsWithTheirVarsAndArrows)
         EXPECT_EQ(window->GetScene()->GetItems().size(), 1 + 2 * c.vars);
         EXPECT_TRUE(window->IsModified());
     }
-}
-
-TEST(Drop, AModelCannotBeDroppedIntoItself)
-{
-    ATBTreeWidget tree;
-    ATBAlgoDepend self(false);
-    self.SetName("Self");
-    self.SetFile("Model/apc/self.apc");
-    auto window = std::make_unique<ModelControler>(ATBItem::AppRoot() + "Model/apc/self.apc", false);
-    GuiDriver::ExpectMessage("Warning", "Can not drag self!");
-    EXPECT_TRUE(CanvasDriver::DropOnCanvas(&tree, &self, *window, QPointF(0, 0)));
-    EXPECT_TRUE(window->GetDocument()->GetProcesses().isEmpty());
 }
 
 TEST_F(Clipboard, OnlyCopiedObjectsOfKnownKindsArePasted)
@@ -637,6 +588,11 @@ TEST_F(Clipboard, OnlyCopiedObjectsOfKnownKindsArePasted)
         EXPECT_EQ(model->GetArrows().size(), c.arrows);
         EXPECT_EQ(to->GetScene()->GetItems().size(), c.processes + c.vars + c.arrows);
     }
+    // Characters no save can write are not pasted.
+    to = std::make_unique<ModelControler>(dir.filePath("new.apc"), false);
+    pasteText("ModelBuilder$$<Process class=\"algo\" name=\"{p}\" processName=\"test.copy&#1;Text\" posX=\"0\" posY=\"0\"/>");
+    ASSERT_EQ(to->GetDocument()->GetProcesses().size(), 1);
+    EXPECT_EQ(to->GetDocument()->GetProcesses()[0]->GetDescription(), "Copy text file"); // found in the catalogue
 }
 
 // ---------------------------------------------------------------------------
@@ -756,97 +712,6 @@ TEST_F(History, EveryKindOfEditIsOneStepThatUndoesAndRedoesWhole)
         key(Qt::Key_Y);
         EXPECT_EQ(saved(*window), edited);
     }
-}
-
-// One piece of work as a user does it, from an example model to a saved,
-// reopened model that has run: drop a tool, wire it, set a var, run, save.
-TEST(WholeWork, FromAnExampleToASavedModelThatRan)
-{
-    QTemporaryDir dir;
-    const QString path = dir.filePath("work.apc");
-    ASSERT_TRUE(QFile::copy(QCoreApplication::applicationDirPath() + "/../Model/apc/ndvi_one.apc", path));
-    const QString scene = QStringLiteral(MB_SOURCE_DIR "/examples/data/scenes/scene_01.tif");
-
-    std::unique_ptr<ModelControler> shown = CanvasDriver::OpenShown(path, false, 1100, 800);
-    ModelControler& window = *shown;
-    window.SetModelName("work");
-    APCModel* model = window.GetDocument();
-    CanvasDriver::Mouse mouse(window);
-    const auto use = [&](const char* caption) { GuiDriver::Action(&window, caption)->trigger(); };
-
-    // 1. A conversion dropped from the tool box beside the NDVI step.
-    ASSERT_TRUE(CanvasDriver::DropAlgo(window, "Convert raster", "raster.translate", QPointF(300, 0)));
-    ASSERT_EQ(model->GetProcesses().size(), 2);
-    auto* step = dynamic_cast<APCAlgo*>(model->GetProcesses().last());
-    ASSERT_TRUE(step);
-    APCVar* ndvi = model->GetVars()[1]; // "NDVI file", the NDVI step's output
-
-    // 2. Its own input var deleted, then the NDVI output connected to it.
-    APCVar* ownInput = TestSupport::VarOf(*model, step, "In File");
-    ASSERT_TRUE(ownInput);
-    const int vars = model->GetVars().size();
-    mouse.Click(mouse.At(ownInput));
-    use("Delete"); // the var, and its arrow with it
-    EXPECT_EQ(model->GetVars().size(), vars - 1);
-    ASSERT_TRUE(step->GetParameter("In File").value.isEmpty());
-    use("Connect");
-    OnNextModal([](QWidget* arrowDialog) {
-        // The user picks the step's input among its parameters.
-        auto* parameter = arrowDialog->findChild<QComboBox*>("headParameter");
-        ASSERT_TRUE(parameter);
-        for (int i = 0; i < parameter->count(); ++i)
-            if (parameter->itemText(i).contains("In File") || parameter->itemData(i).toString() == "In File")
-                parameter->setCurrentIndex(i);
-        GuiDriver::Click(arrowDialog, "okButton");
-    });
-    mouse.Drag(mouse.At(ndvi), mouse.At(step));
-    EXPECT_EQ(step->GetParameter("In File").value, "%" + ndvi->GetName() + "%");
-
-    // 3. Its output given a file name through the var dialog.
-    use("Select");
-    APCVar* converted = TestSupport::VarOf(*model, step, "Out File");
-    ASSERT_TRUE(converted);
-    const QString output = dir.filePath("converted.tif");
-    OnNextModal([&](QWidget* varDialog) {
-        GuiDriver::Click(varDialog, "constRadio");
-        GuiDriver::Retype(varDialog->findChild<QWidget*>("valueWidget")->findChild<QLineEdit*>(), output);
-        GuiDriver::Click(varDialog, "okButton");
-    });
-    mouse.DoubleClick(mouse.At(converted));
-    EXPECT_TRUE(converted->GetConstant());
-    EXPECT_EQ(converted->GetValue(), output);
-    EXPECT_TRUE(window.IsModified());
-
-    // 4. Run: the dialog asks for the two free inputs; both steps run in turn.
-    std::set<int> stepStates;
-    window.GetSequenceControl()->NodeStatus.connect([&](SequenceNode* node, int status) {
-        if (node->GetProcess()->GetName() == step->GetName())
-            stepStates.insert(status);
-    });
-    OnNextModal([&](QWidget* runDialog) {
-        GuiDriver::AnswerRunTabs(runDialog, [&](const QString& title) {
-            return title == "Scene" ? scene : dir.filePath("ndvi.tif");
-        });
-    });
-    use("Run");
-    ASSERT_TRUE(TestSupport::WaitUntil([&] { return window.GetSequenceControl()->GetState() == SequenceControl::Idle; }, 60000));
-    const QString log = window.GetSequenceControl()->GetLog()->GetLogText();
-    EXPECT_TRUE(log.contains("Succeed: 2, Fail: 0")) << qPrintable(log);
-    EXPECT_TRUE(stepStates.count(SequenceNode::Running)) << "the canvas never saw the step run";
-    EXPECT_TRUE(QFile::exists(output));
-
-    // 5. Saved, reopened: the same model.
-    use("Save");
-    EXPECT_FALSE(window.IsModified());
-    TestSupport::HeadlessModel reread;
-    ASSERT_TRUE(reread.LoadFile(path));
-    ASSERT_EQ(reread.GetProcesses().size(), 2);
-    EXPECT_EQ(reread.GetVars().size(), model->GetVars().size());
-    EXPECT_EQ(reread.GetArrows().size(), model->GetArrows().size());
-    auto* again = dynamic_cast<APCAlgo*>(reread.FindProcess(step->GetName()));
-    ASSERT_TRUE(again);
-    EXPECT_EQ(again->DialogText(), step->DialogText());
-    EXPECT_EQ(reread.FindVar(converted->GetName())->GetValue(), output);
 }
 
 TEST_F(History, TheModifiedFlagFollowsTheHistoryThroughASaveAndTheWindowsOwnKeysWork)

@@ -29,7 +29,6 @@
 #include <QDomDocument>
 #include <QFileDialog>
 #include <QImage>
-#include <QLineEdit>
 #include <QMessageBox>
 #include <QTabWidget>
 #include <QTemporaryDir>
@@ -41,7 +40,6 @@
 using namespace Plugin;
 using GuiDriver::OnNextModal;
 using GuiDriver::Action;
-using TestSupport::WaitUntil;
 
 namespace {
 
@@ -222,26 +220,6 @@ TEST(RunDialog, RefusesAnEmptyTabByItsTitleTakesBlanksAndCancels)
     RunCmdDlg cancelled(nullptr);
     QTimer::singleShot(0, [&] { GuiDriver::Click(&cancelled, "Cancel"); });
     EXPECT_EQ(cancelled.exec(), QDialog::Rejected);
-}
-
-// A shipped model with a nested model step, opened in its window and run on the
-// sample scenes into a fresh folder, its inputs given in the run dialog.
-TEST(RunDialog, ANestedShippedModelRunsFromItsWindow)
-{
-    const QString scenes = QStringLiteral(MB_SOURCE_DIR "/examples/data/scenes");
-    QTemporaryDir out;
-    ModelControler window(QCoreApplication::applicationDirPath() + "/../Model/apc/batch_nested.apc", false);
-    window.SetModelName("batch_nested.apc");
-    OnNextModal([&](QWidget* dialog) {
-        GuiDriver::AnswerRunTabs(dialog, [&](const QString& title) { return title == "Scene folders" ? scenes : out.path(); });
-    });
-    Action(&window, "Run")->trigger();
-    ASSERT_TRUE(WaitUntil([&] { return window.GetSequenceControl()->GetState() == SequenceControl::Idle; }, 60000));
-    const QString log = panelText(window, 0);
-    EXPECT_TRUE(log.startsWith("Start the model: batch_nested.apc\n")) << qPrintable(log);
-    EXPECT_TRUE(log.contains("Fail: 0")) << qPrintable(log);
-    for (const char* file : {"scene_01_nested.tif", "scene_02_nested.tif", "scene_03_nested.tif"})
-        EXPECT_TRUE(QFileInfo::exists(out.filePath(file))) << file;
 }
 
 // ---------------------------------------------------------------------------

@@ -7,7 +7,6 @@
 #include "HostCatalogGui/AlgoInfo.h"
 #include "HostCatalogGui/DataTypeFactory.h"
 #include "HostCatalogGui/DataTypeWidget.h"
-#include "HostCatalogGui/SpatialReferenceDataWidget.h"
 #include "HostRunner/ExcuteAlgo.h"
 
 #include <QCheckBox>
@@ -121,30 +120,6 @@ TEST(DataTypeWidget, NumberEditorsRefuseKeystrokesThatMakeNoNumber)
         edit->end(false);
         GuiDriver::TypeInto(w.get(), "edit", c.typed);
         EXPECT_EQ(w->GetValue(), c.expected);
-    }
-}
-
-TEST(DataTypeWidget, SpatialReferenceSaysWhatGdalThinksOfTheText)
-{
-    struct Case { const char* typed; bool acceptable; const char* message; };
-    const Case cases[] = {
-        {"EPSG:4326", true, "WGS 84"},
-        {"4326", true, "WGS 84"},
-        {"EPSG:999999", false, "Unknown spatial reference"},
-        {"nonsense", false, "Unknown spatial reference"},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.typed);
-        auto w = std::make_unique<Plugin::SpatialReferenceDataWidget>();
-        w->show();
-        GuiDriver::TypeInto(w.get(), "edit", c.typed);
-        auto* message = w->findChild<QLabel*>("message");
-        EXPECT_EQ(w->IsAcceptable(), c.acceptable);
-        EXPECT_TRUE(message->isVisible());
-        EXPECT_TRUE(message->text().contains(c.message)) << message->text().toStdString();
-        EXPECT_EQ(w->GetValue(), c.typed); // the check informs; the text stays
-        w->findChild<QLineEdit*>("edit")->clear();
-        EXPECT_FALSE(message->isVisible());
     }
 }
 

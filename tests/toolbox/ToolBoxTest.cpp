@@ -67,14 +67,12 @@
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <QProcess>
-#include <QPushButton>
 #include <QRegularExpression>
 #include <QSettings>
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextCodec>
-#include <QTimer>
 #include <QTranslator>
 #include <gtest/gtest.h>
 
