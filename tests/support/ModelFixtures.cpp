@@ -1,6 +1,7 @@
 #include "support/ModelFixtures.h"
 
 #include "engine/APCAlgo.h"
+#include "engine/APCModelFile.h"
 #include "model/APCArrow.h"
 #include "model/APCModel.h"
 #include "model/APCVar.h"
@@ -80,6 +81,20 @@ APCAlgo* AddStep(APCModel& model, const QString& algorithm, const QList<QPair<QS
             SetConstant(var, v.second);
         else
             SetLiteral(model, step, v.first, v.second);
+    }
+    return step;
+}
+
+APCModelFile* AddModelStep(APCModel& model, const QString& processName, const QMap<QString, QString>& values)
+{
+    auto* step = new APCModelFile;
+    step->SetClass(QStringLiteral("model"));
+    step->SetProcessName(processName);
+    model.AddProcess(step);
+    for (APCParameter& p : step->GetParameters()) {
+        APCVar* v = model.FindVar(QString(p.value).remove(QLatin1Char('%')));
+        if (v && values.contains(p.description))
+            SetConstant(v, values[p.description]);
     }
     return step;
 }
