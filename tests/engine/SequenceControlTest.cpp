@@ -80,7 +80,7 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(Threads, Engine, ::testing::Values(1, 2, 4));
 
-TEST_P(Engine, ChainPassesFilesAndLogsExactly)
+TEST_P(Engine, ChainPassesFilesAndLogsExactlyAndAFailureEndsIt)
 {
     QTemporaryDir dir;
     CopyChain chain(dir);
@@ -100,6 +100,21 @@ TEST_P(Engine, ChainPassesFilesAndLogsExactly)
                          block("test.copyText", "Copy text file", params.arg(dir.filePath("in.txt"), dir.filePath("mid.txt"))) +
                          block("test.copyText", "Copy text file", params.arg(dir.filePath("mid.txt"), dir.filePath("out.txt"))) +
                          summary(2, 0));
+
+    // A failure outside an iteration ends the run: B never runs.
+    for (const char* file : {"in.txt", "mid.txt", "out.txt"})
+        QFile::remove(dir.filePath(file));
+    SequenceControl again;
+    const RunResult failed = RunModel(again, chain.model);
+    ASSERT_TRUE(failed.finished);
+    const QString message = "Cannot open " + dir.filePath("in.txt");
+    EXPECT_EQ(failed.code, 10);
+    EXPECT_EQ(failed.message, "Copy text file : " + message);
+    EXPECT_TRUE(failed.log.contains("Result of execution: Fail\nError number: 10\nError message: " + message + "\n"));
+    EXPECT_TRUE(failed.log.endsWith(summary(0, 1)));
+    EXPECT_TRUE(failed.errors.startsWith("\n" + kBanner + "Start Copy text file"));
+    EXPECT_EQ(failed.log.count("Start Copy text file"), 1);
+    EXPECT_FALSE(QFile::exists(dir.filePath("out.txt")));
 }
 
 TEST_P(Engine, JoinRunsOnceAfterBothPredecessors)
@@ -125,24 +140,6 @@ TEST_P(Engine, JoinRunsOnceAfterBothPredecessors)
     EXPECT_EQ(readerRuns, 1) << qPrintable(r.log);
     EXPECT_EQ(ReadAll(dir.filePath("joined.txt")), QByteArray("one\n"));
     EXPECT_TRUE(r.log.endsWith(summary(3, 0)));
-}
-
-TEST_P(Engine, FailureOutsideIterationEndsTheRun)
-{
-    QTemporaryDir dir;
-    CopyChain chain(dir);
-    QFile::remove(dir.filePath("in.txt"));
-    SequenceControl control;
-    const RunResult r = RunModel(control, chain.model);
-    ASSERT_TRUE(r.finished);
-    const QString message = "Cannot open " + dir.filePath("in.txt");
-    EXPECT_EQ(r.code, 10);
-    EXPECT_EQ(r.message, "Copy text file : " + message);
-    EXPECT_TRUE(r.log.contains("Result of execution: Fail\nError number: 10\nError message: " + message + "\n"));
-    EXPECT_TRUE(r.log.endsWith(summary(0, 1)));
-    EXPECT_TRUE(r.errors.startsWith("\n" + kBanner + "Start Copy text file"));
-    EXPECT_EQ(r.log.count("Start Copy text file"), 1); // B never ran
-    EXPECT_FALSE(QFile::exists(dir.filePath("out.txt")));
 }
 
 TEST_P(Engine, FreeVarsShowInTheStartLineWithTheWordTwice)

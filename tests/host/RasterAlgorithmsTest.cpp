@@ -1,11 +1,8 @@
-#include "HostCatalog/AlgorithmRegistry.h"
-#include "HostRunner/AlgorithmList.h"
 #include "host/GdalTestData.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QJsonDocument>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -396,42 +393,4 @@ TEST_F(RasterAlgorithms, BadInputGivesCodeAndMessageAndNoOutput)
     const QByteArray original = TestSupport::ReadAll(in);
     ExpectFailures(cases, out, {out, Path("out.asc"), Path("out.img"), Path("z.gpkg"), Path("i.gpkg")});
     EXPECT_EQ(TestSupport::ReadAll(in), original);
-}
-
-// Every built-in algorithm sits in its category and writes one output; a raster
-// output takes creation options, a vector one layer ones, as optional parameters
-// after the algorithm's own, which saved models hold in order.
-TEST(AlgorithmCatalogue, EveryBuiltinIsDescribedConsistently)
-{
-    auto& registry = Plugin::AlgorithmRegistry::Instance();
-    for (const QString& name : registry.Names()) {
-        const Plugin::AlgoConfig* c = registry.Config(name);
-        if (c->category == "Test" || name.startsWith("test."))
-            continue;
-        SCOPED_TRACE(name.toStdString());
-        EXPECT_TRUE(name.startsWith(c->category.toLower() + "."));
-        EXPECT_TRUE(c->help.endsWith('.'));
-        int outputs = 0;
-        QStringList expected, seen;
-        for (int i = 0; i < c->params.size(); ++i) {
-            const Plugin::Param& p = c->params[i];
-            const QJsonObject typeParam = QJsonDocument::fromJson(p.typeParam.toUtf8()).object();
-            EXPECT_EQ(typeParam.value("direction").toString(), QString::number(p.direction)) << p.name.toStdString();
-            outputs += p.direction == 1;
-            EXPECT_FALSE(p.direction == 1 && p.isOptional) << p.name.toStdString();
-            if (p.direction == 1 && p.typeParam.contains("GeoTIFF"))
-                expected << "Creation options";
-            if (p.direction == 1 && p.typeParam.contains("Shapefile"))
-                expected << "Layer creation options";
-            if (p.name.endsWith("creation options", Qt::CaseInsensitive))
-                seen << p.name;
-            if (p.name.endsWith(" options")) {
-                EXPECT_TRUE(p.isOptional && p.defaultValue.isEmpty() && i >= c->params.size() - 2) << p.name.toStdString();
-            }
-        }
-        EXPECT_EQ(outputs, 1);
-        EXPECT_EQ(seen, expected);
-    }
-    // The list the README shows leaves the test algorithms out.
-    EXPECT_FALSE(HostRunner::AlgorithmListMarkdown().contains("test.noop"));
 }
