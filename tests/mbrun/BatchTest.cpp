@@ -84,6 +84,22 @@ std::string stepsWithStatus(const QJsonObject& report, const QString& status)
     return steps.join(QLatin1Char(' ')).toStdString();
 }
 
+// The processes a process started, read from /proc.
+QList<pid_t> childrenOf(pid_t parent)
+{
+    QList<pid_t> children;
+    for (const QString& entry : QDir("/proc").entryList(QDir::Dirs)) {
+        QFile stat("/proc/" + entry + "/stat");
+        if (!stat.open(QIODevice::ReadOnly))
+            continue;
+        const QByteArray text = stat.readAll(); // pid (name) state ppid ...
+        const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
+        if (fields.size() > 1 && fields[1].toInt() == parent)
+            children << pid_t(entry.toInt());
+    }
+    return children;
+}
+
 } // namespace
 
 TEST(MbrunBatch, FolderInputsInEveryForm)
@@ -646,26 +662,6 @@ TEST(MbrunBatch, OneRoundRunsTheStepsOutsideTheIteratorOnlyWhereTheirOutputsAreM
         EXPECT_EQ(QFile::exists(reference), c.skipped.empty() || !c.removeFirst);
     }
 }
-
-namespace {
-
-// The processes a process started, read from /proc.
-QList<pid_t> childrenOf(pid_t parent)
-{
-    QList<pid_t> children;
-    for (const QString& entry : QDir("/proc").entryList(QDir::Dirs)) {
-        QFile stat("/proc/" + entry + "/stat");
-        if (!stat.open(QIODevice::ReadOnly))
-            continue;
-        const QByteArray text = stat.readAll(); // pid (name) state ppid ...
-        const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
-        if (fields.size() > 1 && fields[1].toInt() == parent)
-            children << pid_t(entry.toInt());
-    }
-    return children;
-}
-
-} // namespace
 
 // A signal stops every round running side by side; a process of rounds killed
 // costs only its rounds. Nothing of the batch runs on once mbrun has ended.

@@ -36,15 +36,6 @@ QStringList saveCopies(const QString& path, const QList<QPair<QString, QString>>
     return ids;
 }
 
-// Saves a model of one nested step, "Nested", that runs the model at file (relative
-// to the root).
-void saveNesting(const QString& path, const QString& file)
-{
-    HeadlessModel m;
-    AddModelStep(m, file)->SetDescription("Nested");
-    m.SaveFile(path);
-}
-
 const QString kDem = QStringLiteral(MB_SOURCE_DIR "/examples/data/dem.tif");
 
 } // namespace
@@ -54,8 +45,11 @@ TEST(Preflight, EachStructuralFaultIsNamedBeforeTheRun)
     QTemporaryDir dir;
     // Nested models name their file from the application root, as the editor stores it.
     const QDir root(QCoreApplication::applicationDirPath() + "/..");
+    // Saves name, a model of one step, "Nested", that runs the model nested.
     auto nesting = [&](const char* name, const char* nested) {
-        saveNesting(dir.filePath(name), root.relativeFilePath(dir.filePath(nested)));
+        HeadlessModel m;
+        AddModelStep(m, root.relativeFilePath(dir.filePath(nested)))->SetDescription("Nested");
+        m.SaveFile(dir.filePath(name));
         return dir.filePath(name);
     };
     WriteAll(dir.filePath("text.apc"), "not a model");
