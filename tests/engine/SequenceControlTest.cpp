@@ -152,14 +152,8 @@ TEST_P(Engine, FreeVarsShowInTheStartLineWithTheWordTwice)
     APCVar given;
     given.SetName(in->GetName());
     given.SetValue("1");
-    model.ResetVarValues();
-    ASSERT_TRUE(model.ResolveVarValues({&given}));
     SequenceControl control;
-    control.SetName("free");
-    control.Build(&model);
-    control.Start();
-    ASSERT_TRUE(WaitUntil([&] { return control.GetState() == SequenceControl::Idle; }));
-    EXPECT_TRUE(control.GetLog()->GetLogText().startsWith("Start the model: free\nParameter: Parameter: a = 1\n\n"));
+    EXPECT_TRUE(RunModel(control, model, {&given}).log.startsWith("Start the model: m\nParameter: Parameter: a = 1\n\n"));
 }
 
 TEST_P(Engine, PauseHoldsBackTheNextStepUntilStart)
@@ -172,12 +166,9 @@ TEST_P(Engine, PauseHoldsBackTheNextStepUntilStart)
     // copy waits for slow through a var slow writes: give slow an output arrow.
     AddArrow(model, slow, "Done", VarOf(model, copy, "In File"), "");
 
-    model.ResetVarValues();
-    ASSERT_TRUE(model.ResolveVarValues({}));
     SequenceControl control;
-    control.SetName("p");
-    control.Build(&model);
-    control.Start();
+    ModelRun run(control, model);
+    ASSERT_TRUE(run.Start({}, "p"));
     control.Pause();
     EXPECT_EQ(control.GetState(), SequenceControl::Paused);
     ASSERT_TRUE(WaitUntil([&] { return control.GetLog()->GetLogText().contains("End Sleep"); }));
@@ -201,9 +192,7 @@ TEST_P(Engine, StopWhileAStepRunsFinishesAtOnceAndAllowsANewRun)
     SequenceControl control;
     int finishes = 0;
     control.NodeFinished.connect([&](SequenceNode* n) { if (!n) ++finishes; });
-    control.SetName("s");
-    control.Build(&model);
-    control.Start();
+    ModelRun(control, model).Start({}, "s");
     control.Stop();
     EXPECT_EQ(control.GetState(), SequenceControl::Idle);
     EXPECT_EQ(finishes, 1);

@@ -116,13 +116,13 @@ void Connect(APCModel& model, APCVar* var, APCAlgo* step, const QString& param)
     SetLiteral(model, step, param, QLatin1Char('%') + var->GetName() + QLatin1Char('%'));
 }
 
-RunResult RunModel(SequenceControl& control, APCModel& model, const QString& name, int timeoutMs)
+RunResult RunModel(SequenceControl& control, APCModel& model, const QList<APCVar*>& inputs, int timeoutMs)
 {
     RunResult result;
     boost::signals2::scoped_connection c =
         control.NodeFinished.connect([&](SequenceNode* n) { if (!n) ++result.finishes; });
     ModelRun run(control, model);
-    result.finished = run.Start({}, name) && run.Wait(timeoutMs);
+    result.finished = run.Start(inputs, QStringLiteral("m")) && run.Wait(timeoutMs);
     result.log = control.GetLog()->GetLogText();
     result.errors = control.GetLog()->GetErrorText();
     control.GetError(result.code, result.message);

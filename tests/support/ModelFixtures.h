@@ -69,9 +69,10 @@ struct RunResult
     QString message;
 };
 
-// Prepares the vars, builds and starts control on model as the editor's Run does,
-// and waits (serving this thread's events) for the end of the run.
-RunResult RunModel(Plugin::SequenceControl& control, Plugin::APCModel& model, const QString& name = QStringLiteral("m"),
-              int timeoutMs = 20000);
+// Prepares the vars with the inputs given, builds and starts control on model, named
+// "m", as the editor's Run does, and waits (serving this thread's events) for the
+// end of the run.
+RunResult RunModel(Plugin::SequenceControl& control, Plugin::APCModel& model, const QList<Plugin::APCVar*>& inputs = {},
+                   int timeoutMs = 20000);
 
 } // namespace TestSupport
