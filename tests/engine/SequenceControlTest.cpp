@@ -212,10 +212,8 @@ TEST_P(Engine, SecondWriterOfAVarLeavesNothingToStart)
     APCAlgo* b = AddAlgo(model, "test.appendLine");
     AddArrow(model, b, "Out File", VarOf(model, a, "Out File"), "");
     SequenceControl control;
-    control.SetName("bad");
-    control.Build(&model);
-    EXPECT_TRUE(control.GetBuildError().contains("is written by two steps")) << qPrintable(control.GetBuildError());
     EXPECT_FALSE(ModelRun(control, model).Start({}, "bad")); // refused before it starts
+    EXPECT_TRUE(control.GetBuildError().contains("is written by two steps")) << qPrintable(control.GetBuildError());
     EXPECT_EQ(control.GetState(), SequenceControl::Idle);
     // Start itself keeps its old way: a run with nothing to start.
     control.Start();
