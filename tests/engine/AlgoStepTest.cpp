@@ -24,7 +24,7 @@ APCParameter param(const QString& name, const QString& value, const QString& des
 
 } // namespace
 
-TEST(AlgoStep, TheThreeTextFormsOfTheParameters)
+TEST(AlgoStep, TheThreeTextFormsOfTheParametersAndTheDialogsTextReadBack)
 {
     TestSupport::HeadlessModel model;
     auto* var = new APCVar;
@@ -57,22 +57,17 @@ TEST(AlgoStep, TheThreeTextFormsOfTheParameters)
     APCAlgo none;
     EXPECT_EQ(none.ExecutionText(), "{}");
     EXPECT_EQ(none.DialogText(), "");
-}
 
-TEST(AlgoStep, ReadingTheDialogResultUpdatesValuesAndArrows)
-{
-    TestSupport::HeadlessModel model;
-    APCAlgo* step = AddAlgo(model, "test.copyText");
-    const QString before = step->GetParameter("In File").value;
-    EXPECT_FALSE(step->ApplyDialogResult("not json"));
-    EXPECT_FALSE(step->ApplyDialogResult("[1,2]"));
-    EXPECT_EQ(step->GetParameter("In File").value, before);
-
-    // A reference kept, a literal typed: the literal's arrow goes.
-    ASSERT_TRUE(step->ApplyDialogResult(QStringLiteral(R"({"In File":"%1","Out File":"/tmp/out.txt"})").arg(before)));
-    EXPECT_EQ(model.ArrowsOfProcess(step, "In File").size(), 1);
-    EXPECT_TRUE(model.ArrowsOfProcess(step, "Out File").isEmpty());
-    EXPECT_EQ(step->GetParameter("In File").value, before);
+    // The dialog's text read back: a reference kept, a literal typed, whose arrow goes.
+    APCAlgo* dialog = AddAlgo(model, "test.copyText");
+    const QString before = dialog->GetParameter("In File").value;
+    EXPECT_FALSE(dialog->ApplyDialogResult("not json"));
+    EXPECT_FALSE(dialog->ApplyDialogResult("[1,2]"));
+    EXPECT_EQ(dialog->GetParameter("In File").value, before);
+    ASSERT_TRUE(dialog->ApplyDialogResult(QStringLiteral(R"({"In File":"%1","Out File":"/tmp/out.txt"})").arg(before)));
+    EXPECT_EQ(model.ArrowsOfProcess(dialog, "In File").size(), 1);
+    EXPECT_TRUE(model.ArrowsOfProcess(dialog, "Out File").isEmpty());
+    EXPECT_EQ(dialog->GetParameter("In File").value, before);
 }
 
 TEST(AlgoStep, ExecuteTakesOverTheRunnersErrorAndProgress)

@@ -136,7 +136,7 @@ TEST(FileIterator, PairsFilesThroughTheirWildcardsAndNamesThoseLeftOut)
     }
 }
 
-TEST(FileIterator, DirectoriesThatAreDisabledMissingOrListedTwice)
+TEST(FileIterator, DirectoriesThatAreDisabledMissingListedTwiceOrUnreadable)
 {
     QTemporaryDir tmp;
     TestSupport::WriteAll(tmp.filePath("a.tif"), "x");
@@ -156,6 +156,28 @@ TEST(FileIterator, DirectoriesThatAreDisabledMissingOrListedTwice)
         setParam(it, "strDir", c.strDir);
         EXPECT_EQ(it.BuildRounds(), c.built);
         EXPECT_EQ(it.GetRounds().size(), c.rounds);
+    }
+
+    // What cannot be read fails the step with a message, not as the end of the iteration.
+    struct Failure { const char* name; QString strDir; QString inMessage; };
+    const std::vector<Failure> failures = {
+        {"an output wired to no var", dirs({dirEntry(tmp.path())}), "Out File"},
+        {"a setting naming a missing var", "%{not-in-the-model}%", "{not-in-the-model}"},
+    };
+    for (const Failure& c : failures) {
+        SCOPED_TRACE(c.name);
+        APCModel model;
+        auto* it = new APCRasterFileIterator;
+        setParam(*it, "strDir", c.strDir);
+        model.GetProcesses().append(it);
+        it->SetModel(&model);
+        EXPECT_FALSE(it->Execute());
+        int code = 0;
+        QString message;
+        it->GetError(code, message);
+        EXPECT_EQ(code, -2);
+        EXPECT_TRUE(message.contains(c.inMessage)) << qPrintable(message);
+        EXPECT_FALSE(it->IsEnded()); // a failure, logged as such, not the end of the iteration
     }
 }
 
@@ -194,30 +216,4 @@ TEST(FileIterator, ExecuteHandsOutRoundsThenReportsTheEnd)
     EXPECT_NEAR(progress[1], 200.0 / 3, 1e-9);
     EXPECT_EQ(progress[2], 100.0);
     EXPECT_EQ(progress[3], 100.0);
-}
-
-TEST(FileIterator, WhatCannotBeReadFailsTheStepWithAMessage)
-{
-    QTemporaryDir tmp;
-    TestSupport::WriteAll(tmp.filePath("a.tif"), "x");
-    struct Case { const char* name; QString strDir; QString inMessage; };
-    const std::vector<Case> cases = {
-        {"an output wired to no var", dirs({dirEntry(tmp.path())}), "Out File"},
-        {"a setting naming a missing var", "%{not-in-the-model}%", "{not-in-the-model}"},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        APCModel model;
-        auto* it = new APCRasterFileIterator;
-        setParam(*it, "strDir", c.strDir);
-        model.GetProcesses().append(it);
-        it->SetModel(&model);
-        EXPECT_FALSE(it->Execute());
-        int code = 0;
-        QString message;
-        it->GetError(code, message);
-        EXPECT_EQ(code, -2);
-        EXPECT_TRUE(message.contains(c.inMessage)) << qPrintable(message);
-        EXPECT_FALSE(it->IsEnded()); // a failure, logged as such, not the end of the iteration
-    }
 }

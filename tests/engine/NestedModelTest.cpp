@@ -56,21 +56,6 @@ protected:
         ASSERT_TRUE(m.SaveFile(ModelPath("copy.apc")));
     }
 
-    // An outer model with one step running name, its parameters fed by constants.
-    APCModelFile* AddModelStep(APCModel& outer, const QString& name, const QMap<QString, QString>& values)
-    {
-        auto* step = new APCModelFile;
-        step->SetClass("model");
-        step->SetProcessName("Model/apc/" + name);
-        outer.AddProcess(step);
-        for (APCParameter& p : step->GetParameters()) {
-            APCVar* v = outer.FindVar(QString(p.value).remove('%'));
-            if (v && values.contains(p.description))
-                SetConstant(v, values[p.description]);
-        }
-        return step;
-    }
-
     QTemporaryDir m_dir;
 };
 
@@ -81,7 +66,7 @@ STModelAlgoData dataOf(TaskPtr& task)
 
 } // namespace
 
-TEST_F(NestedModels, ParametersMirrorTheFreeVarsOfTheFile)
+TEST_F(NestedModels, ParametersMirrorTheFreeVarsOfTheFileAtEveryLevelOfATree)
 {
     WriteCopyModel();
     APCModelFile step;
@@ -101,35 +86,31 @@ TEST_F(NestedModels, ParametersMirrorTheFreeVarsOfTheFile)
     EXPECT_EQ(step.GetParameters()[0].value, "kept");
     EXPECT_FALSE(step.SetModelPath(File("missing.apc")));
     EXPECT_FALSE(step.Check());
-}
 
-// pair.apc runs copy.apc twice; outer.apc runs pair.apc twice, its steps saved
-// without parameters. Loading it gives each step the parameters pair.apc offers,
-// with values of its own; a file changed between two loads is read anew.
-TEST_F(NestedModels, ATreeOfNestedModelsOffersEachStepItsOwnParameters)
-{
-    WriteCopyModel();
+    // pair.apc runs copy.apc twice; outer.apc runs pair.apc twice, its steps saved
+    // without parameters. Loading it gives each step the parameters pair.apc offers,
+    // with values of its own; a file changed between two loads is read anew.
     auto writePair = [&](int copies) {
         TestSupport::HeadlessModel pair;
         for (int i = 0; i < copies; ++i)
-            AddModelStep(pair, "copy.apc", {});
+            AddModelStep(pair, "Model/apc/copy.apc");
         ASSERT_TRUE(pair.SaveFile(ModelPath("pair.apc")));
     };
     writePair(2);
     {
         TestSupport::HeadlessModel outer;
-        AddModelStep(outer, "pair.apc", {})->GetParameters().clear();
-        AddModelStep(outer, "pair.apc", {})->GetParameters().clear();
+        AddModelStep(outer, "Model/apc/pair.apc")->GetParameters().clear();
+        AddModelStep(outer, "Model/apc/pair.apc")->GetParameters().clear();
         ASSERT_TRUE(outer.SaveFile(ModelPath("outer.apc")));
     }
     APCModel loaded;
     ASSERT_TRUE(loaded.LoadFile(ModelPath("outer.apc")));
     ASSERT_EQ(loaded.GetProcesses().size(), 2);
     QSet<QString> values;
-    for (APCProcess* step : loaded.GetProcesses()) {
-        ASSERT_EQ(step->GetParameters().size(), 4);
-        EXPECT_EQ(step->GetParameters()[3].direction, 1);
-        for (const APCParameter& p : step->GetParameters())
+    for (APCProcess* nested : loaded.GetProcesses()) {
+        ASSERT_EQ(nested->GetParameters().size(), 4);
+        EXPECT_EQ(nested->GetParameters()[3].direction, 1);
+        for (const APCParameter& p : nested->GetParameters())
             values.insert(p.value);
     }
     EXPECT_EQ(values.size(), 8);
@@ -138,9 +119,9 @@ TEST_F(NestedModels, ATreeOfNestedModelsOffersEachStepItsOwnParameters)
     APCModel again;
     ASSERT_TRUE(again.LoadFile(ModelPath("outer.apc")));
     EXPECT_EQ(again.GetProcesses()[0]->GetParameters().size(), 6);
-    auto* step = static_cast<APCModelFile*>(loaded.GetProcesses()[1]);
-    EXPECT_TRUE(step->LoadParameters());
-    EXPECT_EQ(step->GetParameters().size(), 6);
+    auto* second = static_cast<APCModelFile*>(loaded.GetProcesses()[1]);
+    EXPECT_TRUE(second->LoadParameters());
+    EXPECT_EQ(second->GetParameters().size(), 6);
 }
 
 // The nested step fails with its inner step's error; the outer error is the last
@@ -157,7 +138,7 @@ TEST_F(NestedModels, ValuesGoInAndFilesOrErrorsComeOut)
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         TestSupport::HeadlessModel outer;
-        AddModelStep(outer, "copy.apc", {{"Source", c.source}, {"Target", File("out.txt")}});
+        AddModelStep(outer, "Model/apc/copy.apc", {{"Source", c.source}, {"Target", File("out.txt")}});
         SequenceControl control;
         std::vector<double> progress;
         control.NodeProgress.connect([&](SequenceNode*, double v) { progress.push_back(v); });
@@ -175,17 +156,9 @@ TEST_F(NestedModels, ValuesGoInAndFilesOrErrorsComeOut)
 
 TEST_F(NestedModels, AModelThatContainsItselfFailsCleanly)
 {
-    TestSupport::HeadlessModel self;
-    auto* step = new APCModelFile;
-    step->SetClass("model");
-    self.AddProcess(step);
-    // Written by hand: the step names the very file it is in.
-    for (APCProcess* p : self.GetProcesses())
-        p->SetDescription("Myself");
+    TestSupport::HeadlessModel self; // its step names the very file it is in
+    AddModelStep(self, "Model/apc/self.apc");
     ASSERT_TRUE(self.SaveFile(ModelPath("self.apc")));
-    QByteArray bytes = ReadAll(ModelPath("self.apc"));
-    bytes.replace("processName=\"\"", "processName=\"Model/apc/self.apc\"");
-    WriteAll(ModelPath("self.apc"), bytes);
 
     TestSupport::HeadlessModel loaded;
     ASSERT_TRUE(loaded.LoadFile(ModelPath("self.apc")));
@@ -194,7 +167,7 @@ TEST_F(NestedModels, AModelThatContainsItselfFailsCleanly)
 
     // Run anyway: the nested copy of itself is found invalid instead of recursing.
     TestSupport::HeadlessModel outer;
-    APCModelFile* nestedStep = AddModelStep(outer, "self.apc", {});
+    APCModelFile* nestedStep = AddModelStep(outer, "Model/apc/self.apc");
     EXPECT_FALSE(nestedStep->Check());
     EXPECT_FALSE(nestedStep->Execute());
     SequenceControl control;
@@ -212,7 +185,7 @@ TEST_F(NestedModels, StoppingTheOuterRunReleasesTheNestedOne)
     ASSERT_TRUE(nested.SaveFile(ModelPath("slow.apc")));
 
     TestSupport::HeadlessModel outer;
-    AddModelStep(outer, "slow.apc", {});
+    AddModelStep(outer, "Model/apc/slow.apc");
     SequenceControl control;
     control.SetName("outer");
     control.Build(&outer);
@@ -288,8 +261,8 @@ TEST_F(NestedModels, AClusterExportOfNestedModelsListsEveryModelFileInOneJob)
 {
     WriteCopyModel();
     TestSupport::HeadlessModel outer;
-    AddModelStep(outer, "copy.apc", {{"Source", File("in.txt")}, {"Target", File("out.txt")}});
-    AddModelStep(outer, "copy.apc", {{"Source", File("out.txt")}, {"Target", File("again.txt")}});
+    AddModelStep(outer, "Model/apc/copy.apc", {{"Source", File("in.txt")}, {"Target", File("out.txt")}});
+    AddModelStep(outer, "Model/apc/copy.apc", {{"Source", File("out.txt")}, {"Target", File("again.txt")}});
     ASSERT_TRUE(outer.SaveFile(ModelPath("outer.apc")));
     ClusterExport workflow(ModelPath("outer.apc"), {}, "/opt/mb/mbrun");
     QString error;

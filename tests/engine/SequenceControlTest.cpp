@@ -80,7 +80,7 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(Threads, Engine, ::testing::Values(1, 2, 4));
 
-TEST_P(Engine, ChainPassesFilesAndLogsExactly)
+TEST_P(Engine, ChainPassesFilesAndLogsExactlyAndAFailureEndsIt)
 {
     QTemporaryDir dir;
     CopyChain chain(dir);
@@ -100,6 +100,21 @@ TEST_P(Engine, ChainPassesFilesAndLogsExactly)
                          block("test.copyText", "Copy text file", params.arg(dir.filePath("in.txt"), dir.filePath("mid.txt"))) +
                          block("test.copyText", "Copy text file", params.arg(dir.filePath("mid.txt"), dir.filePath("out.txt"))) +
                          summary(2, 0));
+
+    // A failure outside an iteration ends the run: B never runs.
+    for (const char* file : {"in.txt", "mid.txt", "out.txt"})
+        QFile::remove(dir.filePath(file));
+    SequenceControl again;
+    const RunResult failed = RunModel(again, chain.model);
+    ASSERT_TRUE(failed.finished);
+    const QString message = "Cannot open " + dir.filePath("in.txt");
+    EXPECT_EQ(failed.code, 10);
+    EXPECT_EQ(failed.message, "Copy text file : " + message);
+    EXPECT_TRUE(failed.log.contains("Result of execution: Fail\nError number: 10\nError message: " + message + "\n"));
+    EXPECT_TRUE(failed.log.endsWith(summary(0, 1)));
+    EXPECT_TRUE(failed.errors.startsWith("\n" + kBanner + "Start Copy text file"));
+    EXPECT_EQ(failed.log.count("Start Copy text file"), 1);
+    EXPECT_FALSE(QFile::exists(dir.filePath("out.txt")));
 }
 
 TEST_P(Engine, JoinRunsOnceAfterBothPredecessors)
@@ -127,24 +142,6 @@ TEST_P(Engine, JoinRunsOnceAfterBothPredecessors)
     EXPECT_TRUE(r.log.endsWith(summary(3, 0)));
 }
 
-TEST_P(Engine, FailureOutsideIterationEndsTheRun)
-{
-    QTemporaryDir dir;
-    CopyChain chain(dir);
-    QFile::remove(dir.filePath("in.txt"));
-    SequenceControl control;
-    const RunResult r = RunModel(control, chain.model);
-    ASSERT_TRUE(r.finished);
-    const QString message = "Cannot open " + dir.filePath("in.txt");
-    EXPECT_EQ(r.code, 10);
-    EXPECT_EQ(r.message, "Copy text file : " + message);
-    EXPECT_TRUE(r.log.contains("Result of execution: Fail\nError number: 10\nError message: " + message + "\n"));
-    EXPECT_TRUE(r.log.endsWith(summary(0, 1)));
-    EXPECT_TRUE(r.errors.startsWith("\n" + kBanner + "Start Copy text file"));
-    EXPECT_EQ(r.log.count("Start Copy text file"), 1); // B never ran
-    EXPECT_FALSE(QFile::exists(dir.filePath("out.txt")));
-}
-
 TEST_P(Engine, FreeVarsShowInTheStartLineWithTheWordTwice)
 {
     TestSupport::HeadlessModel model;
@@ -155,14 +152,8 @@ TEST_P(Engine, FreeVarsShowInTheStartLineWithTheWordTwice)
     APCVar given;
     given.SetName(in->GetName());
     given.SetValue("1");
-    model.ResetVarValues();
-    ASSERT_TRUE(model.ResolveVarValues({&given}));
     SequenceControl control;
-    control.SetName("free");
-    control.Build(&model);
-    control.Start();
-    ASSERT_TRUE(WaitUntil([&] { return control.GetState() == SequenceControl::Idle; }));
-    EXPECT_TRUE(control.GetLog()->GetLogText().startsWith("Start the model: free\nParameter: Parameter: a = 1\n\n"));
+    EXPECT_TRUE(RunModel(control, model, {&given}).log.startsWith("Start the model: m\nParameter: Parameter: a = 1\n\n"));
 }
 
 TEST_P(Engine, PauseHoldsBackTheNextStepUntilStart)
@@ -175,12 +166,9 @@ TEST_P(Engine, PauseHoldsBackTheNextStepUntilStart)
     // copy waits for slow through a var slow writes: give slow an output arrow.
     AddArrow(model, slow, "Done", VarOf(model, copy, "In File"), "");
 
-    model.ResetVarValues();
-    ASSERT_TRUE(model.ResolveVarValues({}));
     SequenceControl control;
-    control.SetName("p");
-    control.Build(&model);
-    control.Start();
+    ModelRun run(control, model);
+    ASSERT_TRUE(run.Start({}, "p"));
     control.Pause();
     EXPECT_EQ(control.GetState(), SequenceControl::Paused);
     ASSERT_TRUE(WaitUntil([&] { return control.GetLog()->GetLogText().contains("End Sleep"); }));
@@ -204,9 +192,7 @@ TEST_P(Engine, StopWhileAStepRunsFinishesAtOnceAndAllowsANewRun)
     SequenceControl control;
     int finishes = 0;
     control.NodeFinished.connect([&](SequenceNode* n) { if (!n) ++finishes; });
-    control.SetName("s");
-    control.Build(&model);
-    control.Start();
+    ModelRun(control, model).Start({}, "s");
     control.Stop();
     EXPECT_EQ(control.GetState(), SequenceControl::Idle);
     EXPECT_EQ(finishes, 1);
@@ -226,10 +212,8 @@ TEST_P(Engine, SecondWriterOfAVarLeavesNothingToStart)
     APCAlgo* b = AddAlgo(model, "test.appendLine");
     AddArrow(model, b, "Out File", VarOf(model, a, "Out File"), "");
     SequenceControl control;
-    control.SetName("bad");
-    control.Build(&model);
-    EXPECT_TRUE(control.GetBuildError().contains("is written by two steps")) << qPrintable(control.GetBuildError());
     EXPECT_FALSE(ModelRun(control, model).Start({}, "bad")); // refused before it starts
+    EXPECT_TRUE(control.GetBuildError().contains("is written by two steps")) << qPrintable(control.GetBuildError());
     EXPECT_EQ(control.GetState(), SequenceControl::Idle);
     // Start itself keeps its old way: a run with nothing to start.
     control.Start();

@@ -9,7 +9,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
 
@@ -25,6 +24,8 @@ struct Tree
 {
     Plugin::ATBConfigFile file;
     ~Tree() { qDeleteAll(file.GetItems()); }
+    bool LoadFile(const QString& path) { return file.Load(path); }
+    bool SaveFile(const QString& path) { return file.Save(path); }
 };
 
 } // namespace
@@ -33,17 +34,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     static Fixture fixture;
     const Fuzz::NoSoftAssert check;
-    Fuzz::WriteAll(fixture.input, reinterpret_cast<const char*>(data), size);
-    {
-        Tree tree;
-        if (!tree.file.Load(fixture.input))
-            return 0;
-        if (!tree.file.Save(fixture.first))
-            abort();
-    }
-    Tree again;
-    if (!again.file.Load(fixture.first) || !again.file.Save(fixture.second))
-        abort();
-    fixture.SameSaves();
+    fixture.RoundTrip<Tree>(data, size);
     return 0;
 }

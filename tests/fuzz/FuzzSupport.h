@@ -13,6 +13,8 @@
 #include <QString>
 #include <QTemporaryDir>
 
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 
 namespace Fuzz {
@@ -70,6 +72,24 @@ struct Application
     {
         if (ReadAll(first) != ReadAll(second))
             abort();
+    }
+    // The bytes as a file for a reader of Doc (LoadFile, SaveFile): refused, or
+    // loaded and saved, that save loaded and saved again to the same text.
+    template <class Doc>
+    void RoundTrip(const uint8_t* data, size_t size)
+    {
+        WriteAll(input, reinterpret_cast<const char*>(data), size);
+        {
+            Doc doc;
+            if (!doc.LoadFile(input))
+                return;
+            if (!doc.SaveFile(first))
+                abort();
+        }
+        Doc again;
+        if (!again.LoadFile(first) || !again.SaveFile(second))
+            abort();
+        SameSaves();
     }
 
     int argc = 1;

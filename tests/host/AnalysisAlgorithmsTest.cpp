@@ -21,9 +21,7 @@ protected:
     void SetUp() override
     {
         // 30 x 20 pixels of 10 m; -5 is no-data on one diagonal.
-        Grid g;
-        g.width = 30;
-        g.height = 20;
+        Grid g(30, 20);
         g.hasNoData = true;
         g.noData = -5;
         raster = Path("dem.tif");
@@ -169,23 +167,6 @@ TEST_F(AnalysisAlgorithms, IntersectionMatchesOgr2ogrSqlite)
         ExpectSameAsReference(out, ref, Same::Features);
         EXPECT_EQ(ReadVector(out).features.size(), c.features);
     }
-}
-
-TEST_F(AnalysisAlgorithms, BadInputGivesCodeAndMessageAndNoOutput)
-{
-    const QString other = Path("wgs84.geojson"), counted = Path("counted.geojson");
-    ASSERT_TRUE(WriteVector(other, 4326, {{"v", Field::Integer}}, {{Box(15, 36, 16, 37), {{"v", 1}}}}));
-    ASSERT_TRUE(WriteVector(counted, 32633, {{"count", Field::Integer}}, {{Box(500000, 3999900, 500100, 4000000), {{"count", 1}}}}));
-    const QString out = Path("never.gpkg");
-    ExpectFailures({{"a range of two numbers", "raster.reclassify", {{"In File", raster}, {"Table", "0,10,1;10,20"}, {"Out File", Path("never.tif")}},
-                     20, {"Table: '10,20' is not min,max,value"}},
-                    {"a range upside down", "raster.reclassify", {{"In File", raster}, {"Table", "10,0,1"}, {"Out File", Path("never.tif")}},
-                     20, {"the minimum is not below the maximum"}},
-                    {"figures named like a field", "raster.zonalStatistics", {{"In File", raster}, {"Zones File", counted}},
-                     20, {"Prefix: the zones already have a field 'count'"}},
-                    {"layers in two spatial references", "vector.intersection", {{"In File", zones}, {"Overlay File", other}},
-                     20, {"reproject first"}}},
-                   out, {out, Path("never.tif")});
 }
 
 // Statistics asked of the information step land in its report, never beside the input.

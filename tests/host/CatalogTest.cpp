@@ -1,6 +1,7 @@
 #include "HostCatalog/AlgoRunContext.h"
 #include "HostCatalog/AlgorithmRegistry.h"
 #include "HostCatalog/GetParamValue.h"
+#include "HostRunner/AlgorithmList.h"
 #include "HostRunner/ExcuteAlgo.h"
 #include "HostRunner/RunRecord.h"
 
@@ -87,6 +88,8 @@ TEST(Registry, SourcesRunOnceBeforeTheFirstLookupOnAnyThread)
     EXPECT_EQ(runs, 1);
     EXPECT_TRUE(reg.Names().contains("test.lazy"));
     EXPECT_EQ(runs, 1);
+    // The list the README shows leaves the test algorithms out.
+    EXPECT_FALSE(HostRunner::AlgorithmListMarkdown().contains("test.noop"));
 }
 
 TEST(ExcuteAlgo, ErrorsOfTheAlgorithmAndOfTheParameterTextThenAGoodRun)

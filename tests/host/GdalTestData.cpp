@@ -16,17 +16,10 @@
 #include <cmath>
 #include <cstring>
 #include <memory>
-#include <mutex>
 
 namespace GdalTestData {
 
 namespace {
-
-void registerOnce()
-{
-    static std::once_flag once;
-    std::call_once(once, [] { GDALAllRegister(); });
-}
 
 QByteArray name(const QString& path)
 {
@@ -73,7 +66,7 @@ int onProgress(double percent, const char*, void* user)
 
 bool WriteRaster(const QString& path, const Grid& grid, const PixelFn& value)
 {
-    registerOnce();
+    GDALAllRegister();
     GDALDriver* driver = GetGDALDriverManager()->GetDriverByName("GTiff");
     CPLStringList options;
     for (const QString& option : grid.options)
@@ -106,7 +99,7 @@ bool WriteRaster(const QString& path, const Grid& grid, const PixelFn& value)
 
 RasterInfo ReadRasterInfo(const QString& path)
 {
-    registerOnce();
+    GDALAllRegister();
     RasterInfo info;
     GDALDatasetUniquePtr ds(GDALDataset::Open(name(path).constData(), GDAL_OF_RASTER));
     if (!ds || ds->GetRasterCount() == 0)
@@ -135,7 +128,7 @@ RasterInfo ReadRasterInfo(const QString& path)
 
 std::vector<double> ReadBand(const QString& path, int band)
 {
-    registerOnce();
+    GDALAllRegister();
     GDALDatasetUniquePtr ds(GDALDataset::Open(name(path).constData(), GDAL_OF_RASTER));
     if (!ds || band < 1 || band > ds->GetRasterCount())
         return {};
@@ -148,7 +141,7 @@ std::vector<double> ReadBand(const QString& path, int band)
 
 bool WriteVector(const QString& path, int epsg, const QList<Field>& fields, const std::vector<Feature>& features)
 {
-    registerOnce();
+    GDALAllRegister();
     GDALDriver* driver = GetGDALDriverManager()->GetDriverByName(vectorDriver(path).toLatin1().constData());
     GDALDatasetUniquePtr ds(driver->Create(name(path).constData(), 0, 0, 0, GDT_Unknown, nullptr));
     if (!ds)
@@ -198,7 +191,7 @@ bool WriteVector(const QString& path, int epsg, const QList<Field>& fields, cons
 
 VectorInfo ReadVector(const QString& path)
 {
-    registerOnce();
+    GDALAllRegister();
     VectorInfo info;
     GDALDatasetUniquePtr ds(GDALDataset::Open(name(path).constData(), GDAL_OF_VECTOR));
     if (!ds || ds->GetLayerCount() == 0)

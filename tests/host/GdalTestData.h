@@ -18,6 +18,8 @@ namespace GdalTestData {
 // and [originY - y*pixelSize, -pixelSize) southwards.
 struct Grid
 {
+    Grid() = default;
+    Grid(int w, int h, int b = 1, const char* type = "Float32") : width(w), height(h), bands(b), dataType(type) {}
     int width = 8;
     int height = 8;
     int bands = 1;

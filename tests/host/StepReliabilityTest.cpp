@@ -29,8 +29,7 @@ protected:
     // A 64 x 64 elevation model stored as options say.
     QString Dem(const QString& name, const QStringList& options = {})
     {
-        Grid g;
-        g.width = g.height = 64;
+        Grid g(64, 64);
         g.options = options;
         EXPECT_TRUE(WriteRaster(Path(name), g, [](int, int x, int y) { return double(x + 2 * y); }));
         return Path(name);

@@ -96,24 +96,4 @@ TEST(ClusterExport, SnakemakeRunsTheRoundsAsMbrunDoesAndRerunsOnlyWhatChangedOrF
     EXPECT_EQ(s.code, 0) << qPrintable(s.said);
     EXPECT_EQ(s.rounds, QStringList({"scene_00"})) << qPrintable(s.said);
     EXPECT_EQ(FileTimes(batch.out).value(batch.Ndvi(1)), before.value(batch.Ndvi(1)));
-
-    // What the export and the jobs refuse, they refuse as a run does.
-    struct Case
-    {
-        const char* name;
-        QStringList args;
-        const char* said;
-    };
-    const Case cases[] = {
-        {"an input without a value", {batch.model, "--export", "snakemake", flow}, "Please set value: Scene folders"},
-        {"a folder that does not exist", batch.Args({"--export", "snakemake", flow}, batch.dir.filePath("none")), "does not exist"},
-        {"no folder to write into", batch.Args({"--export", "snakemake"}), "--export snakemake DIR"},
-        {"a file no round is driven by", batch.Args({"--round-file", batch.dir.filePath("x.tif")}), "hands out no round driven by"},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        o = Mbrun(c.args);
-        EXPECT_EQ(o.code, 2);
-        EXPECT_TRUE(o.err.contains(c.said)) << qPrintable(o.err);
-    }
 }

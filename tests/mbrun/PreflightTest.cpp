@@ -1,5 +1,10 @@
 // Models that cannot run as they are, refused by mbrun before anything starts,
 // each with a line that says what exactly is wrong.
+#include "engine/APCAlgo.h"
+#include "engine/APCModelFile.h"
+#include "model/APCArrow.h"
+#include "model/APCVar.h"
+#include "support/ModelFixtures.h"
 #include "support/TestSupport.h"
 
 #include <QCoreApplication>
@@ -9,60 +14,29 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <functional>
+
+using namespace Plugin;
+using namespace TestSupport;
+
 namespace {
 
-const char* kHead = R"(<?xml version="1.0" encoding="GB2312" standalone="no"?>
-<Configuration>
-)";
-
-// A copy step between two constant vars; extra is put into the Vars and Arrows.
-QByteArray copyModel(const QByteArray& extraVars, const QByteArray& extraArrows, const QByteArray& extraProcesses = {})
+// Saves a model of copy steps, one per pair of input and output, all files
+// constant, after more had its say; the steps' ids, in order.
+QStringList saveCopies(const QString& path, const QList<QPair<QString, QString>>& copies,
+                       const std::function<void(HeadlessModel&)>& more = {})
 {
-    return QByteArray(kHead) + R"(    <Processes>
-        <Process class="algo" name="{s}" description="Copy" posX="0" posY="0" painter="" processName="raster.translate">
-            <Parameter name="In File" type="file" direction="0" value="%{in}%" description="In"/>
-            <Parameter name="Out File" type="file" direction="1" value="%{out}%" description="Out"/>
-        </Process>
-)" + extraProcesses + R"(    </Processes>
-    <Vars>
-        <Var class="file" name="{in}" description="In" posX="0" posY="0" painter="" constant="1" value="/tmp/in.tif"/>
-        <Var class="file" name="{out}" description="Out" posX="0" posY="0" painter="" constant="1" value="/tmp/out.tif"/>
-)" + extraVars + R"(    </Vars>
-    <Arrows>
-        <Arrow head="{s}" headType="process" headParam="In File" tail="{in}" tailType="var" tailParam="" class="arrow" posX="0" posY="0" painter=""/>
-        <Arrow head="{out}" headType="var" headParam="" tail="{s}" tailType="process" tailParam="Out File" class="arrow" posX="0" posY="0" painter=""/>
-)" + extraArrows + R"(    </Arrows>
-</Configuration>
-)";
+    HeadlessModel m;
+    QStringList ids;
+    for (const auto& c : copies)
+        ids << AddStep(m, "raster.translate", {{"In File", c.first}, {"Out File", c.second}})->GetName();
+    if (more)
+        more(m);
+    m.SaveFile(path);
+    return ids;
 }
 
-// A second copy step from the var {in2} to the var {out2}, with its vars and arrows.
-QByteArray secondCopy(const char* in, const char* out)
-{
-    return copyModel(QByteArray(R"(        <Var class="file" name="{in2}" description="In 2" posX="0" posY="0" painter="" constant="1" value=")") + in +
-                         R"("/>
-        <Var class="file" name="{out2}" description="Out 2" posX="0" posY="0" painter="" constant="1" value=")" + out + R"("/>
-)",
-                     R"(        <Arrow head="{t}" headType="process" headParam="In File" tail="{in2}" tailType="var" tailParam="" class="arrow" posX="0" posY="0" painter=""/>
-        <Arrow head="{out2}" headType="var" headParam="" tail="{t}" tailType="process" tailParam="Out File" class="arrow" posX="0" posY="0" painter=""/>
-)",
-                     R"(        <Process class="algo" name="{t}" description="Copy 2" posX="0" posY="0" painter="" processName="raster.translate">
-            <Parameter name="In File" type="file" direction="0" value="%{in2}%" description="In"/>
-            <Parameter name="Out File" type="file" direction="1" value="%{out2}%" description="Out"/>
-        </Process>
-)");
-}
-
-// A model of one nested step that runs the model at file (relative to the root).
-QByteArray nestingModel(const QString& file)
-{
-    return QByteArray(kHead) + R"(    <Processes>
-        <Process class="model" name="{n}" description="Nested" posX="0" posY="0" painter="" processName=")" +
-           file.toUtf8() + R"("/>
-    </Processes>
-</Configuration>
-)";
-}
+const QString kDem = QStringLiteral(MB_SOURCE_DIR "/examples/data/dem.tif");
 
 } // namespace
 
@@ -71,74 +45,59 @@ TEST(Preflight, EachStructuralFaultIsNamedBeforeTheRun)
     QTemporaryDir dir;
     // Nested models name their file from the application root, as the editor stores it.
     const QDir root(QCoreApplication::applicationDirPath() + "/..");
-    auto rel = [&](const char* name) { return root.relativeFilePath(dir.filePath(name)); };
-    TestSupport::WriteAll(dir.filePath("text.apc"), "not a model");
-    TestSupport::WriteAll(dir.filePath("self.apc"), nestingModel(rel("self.apc")));
-    TestSupport::WriteAll(dir.filePath("a.apc"), nestingModel(rel("b.apc")));
-    TestSupport::WriteAll(dir.filePath("b.apc"), nestingModel(rel("a.apc")));
+    // Saves name, a model of one step, "Nested", that runs the model nested.
+    auto nesting = [&](const char* name, const char* nested) {
+        HeadlessModel m;
+        AddModelStep(m, root.relativeFilePath(dir.filePath(nested)))->SetDescription("Nested");
+        m.SaveFile(dir.filePath(name));
+        return dir.filePath(name);
+    };
+    WriteAll(dir.filePath("text.apc"), "not a model");
+    nesting("a.apc", "b.apc");
+    const QString in = "/tmp/in.tif", out = "/tmp/out.tif", out2 = "/tmp/out2.tif";
+    QString twin; // the id two vars share, and the first one's name
+    saveCopies(dir.filePath("twins.apc"), {{in, out}}, [&](HeadlessModel& m) {
+        auto* again = new APCVar;
+        again->SetDescription("Again");
+        m.AddVar(again);
+        again->SetName(m.GetVars()[0]->GetName());
+        twin = again->GetName() + " is held by 2 objects: \"" + m.GetVars()[0]->GetDescription();
+    });
+    saveCopies(dir.filePath("arrow.apc"), {{in, out}}, [](HeadlessModel& m) {
+        AddArrow(m, m.GetProcesses()[0], "Out File", m.GetVars()[1], "")->SetHead("{gone}");
+    });
     // The first step's output, also reached through a link.
-    const QByteArray link = dir.filePath("link.tif").toUtf8();
-    TestSupport::WriteAll(dir.filePath("out.tif"), "");
+    const QString link = dir.filePath("link.tif");
+    WriteAll(dir.filePath("out.tif"), "");
     ASSERT_TRUE(QFile::link(dir.filePath("out.tif"), link));
-    const QString out = QFileInfo(dir.filePath("out.tif")).canonicalFilePath();
+    const QString real = QFileInfo(dir.filePath("out.tif")).canonicalFilePath();
+    const QStringList reads = saveCopies(dir.filePath("reads.apc"), {{in, out}, {out, out2}});
+    const QStringList linked = saveCopies(dir.filePath("linked.apc"), {{in, real}, {link, out2}});
+    const QStringList both = saveCopies(dir.filePath("both.apc"), {{in, out}, {in, out}});
+    const QString unordered = "mbrun: \"Convert raster\" (%1) reads %2, which \"Convert raster\" (%3) writes, and no arrow orders them";
 
-    struct Case { const char* name; QByteArray model; QStringList said; };
+    struct Case { const char* name; QString file; QStringList said; };
     const std::vector<Case> cases = {
-        {"two vars of one id",
-         copyModel(R"(        <Var class="file" name="{in}" description="Again" posX="0" posY="0" painter="" constant="1" value="x"/>
-)", ""),
-         {"the id {in} is held by 2 objects: \"In\", \"Again\""}},
-        {"an arrow to nothing",
-         copyModel("", R"(        <Arrow head="{gone}" headType="var" headParam="" tail="{s}" tailType="process" tailParam="Out File" class="arrow" posX="0" posY="0" painter=""/>
-)"),
-         {"an arrow ends at {gone} (var), which the model does not have"}},
-        {"a step reads what another writes, no arrow between",
-         secondCopy("/tmp/out.tif", "/tmp/out2.tif"),
-         {"mbrun: \"Convert raster\" ({t}) reads /tmp/out.tif, which \"Convert raster\" ({s}) writes, and no arrow orders them"}},
-        {"a step reads through a link what another writes",
-         secondCopy(link.constData(), "/tmp/out2.tif").replace("value=\"/tmp/out.tif\"", "value=\"" + out.toUtf8() + '"'),
-         {"mbrun: \"Convert raster\" ({t}) reads " + out + ", which \"Convert raster\" ({s}) writes, and no arrow orders them"}},
-        {"two steps write one file", secondCopy("/tmp/in.tif", "/tmp/out.tif"),
-         {"mbrun: \"Convert raster\" ({s}) and \"Convert raster\" ({t}) both write /tmp/out.tif, and no arrow orders them"}},
-        {"nested: no such file", nestingModel(rel("none.apc")), {"Nested is wrong!", "which is not found"}},
-        {"nested: not a model", nestingModel(rel("text.apc")), {"Nested is wrong!", "which is not a model file"}},
-        {"nested: itself", {}, {"Nested is wrong!", "is the model itself"}},
-        {"nested: a cycle", {}, {"Nested is wrong!", "contains a model that contains it again: b.apc -> a.apc -> b.apc"}},
+        {"two vars of one id", dir.filePath("twins.apc"), {"the id " + twin + "\", \"Again\""}},
+        {"an arrow to nothing", dir.filePath("arrow.apc"), {"an arrow ends at {gone} (var), which the model does not have"}},
+        {"a step reads what another writes, no arrow between", dir.filePath("reads.apc"), {unordered.arg(reads[1], out, reads[0])}},
+        {"a step reads through a link what another writes", dir.filePath("linked.apc"), {unordered.arg(linked[1], real, linked[0])}},
+        {"two steps write one file", dir.filePath("both.apc"),
+         {QStringLiteral("mbrun: \"Convert raster\" (%1) and \"Convert raster\" (%2) both write /tmp/out.tif, and no arrow orders them")
+              .arg(both[0], both[1])}},
+        {"nested: no such file", nesting("missing.apc", "none.apc"), {"Nested is wrong!", "which is not found"}},
+        {"nested: not a model", nesting("text-nesting.apc", "text.apc"), {"Nested is wrong!", "which is not a model file"}},
+        {"nested: itself", nesting("self.apc", "self.apc"), {"Nested is wrong!", "is the model itself"}},
+        {"nested: a cycle", nesting("b.apc", "a.apc"), {"Nested is wrong!", "contains a model that contains it again: b.apc -> a.apc -> b.apc"}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        QString file = dir.filePath("case.apc");
-        if (c.model.isEmpty())
-            file = dir.filePath(QString(c.name).contains("itself") ? "self.apc" : "b.apc");
-        else
-            TestSupport::WriteAll(file, c.model);
-        const TestSupport::Outcome o = TestSupport::Mbrun({file});
-        const QString& errors = o.err;
-        EXPECT_EQ(o.code, 2) << qPrintable(errors);
+        const Outcome o = Mbrun({c.file});
+        EXPECT_EQ(o.code, 2) << qPrintable(o.err);
         for (const QString& line : c.said)
-            EXPECT_TRUE(errors.contains(line)) << qPrintable(errors);
+            EXPECT_TRUE(o.err.contains(line)) << qPrintable(o.err);
     }
 }
-
-namespace {
-
-// The copy step of copyModel from in to out, as algorithm, with more parameters.
-QByteArray optionsModel(const QString& in, const QString& out, const char* algorithm,
-                        const std::vector<std::pair<const char*, const char*>>& parameters)
-{
-    QByteArray lines;
-    for (const auto& p : parameters)
-        lines += QByteArray("            <Parameter name=\"") + p.first + "\" type=\"string\" direction=\"0\" value=\"" + p.second +
-                 "\" description=\"\"/>\n";
-    QByteArray model = copyModel("", "");
-    model.replace("/tmp/in.tif", in.toUtf8()).replace("/tmp/out.tif", out.toUtf8()).replace("raster.translate", algorithm);
-    const QByteArray after = "description=\"Out\"/>\n";
-    return model.insert(model.indexOf(after) + after.size(), lines);
-}
-
-const QString kDem = QStringLiteral(MB_SOURCE_DIR "/examples/data/dem.tif");
-
-} // namespace
 
 TEST(Preflight, OptionsGdalRefusesAreNamedBeforeTheRun)
 {
@@ -168,11 +127,11 @@ TEST(Preflight, OptionsGdalRefusesAreNamedBeforeTheRun)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        const QString file = dir.filePath("case.apc");
-        TestSupport::WriteAll(file, optionsModel(kDem, dir.filePath(c.out), c.algorithm,
-                                                 {{"Target SRS", "EPSG:4326"}, {"Where", "1=1"}, {"Distance", "1"},
-                                                  {c.parameter, c.value}}));
-        const TestSupport::Outcome o = TestSupport::Mbrun({file});
+        HeadlessModel m;
+        AddStep(m, c.algorithm, {{"In File", kDem}, {"Out File", dir.filePath(c.out)}, {"Target SRS", "EPSG:4326"}, {"Where", "1=1"},
+                                 {"Distance", "1"}, {c.parameter, c.value}});
+        ASSERT_TRUE(m.SaveFile(dir.filePath("case.apc")));
+        const Outcome o = Mbrun({dir.filePath("case.apc")});
         EXPECT_EQ(o.code, 2) << qPrintable(o.err);
         EXPECT_TRUE(o.err.contains(c.said)) << qPrintable(o.err);
         EXPECT_FALSE(QFileInfo::exists(dir.filePath(c.out)));

@@ -321,7 +321,7 @@ TEST_F(ModelDocument, ResolveVarValuesFixedPoint)
     }
 }
 
-TEST_F(ModelDocument, ResolveValueScansPercentPairs)
+TEST_F(ModelDocument, ResolveValueScansPercentPairsAndLookupsFollowRenames)
 {
     TestSupport::HeadlessModel model;
     auto* named = new APCVar;
@@ -348,24 +348,17 @@ TEST_F(ModelDocument, ResolveValueScansPercentPairs)
     v->SetRunValue("given");
     EXPECT_TRUE(v->ResolveValue());
     EXPECT_EQ(v->GetRunValue(), "given");
-}
 
-TEST_F(ModelDocument, LookupsFollowRenamesAndRemovals)
-{
-    TestSupport::HeadlessModel model;
-    auto* a = new APCVar;
-    auto* b = new APCVar;
-    model.AddVar(a);
-    model.AddVar(b);
-    EXPECT_EQ(model.FindVar(a->GetName()), a);
-    const QString old = a->GetName();
-    a->SetName("{renamed}");
+    // Lookups follow renames and removals.
+    EXPECT_EQ(model.FindVar(named->GetName()), named);
+    const QString old = named->GetName();
+    named->SetName("{renamed}");
     EXPECT_EQ(model.FindVar(old), nullptr);
-    EXPECT_EQ(model.FindVar("{renamed}"), a);
-    b->SetName("{renamed}"); // duplicates: the first in list order wins
-    EXPECT_EQ(model.FindVar("{renamed}"), a);
-    model.RemoveVar(a);
-    EXPECT_EQ(model.FindVar("{renamed}"), b);
+    EXPECT_EQ(model.FindVar("{renamed}"), named);
+    v->SetName("{renamed}"); // duplicates: the first in list order wins
+    EXPECT_EQ(model.FindVar("{renamed}"), named);
+    model.RemoveVar(named);
+    EXPECT_EQ(model.FindVar("{renamed}"), v);
     // Direct appends by a reader are seen too.
     auto* c = new APCVar;
     c->SetModel(&model);

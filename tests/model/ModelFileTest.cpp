@@ -57,6 +57,10 @@ TEST(ModelFile, SaveLoadSaveIsByteIdentical)
                                                       "-->\n    <Processes/>\n    <!--" + gb("数据") + "-->\n    <Vars/>\n    <!--" +
                                                       gb("依赖关系") + "-->\n    <Arrows/>\n</Configuration>\n");
     fill(model);
+    // The stored value disagrees with the arrow: loading keeps it as stored.
+    for (APCParameter& p : model.GetProcesses()[0]->GetParameters())
+        if (p.name == "In File")
+            p.value = "/literal";
     model.GetVars()[0]->SetFunExp("kept only on computed vars");
     model.GetVars()[1]->SetValue("kept only on constant vars");
     const QString first = dir.filePath("a.apc"), second = dir.filePath("b.apc"), third = dir.filePath("c.apc");
@@ -93,6 +97,20 @@ TEST(ModelFile, SaveLoadSaveIsByteIdentical)
     // No description attribute when it is empty.
     EXPECT_TRUE(text.contains(QRegExp(R"(<Process class="RasterFileIterator" name="[^"]+" posX="1e\+07" posY="3" painter="" processName="">)")));
     EXPECT_TRUE(text.contains(QRegExp(R"(<Parameter name="strDir" type="multiDirectory" direction="0" value="%\{[^"]+\}%" description="MultiDirectory"/>)")));
+
+    // Loading appends, without wiring and without a signal.
+    APCModel twice;
+    int emitted = 0;
+    twice.arrowAdded.connect([&](APCArrow*) { ++emitted; });
+    twice.varAdded.connect([&](APCVar*) { ++emitted; });
+    ASSERT_TRUE(twice.LoadFile(first));
+    ASSERT_TRUE(twice.LoadFile(first));
+    EXPECT_EQ(emitted, 0);
+    EXPECT_EQ(twice.GetProcesses().size(), 6);
+    EXPECT_EQ(twice.GetVars().size(), 12);
+    EXPECT_EQ(twice.GetProcesses()[0]->GetParameter("In File").value, "/literal");
+    for (APCVar* v : twice.GetVars())
+        EXPECT_EQ(v->GetModel(), &twice);
 }
 
 // withElement lets plain processes and vars write into an element their caller
@@ -210,33 +228,6 @@ TEST(ModelFile, ReadsGbkDeclarationAndDamagedInputSafely)
     APCModel model;
     EXPECT_FALSE(model.LoadFile(dir.filePath("does-not-exist.apc")));
     EXPECT_FALSE(model.SaveFile(dir.filePath("no/such/dir/x.apc")));
-}
-
-TEST(ModelFile, LoadAppendsWithoutWiring)
-{
-    QTemporaryDir dir;
-    const QString path = dir.filePath("m.apc");
-    {
-        APCModel model;
-        fill(model);
-        // The stored value disagrees with the arrow: loading keeps it as stored.
-        for (APCParameter& p : model.GetProcesses()[0]->GetParameters())
-            if (p.name == "In File")
-                p.value = "/literal";
-        ASSERT_TRUE(model.SaveFile(path));
-    }
-    APCModel model;
-    int emitted = 0;
-    model.arrowAdded.connect([&](APCArrow*) { ++emitted; });
-    model.varAdded.connect([&](APCVar*) { ++emitted; });
-    ASSERT_TRUE(model.LoadFile(path));
-    ASSERT_TRUE(model.LoadFile(path));
-    EXPECT_EQ(emitted, 0);
-    EXPECT_EQ(model.GetProcesses().size(), 6);
-    EXPECT_EQ(model.GetVars().size(), 12);
-    EXPECT_EQ(model.GetProcesses()[0]->GetParameter("In File").value, "/literal");
-    for (APCVar* v : model.GetVars())
-        EXPECT_EQ(v->GetModel(), &model);
 }
 
 // The tool box imports and exports models by copying them whole: a copy that

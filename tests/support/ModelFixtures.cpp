@@ -1,6 +1,7 @@
 #include "support/ModelFixtures.h"
 
 #include "engine/APCAlgo.h"
+#include "engine/APCModelFile.h"
 #include "model/APCArrow.h"
 #include "model/APCModel.h"
 #include "model/APCVar.h"
@@ -84,6 +85,20 @@ APCAlgo* AddStep(APCModel& model, const QString& algorithm, const QList<QPair<QS
     return step;
 }
 
+APCModelFile* AddModelStep(APCModel& model, const QString& processName, const QMap<QString, QString>& values)
+{
+    auto* step = new APCModelFile;
+    step->SetClass(QStringLiteral("model"));
+    step->SetProcessName(processName);
+    model.AddProcess(step);
+    for (APCParameter& p : step->GetParameters()) {
+        APCVar* v = model.FindVar(QString(p.value).remove(QLatin1Char('%')));
+        if (v && values.contains(p.description))
+            SetConstant(v, values[p.description]);
+    }
+    return step;
+}
+
 } // namespace TestSupport
 
 #include "engine/APCLog.h"
@@ -101,13 +116,13 @@ void Connect(APCModel& model, APCVar* var, APCAlgo* step, const QString& param)
     SetLiteral(model, step, param, QLatin1Char('%') + var->GetName() + QLatin1Char('%'));
 }
 
-RunResult RunModel(SequenceControl& control, APCModel& model, const QString& name, int timeoutMs)
+RunResult RunModel(SequenceControl& control, APCModel& model, const QList<APCVar*>& inputs, int timeoutMs)
 {
     RunResult result;
     boost::signals2::scoped_connection c =
         control.NodeFinished.connect([&](SequenceNode* n) { if (!n) ++result.finishes; });
     ModelRun run(control, model);
-    result.finished = run.Start({}, name) && run.Wait(timeoutMs);
+    result.finished = run.Start(inputs, QStringLiteral("m")) && run.Wait(timeoutMs);
     result.log = control.GetLog()->GetLogText();
     result.errors = control.GetLog()->GetErrorText();
     control.GetError(result.code, result.message);

@@ -3,12 +3,14 @@
 #include "model/APCModel.h"
 #include "model/RemovedObjectBin.h"
 
+#include <QMap>
 #include <QString>
 #include <QStringList>
 
 namespace Plugin {
 class APCAlgo;
 class APCArrow;
+class APCModelFile;
 class APCObject;
 class APCVar;
 } // namespace Plugin
@@ -37,6 +39,10 @@ void SetConstant(Plugin::APCVar* var, const QString& value);
 // AddAlgo, then each named parameter set: a wired one's var made constant with the
 // value, any other given the value as its literal.
 Plugin::APCAlgo* AddStep(Plugin::APCModel& model, const QString& algorithm, const QList<QPair<QString, QString>>& values);
+// Adds a step running the model file processName (named from the application root);
+// the vars of its parameters named in values, by description, made constant.
+Plugin::APCModelFile* AddModelStep(Plugin::APCModel& model, const QString& processName,
+                                   const QMap<QString, QString>& values = {});
 // Adds an arrow by hand, from tail (a var, or a step's parameter) to head.
 Plugin::APCArrow* AddArrow(Plugin::APCModel& model, Plugin::APCObject* tail, const QString& tailParam, Plugin::APCObject* head,
                            const QString& headParam);
@@ -63,9 +69,10 @@ struct RunResult
     QString message;
 };
 
-// Prepares the vars, builds and starts control on model as the editor's Run does,
-// and waits (serving this thread's events) for the end of the run.
-RunResult RunModel(Plugin::SequenceControl& control, Plugin::APCModel& model, const QString& name = QStringLiteral("m"),
-              int timeoutMs = 20000);
+// Prepares the vars with the inputs given, builds and starts control on model, named
+// "m", as the editor's Run does, and waits (serving this thread's events) for the
+// end of the run.
+RunResult RunModel(Plugin::SequenceControl& control, Plugin::APCModel& model, const QList<Plugin::APCVar*>& inputs = {},
+                   int timeoutMs = 20000);
 
 } // namespace TestSupport
