@@ -72,6 +72,10 @@ coverage:
 	@cmake -S . -B build-coverage -DCMAKE_BUILD_TYPE=Debug -DMB_COVERAGE=ON > build-coverage.configure.log 2>&1 || (cat build-coverage.configure.log; exit 1)
 	@cmake --build build-coverage -j $(JOBS)
 	@find build-coverage -name '*.gcda' -delete
+# Notes of sources since deleted stay behind in the build folder: gcovr would warn of each.
+	@find build-coverage -name '*.gcno' | while read -r notes; do \
+	  source=$$(echo "$$notes" | sed -E 's#^build-coverage/##; s#CMakeFiles/[^/]+\.dir/##; s#\.gcno$$##'); \
+	  [ -f "$$source" ] || [ -f "build-coverage/$$source" ] || rm -f "$$notes"; done
 	cd build-coverage && QT_QPA_PLATFORM=offscreen ctest -j $(JOBS) $(CTEST_ARGS) > ctest.log 2>&1 || (tail -30 ctest.log; exit 1)
 	@mkdir -p build-coverage/coverage
 	@gcovr -r . --object-directory build-coverage -j $(JOBS) --exclude-unreachable-branches --exclude-throw-branches --gcov-ignore-parse-errors \
