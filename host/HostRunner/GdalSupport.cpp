@@ -443,6 +443,27 @@ bool OutputFile::Commit(QString* error)
 // ---------------------------------------------------------------------------------
 // GdalProgress
 
+PassedBlocks::PassedBlocks(GDALRasterBand& band, GDALDataset* dataset) : m_band(band), m_dataset(dataset)
+{
+    int width = 0;
+    band.GetBlockSize(&width, &m_height);
+    m_height = std::max(1, m_height);
+    // Strips of a line or a few: forgetting them one by one costs more than it saves.
+    m_every = std::max(1, 64 / m_height);
+}
+
+void PassedBlocks::At(int y)
+{
+    const int row = y / m_height;
+    if (row - m_row < m_every)
+        return;
+    m_row = row;
+    if (m_dataset)
+        m_dataset->FlushCache(false);
+    else
+        m_band.FlushCache(false);
+}
+
 GdalProgress::GdalProgress(GdalJob& job, const QString& text, double from, double to)
     : m_job(job), m_text(text), m_from(from), m_to(to)
 {

@@ -197,6 +197,27 @@ private:
     int m_lastWhole = -1;
 };
 
+// Forgets the blocks a pass from top to bottom has left behind, each time the pass
+// enters a new row of blocks. GDAL would keep them (up to a twentieth of the memory)
+// though the pass never reads them again: every round of a batch would then fault in
+// and hold a whole scene. With a dataset, all its bands are forgotten (reading one band
+// of a pixel-interleaved file brings the others' blocks along); else the band alone.
+// Written blocks are written out when forgotten, as they would be at the end.
+class PassedBlocks
+{
+public:
+    explicit PassedBlocks(GDALRasterBand& band, GDALDataset* dataset = nullptr);
+    // Before the pass reads or writes rows from y on.
+    void At(int y);
+
+private:
+    GDALRasterBand& m_band;
+    GDALDataset* m_dataset;
+    int m_height = 1; // of a block
+    int m_every = 1;  // block rows between two forgettings
+    int m_row = 0;    // the block row last forgotten above
+};
+
 // One run of a GDAL algorithm: its parameters with the catalogue's defaults, its
 // error capture, and the checks every algorithm needs. A failing check records a
 // code and a message naming the parameter or file in the run context and returns

@@ -510,7 +510,10 @@ bool runNdvi(GdalJob& job)
     std::vector<double> r(count), n(count), v(count);
     std::vector<GByte> redValid(count), nirValid(count);
     GdalProgress progress(job, QStringLiteral("NDVI of %1").arg(fileName(in)), 0.0, 90.0);
+    PassedBlocks read(*redBand, src.get()), written(*outBand);
     for (int y = 0; y < height; ++y) {
+        read.At(y);
+        written.At(y);
         if (redBand->RasterIO(GF_Read, 0, y, width, 1, r.data(), width, 1, GDT_Float64, 0, 0) != CE_None
             || nirBand->RasterIO(GF_Read, 0, y, width, 1, n.data(), width, 1, GDT_Float64, 0, 0) != CE_None
             || redBand->GetMaskBand()->RasterIO(GF_Read, 0, y, width, 1, redValid.data(), width, 1, GDT_Byte, 0, 0) != CE_None
@@ -649,10 +652,14 @@ bool copyBand(GdalJob& job, GDALRasterBand& band, GDALRasterBand& target)
 {
     const int width = band.GetXSize();
     std::vector<double> line(static_cast<size_t>(width));
-    for (int y = 0; y < band.GetYSize(); ++y)
+    PassedBlocks read(band), written(target);
+    for (int y = 0; y < band.GetYSize(); ++y) {
+        read.At(y);
+        written.At(y);
         if (band.RasterIO(GF_Read, 0, y, width, 1, line.data(), width, 1, GDT_Float64, 0, 0) != CE_None
             || target.RasterIO(GF_Write, 0, y, width, 1, line.data(), width, 1, GDT_Float64, 0, 0) != CE_None)
             return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot copy line %1").arg(y));
+    }
     return true;
 }
 
@@ -878,7 +885,9 @@ bool computeStats(GdalJob& job, GDALRasterBand& band, GdalProgress& progress, do
     const size_t count = static_cast<size_t>(width);
     std::vector<double> values(count);
     std::vector<GByte> valid(count);
+    PassedBlocks read(band);
     for (int y = 0; y < height; ++y) {
+        read.At(y);
         if (band.RasterIO(GF_Read, 0, y, width, 1, values.data(), width, 1, GDT_Float64, 0, 0) != CE_None
             || band.GetMaskBand()->RasterIO(GF_Read, 0, y, width, 1, valid.data(), width, 1, GDT_Byte, 0, 0) != CE_None)
             return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot read line %1 of band %2").arg(y).arg(band.GetBand()));
@@ -1033,7 +1042,10 @@ bool runReclassify(GdalJob& job)
     std::vector<double> line(static_cast<size_t>(width));
     std::vector<GByte> valid(static_cast<size_t>(width));
     GdalProgress progress(job, QStringLiteral("Reclassifying %1").arg(fileName(job.Text(kIn))), 0.0, 90.0);
+    PassedBlocks read(*band, src.get()), written(*outBand);
     for (int y = 0; y < height; ++y) {
+        read.At(y);
+        written.At(y);
         if (band->RasterIO(GF_Read, 0, y, width, 1, line.data(), width, 1, GDT_Float64, 0, 0) != CE_None
             || band->GetMaskBand()->RasterIO(GF_Read, 0, y, width, 1, valid.data(), width, 1, GDT_Byte, 0, 0) != CE_None)
             return job.FailGdal(kProcessingFailed, QStringLiteral("Cannot read line %1 of %2").arg(y).arg(job.Text(kIn)));

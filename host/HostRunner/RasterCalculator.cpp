@@ -137,9 +137,17 @@ bool runCalculator(GdalJob& job)
         outBand->SetNoDataValue(noData);
 
     GdalProgress progress(job, QStringLiteral("Calculating %1").arg(QFileInfo(target.Path()).fileName()), 0.0, 90.0);
+    std::vector<PassedBlocks> read;
+    read.reserve(inputs.size());
+    for (size_t i = 0; i < inputs.size(); ++i)
+        read.emplace_back(*inputs[i], sources[i].get());
+    PassedBlocks written(*outBand);
     for (int y = 0; y < height; y += kLinesPerChunk) {
         const int lines = std::min(kLinesPerChunk, height - y);
         const int count = width * lines;
+        for (PassedBlocks& r : read)
+            r.At(y);
+        written.At(y);
         for (size_t i = 0; i < inputs.size(); ++i) {
             if (inputs[i]->RasterIO(GF_Read, 0, y, width, lines, values[i].data(), width, lines, GDT_Float64, 0, 0) != CE_None
                 || (hasNoData && inputs[i]->GetMaskBand()->RasterIO(GF_Read, 0, y, width, lines, valid[i].data(), width, lines,
