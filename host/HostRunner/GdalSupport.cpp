@@ -454,6 +454,10 @@ PassedBlocks::PassedBlocks(GDALRasterBand& band, GDALDataset* dataset) : m_band(
 
 void PassedBlocks::At(int y)
 {
+    // Only where a row of blocks begins: a pass reading several lines at once could
+    // otherwise stand inside a block it is still reading.
+    if (y % m_height != 0)
+        return;
     const int row = y / m_height;
     if (row - m_row < m_every)
         return;
