@@ -11,7 +11,13 @@
 
 namespace Plugin {
 
-ModelRun::ModelRun(SequenceControl& control, APCModel& model) : m_control(control), m_model(model)
+void RunStopper::Stop()
+{
+    if (m_control.GetState() != SequenceControl::Idle)
+        m_control.Stop();
+}
+
+ModelRun::ModelRun(SequenceControl& control, APCModel& model) : m_control(control), m_model(model), m_context(control)
 {
     m_finishConnection = m_control.NodeFinished.connect([this](SequenceNode* node) {
         if (!node)
@@ -62,10 +68,7 @@ bool ModelRun::Wait(int timeoutMs)
 
 void ModelRun::RequestStop()
 {
-    QMetaObject::invokeMethod(&m_context, [this] {
-        if (m_control.GetState() != SequenceControl::Idle)
-            m_control.Stop();
-    }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(&m_context, "Stop", Qt::QueuedConnection);
 }
 
 } // namespace Plugin

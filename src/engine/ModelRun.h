@@ -13,6 +13,23 @@ class APCModel;
 class APCVar;
 class SequenceControl;
 
+// Where stop requests for a run are delivered, on the run's own thread. RequestStop
+// calls its slot by name: the request's event is then made and read inside Qt, whose
+// queue lock orders it. A lambda made on one thread and run on the other would be
+// ordered just the same, but by a lock the thread checker cannot see.
+class RunStopper : public QObject
+{
+    Q_OBJECT
+public:
+    explicit RunStopper(SequenceControl& control) : m_control(control) {}
+
+public slots:
+    void Stop();
+
+private:
+    SequenceControl& m_control;
+};
+
 // Prepares a model and runs it on a control, the one way the Run command, mbrun,
 // the nested step, the headless objects and the tests all do it: reset the var
 // values, resolve them with the inputs, name the run, build, start; Wait() then
@@ -44,7 +61,7 @@ public:
 private:
     SequenceControl& m_control;
     APCModel& m_model;
-    QObject m_context; // on the run's thread: where stop requests are delivered
+    RunStopper m_context; // on the run's thread
     std::atomic<bool> m_finished{false};
     boost::signals2::scoped_connection m_finishConnection;
 };
