@@ -1,6 +1,7 @@
-// Rounds side by side: each few rounds run in a child mbrun (--round K-L), so that
-// their logs, memory and failures stay their own (started by the ForkServer); the parent prints each child's
-// log whole as it ends and gathers the reports in round order.
+// Rounds side by side: each few rounds run in a child mbrun (--round K-L), started
+// by the ForkServer, so that their logs, memory and failures stay their own; the
+// parent prints each child's log whole as it ends and gathers the reports in round
+// order.
 #include "BatchRun.h"
 #include "ResumeState.h"
 
@@ -23,7 +24,6 @@
 #include <functional>
 #include <map>
 #include <memory>
-
 
 namespace Mbrun {
 

@@ -87,6 +87,7 @@ void setArguments(const char* first, const char* data, size_t size, int& argc, c
     static std::vector<std::string> strings;
     static std::vector<char*> pointers;
     strings.assign(1, first);
+    pointers.clear();
     for (size_t at = 0; at < size;) {
         const size_t length = ::strnlen(data + at, size - at);
         strings.emplace_back(data + at, length);
