@@ -220,8 +220,9 @@ TEST_F(AlgoInfoForm, ParameterTextRoundTrips)
 }
 
 // The form marks what is required; OK refuses an empty required value and then
-// keeps what was typed; Cancel and Escape put back the values the form opened with.
-TEST_F(AlgoInfoForm, OkRefusesAnEmptyRequiredValueAndCancelPutsBackWhatTheFormOpenedWith)
+// keeps what was typed; Cancel and Escape put back the values the form opened with;
+// a var reference is read-only until unlinked.
+TEST_F(AlgoInfoForm, OkRefusesAnEmptyRequiredValueCancelPutsBackWhatTheFormOpenedWithAReferenceIsLocked)
 {
     auto info = aspect();
     QDialog* form = info->GetAlgoDialog();
@@ -259,12 +260,7 @@ TEST_F(AlgoInfoForm, OkRefusesAnEmptyRequiredValueAndCancelPutsBackWhatTheFormOp
         EXPECT_EQ(info->GetAlgoDialog()->exec(), QDialog::Rejected); // the same form again
         EXPECT_EQ(info->GetAlgoParams(), accepted);
     }
-}
 
-TEST_F(AlgoInfoForm, VarReferenceIsReadOnlyUntilUnlinked)
-{
-    auto info = aspect();
-    QDialog* form = info->GetAlgoDialog();
     info->SetAlgoParams("{\"Band\":\"" + kRef + "\"}");
     auto* linked = row(form, "Band")->findChild<QLineEdit*>("edit");
     EXPECT_TRUE(linked->isReadOnly());

@@ -501,8 +501,8 @@ protected:
 };
 
 // New ToolSet refuses an empty name and makes a deletable folder; New Model refuses
-// empty and taken names, then writes the model without opening it.
-TEST_F(ToolBoxActions, NewToolSetAndNewModelRefuseBadNamesAndMakeTheirItems)
+// empty and taken names, then writes the model without opening it; Edit renames.
+TEST_F(ToolBoxActions, NewToolSetNewModelAndEditRefuseBadNamesAndMakeOrRenameTheirItems)
 {
     GuiDriver::OnNextModal([&](QWidget* dialog) {
         EXPECT_EQ(dialog->windowTitle(), "ToolSet");
@@ -536,13 +536,8 @@ TEST_F(ToolBoxActions, NewToolSetAndNewModelRefuseBadNamesAndMakeTheirItems)
     EXPECT_FALSE(manager->FindWindow(root.path() + "/bin/../Model/apc/Fresh.apc"));
     manager->OnUpdateState();
     EXPECT_EQ(Entries("Fresh"), QStringList({"Remove", "Edit", "Export"}));
-    const QString text = Shutdown();
-    EXPECT_TRUE(text.contains(R"(<Folder name="Sub" canDelete="1"/>)"));
-    EXPECT_TRUE(text.contains(R"(<APC name="Fresh" file="Model/apc/Fresh.apc" description="made here"/>)"));
-}
 
-TEST_F(ToolBoxActions, EditRenamesTheFileOrRefusesATakenName)
-{
+    // Edit renames the file, or refuses a taken name.
     GuiDriver::OnNextModal([&](QWidget* dialog) {
         EXPECT_EQ(dialog->findChild<QLineEdit*>("nameEdit")->text(), "First");
         EXPECT_EQ(dialog->findChild<QLineEdit*>("descriptionEdit")->text(), "one");
@@ -556,12 +551,14 @@ TEST_F(ToolBoxActions, EditRenamesTheFileOrRefusesATakenName)
     EXPECT_FALSE(QFileInfo::exists(apc("first")));
     EXPECT_EQ(ReadAll(apc("Renamed")), kWide);
     EXPECT_EQ(ReadAll(apc("locked")), kSmall);
-    EXPECT_EQ(Children("Mine"), QStringList({"Second", "Locked", "Renamed"}));
+    EXPECT_EQ(Children("Mine"), QStringList({"Second", "Locked", "Sub", "Fresh", "Renamed"}));
 
     GuiDriver::OnNextModal([&](QWidget* dialog) { GuiDriver::Click(dialog, "Cancel"); });
     Menu("Second", {"Edit"});
-    EXPECT_EQ(Children("Mine"), QStringList({"Second", "Locked", "Renamed"}));
+    EXPECT_EQ(Children("Mine"), QStringList({"Second", "Locked", "Sub", "Fresh", "Renamed"}));
     const QString text = Shutdown(); // in the order of the tree
+    EXPECT_TRUE(text.contains(R"(<Folder name="Sub" canDelete="1"/>)"));
+    EXPECT_TRUE(text.contains(R"(<APC name="Fresh" file="Model/apc/Fresh.apc" description="made here"/>)"));
     EXPECT_TRUE(text.contains(R"(<APC name="Renamed" file="Model/apc/Renamed.apc" description="one"/>)"));
     EXPECT_LT(text.indexOf(R"("Second")"), text.indexOf("Renamed"));
 }
@@ -596,7 +593,7 @@ TEST_F(ToolBoxActions, ImportCopiesUnderAFreeName)
     }
 }
 
-TEST_F(ToolBoxActions, DoubleClickOpensOneWindowAtOneToOneAndTheMenusLockWhileAnyIsOpen)
+TEST_F(ToolBoxActions, DoubleClickOpensOneWindowAtOneToOneTheMenusLockWhileAnyIsOpenAndNoDragFromEmptySpace)
 {
     const QStringList unlocked = {"Remove", "Edit", "Export"}, unlockedFolder = {"New", "Delete", "Import Model"};
     const int before = manager->WindowCount();
@@ -631,12 +628,9 @@ TEST_F(ToolBoxActions, DoubleClickOpensOneWindowAtOneToOneAndTheMenusLockWhileAn
     ASSERT_TRUE(TestSupport::WaitUntil([&] { return manager->WindowCount() == before; })); // the timer's tick
     EXPECT_EQ(Entries("Second"), unlocked);
     EXPECT_EQ(Entries("Mine"), unlockedFolder);
-}
 
-// Pressing on empty space and moving starts no drag; a changed tree on a full
-// disk keeps the old file whole.
-TEST_F(ToolBoxActions, NoDragFromEmptySpaceAndNoHalfFileOnAFullDisk)
-{
+    // Pressing on empty space and moving starts no drag; a changed tree on a full
+    // disk keeps the old file whole.
     tree()->setCurrentItem(tree()->topLevelItem(0));
     QWidget* viewport = tree()->viewport();
     const QPoint empty(viewport->width() / 2, viewport->height() - 5); // below the last row
