@@ -560,7 +560,6 @@ TEST_F(Clipboard, OnlyCopiedObjectsOfKnownKindsArePasted)
 class History : public Tools
 {
 public:
-    QPoint at(const QString& id) { return mouse.At(id); }
     // A key pressed in the window, which a dialog may have left inactive.
     void key(int key, Qt::KeyboardModifiers modifiers = Qt::ControlModifier)
     {
@@ -587,10 +586,10 @@ TEST_F(History, EveryKindOfEditIsOneStepThatUndoesAndRedoesWhole)
         QString step; // the history's name for it
     };
     const std::vector<Case> cases = {
-        {"move", [](History& t) { t.mouse.Drag(t.at("{out}"), t.at("{out}") + QPoint(40, 20)); }, "Move"},
+        {"move", [](History& t) { t.mouse.Drag(t.mouse.At("{out}"), t.mouse.At("{out}") + QPoint(40, 20)); }, "Move"},
         {"resize",
          [](History& t) {
-             t.mouse.Click(t.at("{step}"));
+             t.mouse.Click(t.mouse.At("{step}"));
              auto* step = dynamic_cast<QGraphicsItem*>(t.window->FindItemBaseById("{step}"));
              const QPoint grip = t.mouse.At(step->mapToScene(QPointF(40.5, 20.5)));
              t.mouse.Move(grip);
@@ -599,7 +598,7 @@ TEST_F(History, EveryKindOfEditIsOneStepThatUndoesAndRedoesWhole)
          "Resize"},
         {"delete with its arrow, by key",
          [](History& t) {
-             t.mouse.Click(t.at("{step}"));
+             t.mouse.Click(t.mouse.At("{step}"));
              t.key(Qt::Key_Delete, Qt::NoModifier);
          },
          "Delete 1 object"},
@@ -607,7 +606,7 @@ TEST_F(History, EveryKindOfEditIsOneStepThatUndoesAndRedoesWhole)
          [](History& t) {
              t.use("Connect");
              OnNextModal([](QWidget* d) { qobject_cast<QDialog*>(d)->accept(); });
-             t.mouse.Drag(t.at("{other}"), t.at("{step}"));
+             t.mouse.Drag(t.mouse.At("{other}"), t.mouse.At("{step}"));
              t.key(Qt::Key_Escape, Qt::NoModifier);
          },
          "Connect"},
@@ -623,7 +622,7 @@ TEST_F(History, EveryKindOfEditIsOneStepThatUndoesAndRedoesWhole)
                  GuiDriver::Retype(GuiDriver::Child<QLineEdit>(d, "descriptionEdit"), "Renamed");
                  GuiDriver::Click(d, "okButton");
              });
-             t.mouse.DoubleClick(t.at("{out}"));
+             t.mouse.DoubleClick(t.mouse.At("{out}"));
          },
          "Change Result"},
         {"paste",
@@ -641,7 +640,7 @@ TEST_F(History, EveryKindOfEditIsOneStepThatUndoesAndRedoesWhole)
          "Add Convert raster"},
         {"cut, by key",
          [](History& t) {
-             t.mouse.Click(t.at("{other}"));
+             t.mouse.Click(t.mouse.At("{other}"));
              t.key(Qt::Key_X);
              const QString copied = QApplication::clipboard()->text(); // for a paste elsewhere
              EXPECT_TRUE(copied.startsWith("ModelBuilder$$") && copied.contains("\"{other}\"")) << qPrintable(copied);
@@ -679,7 +678,7 @@ TEST_F(History, EachDragStepIsWrittenBackAndTheModifiedFlagFollowsTheHistoryThro
     int changes = 0;
     boost::signals2::scoped_connection counting = model()->varChanged.connect([&](APCVar*) { ++changes; });
     EXPECT_FALSE(window->IsModified());
-    const QPoint from = at("{in}");
+    const QPoint from = mouse.At("{in}");
     mouse.Move(from);
     mouse.Press(from);
     for (int i = 1; i <= 4; ++i)
@@ -697,7 +696,7 @@ TEST_F(History, EachDragStepIsWrittenBackAndTheModifiedFlagFollowsTheHistoryThro
     EXPECT_EQ(file.FindVar("{in}")->GetPos(), QPointF(30, -135));
     const QByteArray onDisk = TestSupport::ReadAll(dir.filePath("m.apc"));
 
-    mouse.Drag(at("{other}"), at("{other}") + QPoint(0, 30));
+    mouse.Drag(mouse.At("{other}"), mouse.At("{other}") + QPoint(0, 30));
     EXPECT_TRUE(window->IsModified());
     key(Qt::Key_Z); // back to what was saved
     EXPECT_FALSE(window->IsModified());
@@ -708,7 +707,7 @@ TEST_F(History, EachDragStepIsWrittenBackAndTheModifiedFlagFollowsTheHistoryThro
     EXPECT_FALSE(window->IsModified());
 
     // A click that moves nothing is no step.
-    mouse.Drag(at("{out}"), at("{out}"));
+    mouse.Drag(mouse.At("{out}"), mouse.At("{out}"));
     EXPECT_EQ(window->GetHistory()->index(), 1);
 
     // Escape drops the current tool back to Select; Ctrl+A selects every item.

@@ -180,8 +180,7 @@ QStringList values(APCModel& model, APCProcess* process, bool outputsOnly = fals
 // as the double click does.
 int runAndApply(APCObjectDialog& dialog, const std::function<void()>& user)
 {
-    OnNextModal([&](QWidget*) { user(); });
-    const int result = dialog.exec();
+    const int result = runModal(dialog, [&](QDialog*) { user(); });
     if (result == QDialog::Accepted)
         dialog.Apply();
     return result;
