@@ -1,7 +1,6 @@
 #include "host/GdalTestData.h"
 
 #include <QFile>
-#include <QFileInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -48,35 +47,6 @@ struct ZoneFigures
 };
 
 } // namespace
-
-// Each pixel gets the value of the first range it falls in, as gdal_calc.py computes it
-// with nested where(); input no-data stays no-data.
-TEST_F(AnalysisAlgorithms, ReclassifyMatchesGdalCalc)
-{
-    struct Case { const char* name; QJsonObject params; QStringList calc; QString compression; };
-    const std::vector<Case> cases = {
-        {"bytes with a default, compressed",
-         {{"Table", "0,10,1; 10,25.5,2;25.5,40,3"}, {"Default", "9"}, {"NoData", "255"}, {"Data Type", "Byte"}, {"Creation options", "COMPRESS=DEFLATE"}},
-         {"--calc=where((A>=0)*(A<10),1,where((A>=10)*(A<25.5),2,where((A>=25.5)*(A<40),3,9)))", "--type=Byte", "--NoDataValue=255"},
-         "DEFLATE"},
-        {"floats, no range is no-data, the first range wins",
-         {{"Table", "5,20,0.5;0,30,-2.25"}, {"NoData", "-1"}},
-         {"--calc=where((A>=5)*(A<20),0.5,where((A>=0)*(A<30),-2.25,-1))", "--type=Float32", "--NoDataValue=-1"}, ""},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        QJsonObject params = c.params;
-        const QString out = Path("classes.tif"), ref = Path("ref.tif");
-        QFile::remove(ref);
-        params["In File"] = raster;
-        params["Out File"] = out;
-        const RunResult r = RunAlgorithm("raster.reclassify", params);
-        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
-        ASSERT_EQ(RunProgram("/usr/bin/python3", QStringList{"/usr/bin/gdal_calc.py", "--quiet", "-A", raster, "--outfile=" + ref} + c.calc), 0);
-        ExpectSameAsReference(out, ref, Same::Pixels);
-        EXPECT_EQ(ReadRasterInfo(out).compression, c.compression);
-    }
-}
 
 // The figures of each zone are those of the pixels gdal_rasterize burns for it.
 TEST_F(AnalysisAlgorithms, ZonalStatisticsCountThePixelsGdalRasterizeBurns)
@@ -167,13 +137,4 @@ TEST_F(AnalysisAlgorithms, IntersectionMatchesOgr2ogrSqlite)
         ExpectSameAsReference(out, ref, Same::Features);
         EXPECT_EQ(ReadVector(out).features.size(), c.features);
     }
-}
-
-// Statistics asked of the information step land in its report, never beside the input.
-TEST_F(AnalysisAlgorithms, InformationWithStatisticsWritesOnlyItsReport)
-{
-    const RunResult r = RunAlgorithm("raster.info", {{"In File", raster}, {"Out File", Path("info.json")}, {"Additional options", "-stats"}});
-    ASSERT_EQ(r.ok, 1) << r.message.toStdString();
-    EXPECT_TRUE(TestSupport::ReadAll(Path("info.json")).contains("STATISTICS_MEAN"));
-    EXPECT_FALSE(QFileInfo::exists(raster + ".aux.xml"));
 }

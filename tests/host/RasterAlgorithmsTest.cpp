@@ -81,31 +81,6 @@ TEST_F(RasterAlgorithms, TranslateAndClipKeepBandsTypeAndWindow)
     }
 }
 
-TEST_F(RasterAlgorithms, MosaicJoinsNeighboursAndLaterInputsWin)
-{
-    const auto tile = [this](const char* name, double originX, double value) {
-        Grid g(5, 2);
-        g.originX = originX;
-        return Make(name, g, [value](int, int, int) { return value; });
-    };
-    const QString a = tile("a.tif", 500000, 1), b = tile("b.tif", 500050, 2), c = tile("c.tif", 500030, 3);
-    struct Case { const char* name; QString inputs; std::vector<double> row; };
-    const std::vector<Case> cases = {
-        {"adjacent", a + ";" + b, {1, 1, 1, 1, 1, 2, 2, 2, 2, 2}},
-        {"overlap, blanks in list", a + " ; " + b + ";;" + c, {1, 1, 1, 3, 3, 3, 3, 3, 2, 2}},
-    };
-    for (const Case& k : cases) {
-        SCOPED_TRACE(k.name);
-        const QString out = Path("mosaic.tif");
-        const RunResult r = RunAlgorithm("raster.mosaic", {{"In Files", k.inputs}, {"Out File", out}});
-        ASSERT_EQ(r.ok, 1) << r.message.toStdString();
-        const std::vector<double> v = ReadBand(out, 1);
-        ASSERT_EQ(v.size(), 20u);
-        EXPECT_EQ(std::vector<double>(v.begin(), v.begin() + 10), k.row);
-        EXPECT_EQ(ReadRasterInfo(out).geoTransform[0], 500000.0);
-    }
-}
-
 // Creation options reach the format whether a utility or a created file writes the
 // raster, or a copy out of memory does (a cloud-optimised GeoTIFF).
 TEST_F(RasterAlgorithms, CreationOptionsReachTheRasterOutput)
@@ -139,6 +114,10 @@ TEST_F(RasterAlgorithms, GdalProgramsGiveTheSameContent)
     right.originX += 300;
     const QString west = Make("west.tif", left, hills);
     const QString east = Make("east.tif", right, [&](int b, int x, int y) { return hills(b, x + 30, y); });
+    // Over the seam, where the later tile of a mosaic wins.
+    Grid seam(20, 50);
+    seam.originX += 200;
+    const QString middle = Make("middle.tif", seam, [](int, int x, int) { return 7 + x; });
     const QString image = Make("image.tif", Grid(60, 50, 3, "Byte"),
                                [](int b, int x, int y) { return x < 4 || y > 45 ? 3 + b : 60 + x + y; });
     // Without a spatial reference: how GDAL words one depends on what the process did before.
@@ -186,6 +165,8 @@ TEST_F(RasterAlgorithms, GdalProgramsGiveTheSameContent)
         {"raster.resample", {{"Resolution", "25"}, {"Resampling", "average"}}, "coarse.tif", "gdalwarp",
          {"-tr", "25", "25", "-r", "average", dem, "%ref"}, Same::Bytes},
         {"raster.buildVrt", {{"In Files", west + ";" + east}}, "both.vrt", "gdalbuildvrt", {"-resolution", "average", "%ref", west, east}, Same::Pixels},
+        {"raster.mosaic", {{"In Files", west + " ; " + middle + ";;" + east}}, "mosaic.tif", py,
+         {"/usr/bin/gdal_merge.py", "-q", "-o", "%ref", west, middle, east}, Same::Pixels},
         {"raster.nearblack", {{"Color", "white"}, {"Additional options", "-setalpha"}}, "alpha.tif", "nearblack",
          {"-white", "-near", "15", "-setalpha", "-o", "%ref", image}, Same::Bytes},
         {"raster.info", {}, "info.json", "gdalinfo", {"-json", plain}, Same::Bytes},
@@ -237,35 +218,43 @@ TEST_F(RasterAlgorithms, GdalProgramsGiveTheSameContent)
     EXPECT_EQ(ReadBand(dem, 1), ReadBand(copy, 1));
 }
 
-// The calculator gives what gdal_calc.py gives for the same expression, bands, type
-// and no-data; and an expression that does not read is refused naming the letters.
-TEST_F(RasterAlgorithms, CalculatorMatchesGdalCalc)
+// The calculator and the reclassification give what gdal_calc.py gives for the same
+// expression (nested where() for the ranges, the first one that holds winning),
+// bands, type and no-data; and an expression that does not read is refused naming
+// the letters.
+TEST_F(RasterAlgorithms, CalculatorAndReclassifyMatchGdalCalc)
 {
     Grid g(70, 40, 2, "Float64");
     g.hasNoData = true;
     g.noData = -1;
     const QString a = Make("a.tif", g, [](int b, int x, int y) { return x == 3 && y == 5 ? -1 : 50 + b * x + 0.37 * y; });
     const QString b = Make("b.tif", g, [](int b, int x, int y) { return y == 7 ? -1 : 20 + 3.1 * b + 0.5 * std::sin(x * y); });
-    struct Case { const char* name; QJsonObject params; QStringList calc; };
+    struct Case { const char* name; const char* algorithm; QJsonObject params; QStringList calc; };
     const std::vector<Case> cases = {
-        {"a normalised difference with no-data", {{"In Files", a + ";" + b}, {"Expression", "(A - B) / (A + B)"}, {"Data Type", "Float64"}, {"NoData", "-9999"}},
+        {"a normalised difference with no-data", "raster.calculator", {{"In Files", a + ";" + b}, {"Expression", "(A - B) / (A + B)"}, {"Data Type", "Float64"}, {"NoData", "-9999"}},
          {"-A", a, "-B", b, "--calc=(A-B)/(A+B)", "--type=Float64", "--NoDataValue=-9999"}},
-        {"chosen bands into bytes", {{"In Files", a + ";" + b}, {"Bands", "2,1"}, {"Expression", "A > 100 && B < 23.5 ? 7 : 1"}, {"Data Type", "Byte"}, {"NoData", "0"}},
+        {"chosen bands into bytes", "raster.calculator", {{"In Files", a + ";" + b}, {"Bands", "2,1"}, {"Expression", "A > 100 && B < 23.5 ? 7 : 1"}, {"Data Type", "Byte"}, {"NoData", "0"}},
          {"-A", a, "--A_band=2", "-B", b, "--B_band=1", "--calc=where((A>100)*(B<23.5),7,1)", "--type=Byte", "--NoDataValue=0"}},
-        {"functions of one input", {{"In Files", b}, {"Expression", "sqrt(abs(A)) + abs(A - 21)"}, {"Data Type", "Float64"}, {"NoData", "-5"}},
+        {"functions of one input", "raster.calculator", {{"In Files", b}, {"Expression", "sqrt(abs(A)) + abs(A - 21)"}, {"Data Type", "Float64"}, {"NoData", "-5"}},
          {"-A", b, "--calc=sqrt(abs(A))+abs(A-21)", "--type=Float64", "--NoDataValue=-5"}},
+        {"floats, no range is no-data, the first range wins", "raster.reclassify", {{"In File", a}, {"Table", "70,100,0.5;50,130,-2.25"}, {"NoData", "-1"}},
+         {"-A", a, "--calc=where((A>=70)*(A<100),0.5,where((A>=50)*(A<130),-2.25,-1))", "--type=Float32", "--NoDataValue=-1"}},
+        {"bytes with a default, compressed", "raster.reclassify", {{"In File", a}, {"Table", "0,60,1; 60,95.5,2;95.5,120,3"}, {"Default", "9"},
+                                                                  {"NoData", "255"}, {"Data Type", "Byte"}, {"Creation options", "COMPRESS=DEFLATE"}},
+         {"-A", a, "--calc=where((A>=0)*(A<60),1,where((A>=60)*(A<95.5),2,where((A>=95.5)*(A<120),3,9)))", "--type=Byte", "--NoDataValue=255"}},
     };
+    const QString out = Path("calc.tif"), ref = Path("ref.tif");
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         QJsonObject params = c.params;
-        const QString out = Path("calc.tif"), ref = Path("ref.tif");
         QFile::remove(ref);
         params["Out File"] = out;
-        const RunResult r = RunAlgorithm("raster.calculator", params);
+        const RunResult r = RunAlgorithm(c.algorithm, params);
         ASSERT_EQ(r.ok, 1) << r.message.toStdString();
         ASSERT_EQ(RunProgram("/usr/bin/python3", QStringList{"/usr/bin/gdal_calc.py", "--quiet", "--outfile=" + ref} + c.calc), 0);
         ExpectSameAsReference(out, ref, Same::Pixels);
     }
+    EXPECT_EQ(ReadRasterInfo(out).compression, "DEFLATE"); // as the last case asked
     const RunResult bad = RunAlgorithm("raster.calculator", {{"In Files", a + ";" + b}, {"Expression", "A + C"}, {"Out File", Path("bad.tif")}});
     EXPECT_EQ(bad.code, 20);
     EXPECT_TRUE(bad.message.contains("Expression 'A + C': Unexpected token \"C\"") && bad.message.contains("the inputs are A to B"))
@@ -328,6 +317,9 @@ TEST_F(RasterAlgorithms, BandStatisticsAreExactAndLeaveTheInputAlone)
         ASSERT_EQ(r.ok, 1) << r.message.toStdString();
         EXPECT_EQ(QString::fromUtf8(TestSupport::ReadAll(out)), c.expected);
     }
+    // Statistics asked of the information step land in its report, not beside the input either.
+    ASSERT_EQ(RunAlgorithm("raster.info", {{"In File", in}, {"Out File", Path("info.json")}, {"Additional options", "-stats"}}).ok, 1);
+    EXPECT_TRUE(TestSupport::ReadAll(Path("info.json")).contains("STATISTICS_MEAN"));
     EXPECT_FALSE(QFileInfo::exists(in + ".aux.xml"));
 }
 
