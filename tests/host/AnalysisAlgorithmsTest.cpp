@@ -69,19 +69,23 @@ TEST_F(AnalysisAlgorithms, ZonalStatisticsCountThePixelsGdalRasterizeBurns)
     }
     ASSERT_EQ(expected.size(), 3u); // zone 4 lies off the raster
 
-    struct Case { const char* out; const char* prefix; const char* layerOptions; bool geometry; };
+    // Zones in another spatial reference are brought onto the raster's grid.
+    const QString geographic = Path("zones-wgs84.gpkg");
+    ASSERT_EQ(RunProgram("ogr2ogr", {"-t_srs", "EPSG:4326", geographic, zones}), 0);
+    struct Case { const char* out; const char* prefix; const char* layerOptions; bool geometry; QString zones; };
     const std::vector<Case> cases = {
-        {"figures.csv", "", "SEPARATOR=SEMICOLON", false},
-        {"zones.gpkg", "dem_", "", true},
+        {"figures.csv", "", "SEPARATOR=SEMICOLON", false, zones},
+        {"zones.gpkg", "dem_", "", true, zones},
+        {"geographic.gpkg", "", "", true, geographic},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.out);
-        const RunResult r = RunAlgorithm("raster.zonalStatistics", {{"In File", raster}, {"Zones File", zones}, {"Out File", Path(c.out)},
+        const RunResult r = RunAlgorithm("raster.zonalStatistics", {{"In File", raster}, {"Zones File", c.zones}, {"Out File", Path(c.out)},
                                                                      {"Prefix", c.prefix}, {"Layer creation options", c.layerOptions}});
         ASSERT_EQ(r.ok, 1) << r.message.toStdString();
         EXPECT_EQ(r.progress.back(), 100.0);
         const VectorInfo info = ReadVector(Path(c.out));
-        const VectorInfo input = ReadVector(zones);
+        const VectorInfo input = ReadVector(c.zones);
         ASSERT_EQ(info.features.size(), 4u);
         const QString p = QString::fromLatin1(c.prefix);
         for (size_t i = 0; i < info.features.size(); ++i) {
