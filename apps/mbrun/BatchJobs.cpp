@@ -133,10 +133,13 @@ int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int(
         Console::Out(log);
         Plugin::APCLog::AddSummaryCounts(log, &succeeded, &failed);
         const QString said = QString::fromUtf8(run.err);
-        if ((run.code == Refused || run.code < 0) && !said.isEmpty())
+        // Without its report the child's own words are all there is to say why.
+        const bool reported = run.code >= 0 && QFile::exists(child.report);
+        if ((run.code == Refused || !reported) && !said.isEmpty())
             Say({said});
-        if (run.code < 0 || !QFile::exists(child.report)) {
-            Say({QStringLiteral("mbrun: the run of round %1 ended without a report (%2)\n").arg(round).arg(run.failure)});
+        if (!reported) {
+            const QString why = run.failure.isEmpty() ? QStringLiteral("it exited with code %1").arg(run.code) : run.failure;
+            Say({QStringLiteral("mbrun: the run of round %1 ended without a report (%2)\n").arg(round).arg(why)});
             refused = true;
         } else {
             ended.emplace(round, std::make_pair(child.last, child.report));
