@@ -180,6 +180,9 @@ void serve(int socket, const sigset_t& childMask, int& argc, char**& argv)
             ::prctl(PR_SET_PDEATHSIG, SIGTERM);
             if (::getppid() != server)
                 ::raise(SIGTERM);
+            // Once the run is gone no one reads the child's output: a write to it
+            // then fails instead of ending the child before it has cleaned up.
+            ::signal(SIGPIPE, SIG_IGN);
             ::close(socket);
             ::close(reaped);
             ::dup2(pipes[0], 1);

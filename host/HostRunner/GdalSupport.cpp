@@ -153,6 +153,18 @@ LiveStaging& liveStaging()
     return live;
 }
 
+// False once the run was stopped: a step that prepares its output only then would
+// leave its staging folder behind the process.
+bool holdStaging(const QString& folder)
+{
+    LiveStaging& live = liveStaging();
+    const std::lock_guard<std::mutex> lock(live.mutex);
+    if (live.discarded)
+        return false;
+    live.folders.insert(folder);
+    return true;
+}
+
 bool processIsGone(qint64 pid)
 {
     return pid > 0 && pid != qint64(::getpid()) && ::kill(pid_t(pid), 0) != 0 && errno == ESRCH;
@@ -384,9 +396,6 @@ OutputFile::OutputFile(const QString& path, const QString& target, const QString
     : m_path(path), m_target(target), m_driver(driver), m_staging(std::move(staging))
 {
     m_writePath = QDir(m_staging->path()).filePath(QFileInfo(target).fileName());
-    LiveStaging& live = liveStaging();
-    const std::lock_guard<std::mutex> lock(live.mutex);
-    live.folders.insert(m_staging->path());
 }
 
 OutputFile::~OutputFile()
@@ -769,6 +778,10 @@ const OutputFile* GdalJob::PrepareOutput(const QString& name, OutputKind kind)
         Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: cannot create a file in folder %2: %3")
                                      .arg(text, folder, staging->errorString()));
         return nullptr;
+    }
+    if (!holdStaging(staging->path())) {
+        Fail(kCannotWriteOutput, QStringLiteral("Cannot write %1: the run was stopped").arg(text));
+        return nullptr; // the staging folder goes with its QTemporaryDir
     }
     m_outputs.push_back(std::make_unique<OutputFile>(text, target, driver, std::move(staging)));
     return m_outputs.back().get();

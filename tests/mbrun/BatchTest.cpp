@@ -84,20 +84,33 @@ std::string stepsWithStatus(const QJsonObject& report, const QString& status)
     return steps.join(QLatin1Char(' ')).toStdString();
 }
 
-// The processes a process started, read from /proc.
+// What /proc says of a process after its name: state, parent, ...; nothing once it is gone.
+QList<QByteArray> procStat(const QString& pid)
+{
+    QFile stat("/proc/" + pid + "/stat");
+    if (!stat.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray text = stat.readAll(); // pid (name) state ppid ...
+    return text.mid(text.lastIndexOf(')') + 2).split(' ');
+}
+
+// The processes a process started.
 QList<pid_t> childrenOf(pid_t parent)
 {
     QList<pid_t> children;
     for (const QString& entry : QDir("/proc").entryList(QDir::Dirs)) {
-        QFile stat("/proc/" + entry + "/stat");
-        if (!stat.open(QIODevice::ReadOnly))
-            continue;
-        const QByteArray text = stat.readAll(); // pid (name) state ppid ...
-        const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
+        const QList<QByteArray> fields = procStat(entry);
         if (fields.size() > 1 && fields[1].toInt() == parent)
             children << pid_t(entry.toInt());
     }
     return children;
+}
+
+// Gone, or a zombie that no one reaps once its parent is gone.
+bool ended(pid_t pid)
+{
+    const QList<QByteArray> fields = procStat(QString::number(pid));
+    return fields.isEmpty() || fields[0] == "Z";
 }
 
 } // namespace
@@ -663,12 +676,14 @@ TEST(MbrunBatch, OneRoundRunsTheStepsOutsideTheIteratorOnlyWhereTheirOutputsAreM
 // costs only its rounds. Nothing of the batch runs on once mbrun has ended.
 TEST(MbrunBatch, AProcessOfRoundsStoppedOrKilledCostsOnlyItsRounds)
 {
-    struct Case { const char* name; int signal; int code; const char* said; bool firstRoundsWritten; };
     // mbrun forks a server of processes, which forks the processes of rounds 1-2 and 3-4.
+    enum Victim { Run, Server, LaterRounds };
+    struct Case { const char* name; Victim victim; int signal; int code; const char* said; bool firstRoundsWritten; };
     const std::vector<Case> cases = {
-        {"mbrun interrupted", SIGINT, 130, "mbrun: SIGINT stopped the run; steps finished: ", false},
-        {"the process of rounds 3-4", SIGKILL, 2, "mbrun: the run of round 3 ended without a report (it was ended by signal 9)", true},
-        {"the server", SIGKILL, 2, "mbrun: the run of round 1 ended without a report (the process that starts the rounds ended)", false},
+        {"mbrun interrupted", Run, SIGINT, 130, "mbrun: SIGINT stopped the run; steps finished: ", false},
+        {"mbrun killed", Run, SIGKILL, -1, "", false}, // its rounds stop and clean up with no one to tell
+        {"the process of rounds 3-4", LaterRounds, SIGKILL, 2, "mbrun: the run of round 3 ended without a report (it was ended by signal 9)", true},
+        {"the server", Server, SIGKILL, 2, "mbrun: the run of round 1 ended without a report (the process that starts the rounds ended)", false},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -683,17 +698,22 @@ TEST(MbrunBatch, AProcessOfRoundsStoppedOrKilledCostsOnlyItsRounds)
         QList<pid_t> rounds = childrenOf(servers[0]);
         ASSERT_EQ(rounds.size(), 2) << "the rounds ended before one could be stopped";
         std::sort(rounds.begin(), rounds.end());
-        const pid_t victim = c.signal == SIGINT ? pid_t(p.processId()) : c.firstRoundsWritten ? rounds[1] : servers[0];
+        const pid_t victim = c.victim == Run ? pid_t(p.processId()) : c.victim == LaterRounds ? rounds[1] : servers[0];
         ASSERT_EQ(::kill(victim, c.signal), 0);
         ASSERT_TRUE(p.waitForFinished(60000));
         const QString out = QString::fromUtf8(p.readAllStandardOutput());
         const QString err = QString::fromUtf8(p.readAllStandardError());
-        EXPECT_EQ(p.exitCode(), c.code) << qPrintable(err);
+        EXPECT_EQ(p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, c.code) << qPrintable(err);
         EXPECT_TRUE(err.contains(c.said)) << qPrintable(err);
+        // The rounds' processes end with the run, even one with no run left to tell.
+        ASSERT_TRUE(WaitUntil([&] { return std::all_of(rounds.begin(), rounds.end(), ended); }, 30000));
         // An orphaned or unstopped round would still write its output.
         const QMap<QString, qint64> after = FileTimes(batch.out);
         QThread::msleep(1500);
         EXPECT_EQ(FileTimes(batch.out), after);
+        if (c.victim != LaterRounds) { // a round killed outright cannot take its unfinished files away
+            EXPECT_EQ(hiddenIn(batch.out).join(" "), "");
+        }
         EXPECT_EQ(QFile::exists(batch.Ndvi(1)), c.firstRoundsWritten);
         EXPECT_FALSE(QFile::exists(batch.Ndvi(4)));
         if (c.signal == SIGINT) {
