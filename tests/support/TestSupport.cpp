@@ -1,6 +1,7 @@
 #include "support/TestSupport.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
@@ -63,6 +64,9 @@ FileSizeLimit::FileSizeLimit(qint64 bytes)
     m_soft = limit.rlim_cur;
     limit.rlim_cur = rlim_t(bytes);
     setrlimit(RLIMIT_FSIZE, &limit);
+    m_hadGcovPrefix = qEnvironmentVariableIsSet("GCOV_PREFIX");
+    m_gcovPrefix = qgetenv("GCOV_PREFIX");
+    qputenv("GCOV_PREFIX", QDir::temp().filePath(QStringLiteral("mb-full-disk-coverage")).toLocal8Bit());
 }
 
 FileSizeLimit::~FileSizeLimit()
@@ -72,6 +76,10 @@ FileSizeLimit::~FileSizeLimit()
     limit.rlim_cur = rlim_t(m_soft);
     setrlimit(RLIMIT_FSIZE, &limit);
     std::signal(SIGXFSZ, m_handler);
+    if (m_hadGcovPrefix)
+        qputenv("GCOV_PREFIX", m_gcovPrefix);
+    else
+        qunsetenv("GCOV_PREFIX");
 }
 
 } // namespace TestSupport

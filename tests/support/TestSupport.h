@@ -27,7 +27,9 @@ Outcome Mbrun(const QStringList& args);
 
 // A full disk without root: while one is alive no file of this process, nor of a
 // program it starts meanwhile, grows past bytes; such a write fails (EFBIG)
-// instead of killing the process. Ended, the limit and the signal are as before.
+// instead of killing the process. Those programs keep their coverage counts apart
+// (GCOV_PREFIX), which would otherwise be cut short for every later run.
+// Ended, the limit, the signal and the environment are as before.
 class FileSizeLimit
 {
 public:
@@ -39,6 +41,8 @@ public:
 private:
     unsigned long long m_soft = 0;
     void (*m_handler)(int) = nullptr;
+    QByteArray m_gcovPrefix;
+    bool m_hadGcovPrefix = false;
 };
 
 } // namespace TestSupport
