@@ -450,7 +450,7 @@ bool OutputFile::Commit(QString* error)
 }
 
 // ---------------------------------------------------------------------------------
-// GdalProgress
+// PassedBlocks
 
 PassedBlocks::PassedBlocks(GDALRasterBand& band, GDALDataset* dataset) : m_band(band), m_dataset(dataset)
 {
@@ -476,6 +476,9 @@ void PassedBlocks::At(int y)
     else
         m_band.FlushCache(false);
 }
+
+// ---------------------------------------------------------------------------------
+// GdalProgress
 
 GdalProgress::GdalProgress(GdalJob& job, const QString& text, double from, double to)
     : m_job(job), m_text(text), m_from(from), m_to(to)
