@@ -993,6 +993,18 @@ Open a model from the Tool Box to build and run it.</source>
         <source>Export the rounds as a Snakemake workflow</source>
         <translation>将各轮导出为 Snakemake 工作流</translation>
     </message>
+    <message>
+        <source>Recover changes</source>
+        <translation>恢复更改</translation>
+    </message>
+    <message>
+        <source>Changes to %1 made up to %2 never reached the file.
+
+Open the model with those changes? Undo takes them back; No throws them away.</source>
+        <translation>对 %1 所做的、截至 %2 的更改从未写入文件。
+
+要打开带有这些更改的模型吗?撤销可以收回这些更改;选择“否”则丢弃它们。</translation>
+    </message>
 </context>
 <context>
     <name>ModelScene</name>

@@ -15,7 +15,7 @@ bool SaveCommand::IsEnable() { return !m_controler->IsReadOnly() && m_controler-
 
 void SaveCommand::OnClick()
 {
-    m_controler->GetDocument()->SaveFile(m_controler->GetFilePath());
+    m_controler->SaveModel();
     m_controler->SetModified(false);
 }
 

@@ -12,6 +12,7 @@
 #include "editor/GraphicsItemBase.h"
 #include "editor/LogWidget.h"
 #include "editor/ModelCommandManager.h"
+#include "editor/ModelRecovery.h"
 #include "editor/PanTool.h"
 #include "editor/PasteCommand.h"
 #include "editor/PauseCommand.h"
@@ -45,6 +46,9 @@
 #include <QCoreApplication>
 #include <QAction>
 #include <QCloseEvent>
+#include <QDateTime>
+#include <QDir>
+#include <QLocale>
 #include <QDockWidget>
 #include <QGraphicsItem>
 #include <QMenu>
@@ -163,10 +167,51 @@ ModelControler::ModelControler(const QString& path, bool readOnly, QWidget* pare
     if (readOnly)
         m_scene->SetEditable(false);
     setWindowFlags(windowFlags());
+
+    if (!m_readOnly && !m_filePath.isEmpty()) {
+        m_recovery = std::make_unique<ModelRecovery>(m_document, m_filePath);
+        OfferRecovery();
+        connect(m_history, &QUndoStack::indexChanged, this, [this] { m_recovery->Changed(); });
+    }
+}
+
+void ModelControler::OfferRecovery()
+{
+    ModelSnapshot copy;
+    QDateTime written;
+    if (!m_recovery->LeftCopy(&copy, &written))
+        return;
+    QMessageBox box(QMessageBox::Question, QCoreApplication::translate("ModelControler", "Recover changes"),
+                    QCoreApplication::translate("ModelControler",
+                                                "Changes to %1 made up to %2 never reached the file.\n\n"
+                                                "Open the model with those changes? Undo takes them back; No throws them away.")
+                        .arg(QDir::toNativeSeparators(m_filePath), QLocale().toString(written, QLocale::ShortFormat)),
+                    QMessageBox::Yes | QMessageBox::No, this);
+    // Taking them up is the answer that loses nothing, and Undo reverses it.
+    box.setDefaultButton(QMessageBox::Yes);
+    box.setEscapeButton(QMessageBox::Yes);
+    if (box.exec() != QMessageBox::Yes) {
+        m_recovery->DropLeftCopy();
+        return;
+    }
+    BeginEdit(QCoreApplication::translate("ModelControler", "Recover changes"));
+    RestoreModel(copy);
+    EndEdit();
+    m_modified = true;
+}
+
+bool ModelControler::SaveModel()
+{
+    const bool saved = m_document->SaveFile(m_filePath);
+    if (saved && m_recovery)
+        m_recovery->MarkSaved();
+    return saved;
 }
 
 ModelControler::~ModelControler()
 {
+    // Its last word, while the document still stands.
+    m_recovery.reset();
     // The history clears itself as it goes and would tell the actions about it.
     m_history->disconnect();
     delete m_history;
@@ -496,6 +541,8 @@ void ModelControler::closeEvent(QCloseEvent* event)
             return;
         }
         m_control->Stop();
+        if (m_recovery)
+            m_recovery->Closed();
         event->accept();
         return;
     }
@@ -505,13 +552,18 @@ void ModelControler::closeEvent(QCloseEvent* event)
         const auto answer = QMessageBox::question(this, QCoreApplication::translate("ModelControler", "quit"), QCoreApplication::translate("ModelControler", "Save Edited Contents?"),
                                                   QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
         if (answer == QMessageBox::Yes) {
-            m_document->SaveFile(m_filePath);
+            SaveModel();
             m_modified = false;
-        } else if (answer != QMessageBox::No) {
+        } else if (answer == QMessageBox::No) {
+            if (m_recovery)
+                m_recovery->Discard();
+        } else {
             event->ignore();
             return;
         }
     }
+    if (m_recovery)
+        m_recovery->Closed();
     event->accept();
 }
 
@@ -539,6 +591,8 @@ void ModelControler::OnAPCObjectChanged(APCObject* pObject, enAPCOperator opt)
         break;
     }
     m_modified = true;
+    if (m_recovery)
+        m_recovery->Changed();
 }
 
 } // namespace Plugin

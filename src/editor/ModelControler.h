@@ -7,6 +7,7 @@
 
 #include <boost/signals2/connection.hpp>
 
+#include <memory>
 #include <mutex>
 #include <vector>
 #include <QHash>
@@ -25,6 +26,7 @@ namespace Plugin {
 class APCModel;
 class APCObject;
 class GraphicsItemBase;
+class ModelRecovery;
 class ModelScene;
 class ModelTool;
 class ModelView;
@@ -52,6 +54,8 @@ public:
     // Clearing the flag marks the history's present step as the saved one.
     void SetModified(bool modified);
     bool IsReadOnly() const { return m_readOnly; }
+    // Writes the model to its file; true when all of it is there.
+    bool SaveModel();
 
     // The window's history of edits. Everything a user action changes between
     // BeginEdit and the matching EndEdit is one step, named by text (or by the
@@ -101,6 +105,9 @@ protected:
     // Select All at the end of editMenu, and the keys that act through commands
     // whose actions keep no key of their own.
     void AddShortcuts(QMenu* editMenu);
+    // Asks whether to take up the changes an earlier window of this model left
+    // unsaved; taken up, they are one step of the history.
+    void OfferRecovery();
 
     bool m_modified = false;
     bool m_readOnly;
@@ -126,6 +133,7 @@ protected:
     QString m_editText;
     ModelSnapshot m_beforeEdit; // the model as the outermost BeginEdit found it
     ModelSnapshot m_current;    // the model as the last step left it
+    std::unique_ptr<ModelRecovery> m_recovery; // none in a read-only window
 };
 
 } // namespace Plugin

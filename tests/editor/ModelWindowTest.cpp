@@ -8,6 +8,7 @@
 #include "editor/GraphicsItemBase.h"
 #include "editor/ModelCommandManager.h"
 #include "editor/ModelControler.h"
+#include "editor/ModelRecovery.h"
 #include "editor/ModelScene.h"
 #include "editor/ModelTool.h"
 #include "editor/ModelView.h"
@@ -30,6 +31,7 @@
 #include <QFileDialog>
 #include <QImage>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
@@ -188,6 +190,61 @@ TEST_F(ModelWindow, MenusEnableRulesZoomsAndASaveOnAFullDiskFollowTheWindowAndTh
     EXPECT_FALSE(window.IsModified()); // saving stays silent, whatever it gave
     EXPECT_EQ(TestSupport::ReadAll(path()), onDisk);
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"m.apc"}); // no temporary left
+}
+
+TEST_F(ModelWindow, ChangesItsFileLacksOutliveTheWindowUntilSavedOrThrownAway)
+{
+    const QString copy = ModelRecovery::CopyPath(path());
+    const QByteArray onDisk = TestSupport::ReadAll(path());
+    const auto rename = [](ModelControler& window) {
+        window.BeginEdit("Rename");
+        window.GetDocument()->FindVar("{out}")->SetDescription("Renamed");
+        window.EndEdit();
+        ModelCommandManager::Instance()->OnUpdateState();
+    };
+    const auto renamed = [](ModelControler& window) { return window.GetDocument()->FindVar("{out}")->GetDescription() == "Renamed"; };
+    {
+        ModelControler window(path(), false);
+        rename(window);
+        ASSERT_TRUE(TestSupport::WaitUntil([&] { return QFile::exists(copy); }, 5000)); // with no save
+        // A save on a full disk still clears the flag, and the window closes without
+        // a question; the changes stay in the copy.
+        {
+            const TestSupport::FileSizeLimit full(onDisk.size() / 2);
+            Action(&window, "Save")->trigger();
+        }
+        EXPECT_FALSE(window.IsModified());
+        EXPECT_TRUE(window.close());
+    }
+    EXPECT_EQ(TestSupport::ReadAll(path()), onDisk);
+    {
+        OnNextModal([&](QWidget* w) {
+            auto* box = qobject_cast<QMessageBox*>(w);
+            ASSERT_NE(box, nullptr);
+            EXPECT_EQ(box->windowTitle(), "Recover changes");
+            EXPECT_TRUE(box->text().startsWith("Changes to " + path() + " made up to ")) << box->text().toStdString();
+            QTest::mouseClick(box->defaultButton(), Qt::LeftButton);
+        });
+        ModelControler window(path(), false);
+        EXPECT_TRUE(renamed(window));
+        EXPECT_TRUE(window.IsModified());
+        // Taking them up is one step of the history.
+        Action(&window, "Undo Recover changes")->trigger();
+        EXPECT_FALSE(renamed(window));
+        EXPECT_FALSE(window.IsModified());
+        Action(&window, "Redo Recover changes")->trigger();
+        GuiDriver::ExpectMessage("quit", "Save Edited Contents?", QMessageBox::No);
+        EXPECT_TRUE(window.close());
+    }
+    EXPECT_FALSE(QFile::exists(copy)); // thrown away with the window's changes
+
+    ModelControler window(path(), false); // nothing to offer
+    EXPECT_FALSE(renamed(window));
+    rename(window);
+    ASSERT_TRUE(TestSupport::WaitUntil([&] { return QFile::exists(copy); }, 5000));
+    Action(&window, "Save")->trigger();
+    EXPECT_FALSE(QFile::exists(copy)); // the file has it all now
+    EXPECT_NE(TestSupport::ReadAll(path()), onDisk);
 }
 
 TEST(RunDialog, RefusesAnEmptyTabByItsTitleTakesBlanksAndCancels)

@@ -10,6 +10,7 @@ using TestApplication = QApplication;
 #include <QCoreApplication>
 using TestApplication = QCoreApplication;
 #endif
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 #ifdef MB_TEST_SOFT_ASSERTS
@@ -33,6 +34,9 @@ class SoftAssertListener : public ::testing::EmptyTestEventListener
 int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", qgetenv("QT_QPA_PLATFORM").isEmpty() ? "offscreen" : qgetenv("QT_QPA_PLATFORM"));
+    // What the windows keep for the user (copies of unsaved models) stays with the run.
+    const QTemporaryDir userData;
+    qputenv("XDG_DATA_HOME", userData.path().toLocal8Bit());
     TestApplication app(argc, argv);
     HostRunner::RegisterTestAlgorithms();
     ::testing::InitGoogleTest(&argc, argv);
