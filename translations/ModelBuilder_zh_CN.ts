@@ -1003,7 +1003,7 @@ Open a model from the Tool Box to build and run it.</source>
 Open the model with those changes? Undo takes them back; No throws them away.</source>
         <translation>对 %1 所做的、截至 %2 的更改从未写入文件。
 
-要打开带有这些更改的模型吗?撤销可以收回这些更改;选择“否”则丢弃它们。</translation>
+要打开带有这些更改的模型吗?撤销可以收回这些更改;选择“否”则丢弃它们.</translation>
     </message>
 </context>
 <context>
