@@ -1238,6 +1238,18 @@ Open the model with those changes? Undo takes them back; No throws them away.</s
         <source>Tool Box</source>
         <translation>工具箱</translation>
     </message>
+    <message>
+        <source>Recover changes</source>
+        <translation>恢复更改</translation>
+    </message>
+    <message>
+        <source>Changes to the tool box made up to %1 never reached %2.
+
+Show the tool box with those changes? No throws them away.</source>
+        <translation>截至 %1 对工具箱所做的更改从未写入 %2。
+
+要显示带有这些更改的工具箱吗?选择“否”则丢弃它们.</translation>
+    </message>
 </context>
 <context>
     <name>ToolBoxWidget</name>

@@ -2,14 +2,8 @@
 
 #include "model/APCModel.h"
 
-#include <QCoreApplication>
-#include <QCryptographicHash>
-#include <QDir>
+#include <QFile>
 #include <QFileInfo>
-#include <QLockFile>
-#include <QStandardPaths>
-
-#include <vector>
 
 namespace Plugin {
 
@@ -19,71 +13,33 @@ namespace {
 // costs little.
 constexpr int kKeepDelayMs = 2000;
 
-// The locks of copies left by windows the program dropped unclosed: held until
-// the application ends.
-std::vector<std::unique_ptr<QLockFile>>& keptLocks()
-{
-    static std::vector<std::unique_ptr<QLockFile>> locks;
-    return locks;
-}
-
-void keepLocked(std::unique_ptr<QLockFile> lock)
-{
-    if (keptLocks().empty())
-        qAddPostRoutine([] { keptLocks().clear(); });
-    keptLocks().push_back(std::move(lock));
-}
-
 } // namespace
 
 ModelRecovery::ModelRecovery(APCModel* document, const QString& modelPath)
-    : m_document(document), m_copy(CopyPath(modelPath)), m_saved(document->Snapshot())
+    : m_document(document), m_copy(modelPath), m_saved(document->Snapshot())
 {
     m_timer.setSingleShot(true);
     m_timer.setInterval(kKeepDelayMs);
     QObject::connect(&m_timer, &QTimer::timeout, [this] { Keep(); });
-    if (!QDir().mkpath(Folder()))
-        return;
-    auto lock = std::make_unique<QLockFile>(m_copy + QStringLiteral(".lock"));
-    lock->setStaleLockTime(0); // a live holder is never taken over; a dead one on this host is
-    if (lock->tryLock(0))
-        m_lock = std::move(lock);
 }
 
 ModelRecovery::~ModelRecovery()
 {
-    if (!IsActive() || m_discarded)
-        return;
-    Keep();
-    if (m_hasCopy && !m_closed)
-        keepLocked(std::move(m_lock));
-}
-
-QString ModelRecovery::Folder()
-{
-    return QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) + QStringLiteral("/recovery");
-}
-
-QString ModelRecovery::CopyPath(const QString& modelPath)
-{
-    // Named by the model, for a person looking in the folder, and told apart by
-    // its whole path: models of one name live in many folders.
-    const QFileInfo model(modelPath);
-    const QByteArray key = QCryptographicHash::hash(QDir::cleanPath(model.absoluteFilePath()).toUtf8(), QCryptographicHash::Sha1).toHex().left(16);
-    return Folder() + QLatin1Char('/') + model.completeBaseName() + QLatin1Char('-') + QString::fromLatin1(key) + QStringLiteral(".apc");
+    if (m_copy.IsActive() && !m_discarded)
+        Keep();
 }
 
 bool ModelRecovery::LeftCopy(ModelSnapshot* content, QDateTime* written)
 {
-    if (!IsActive() || !QFileInfo::exists(m_copy))
+    if (!m_copy.Exists())
         return false;
     APCModel copy;
-    if (!copy.LoadFile(m_copy))
+    if (!copy.LoadFile(m_copy.Path()))
         return false; // unreadable: the window's own copy will take its place
     *content = copy.Snapshot();
-    *written = QFileInfo(m_copy).lastModified();
+    *written = QFileInfo(m_copy.Path()).lastModified();
     if (*content == m_saved) {
-        QFile::remove(m_copy);
+        m_copy.Remove();
         return false;
     }
     // Until the window has changes of its own, the copy it left stays as it is.
@@ -92,31 +48,30 @@ bool ModelRecovery::LeftCopy(ModelSnapshot* content, QDateTime* written)
     return true;
 }
 
+void ModelRecovery::DropLeftCopy()
+{
+    m_copy.Remove();
+    m_hasCopy = false;
+}
+
 void ModelRecovery::MarkSaved()
 {
     m_saved = m_document->Snapshot();
-    if (IsActive() && !m_discarded)
+    if (m_copy.IsActive() && !m_discarded)
         Keep();
 }
 
 void ModelRecovery::Changed()
 {
-    if (IsActive() && !m_discarded && !m_timer.isActive())
+    if (m_copy.IsActive() && !m_discarded && !m_timer.isActive())
         m_timer.start();
-}
-
-void ModelRecovery::DropLeftCopy()
-{
-    QFile::remove(m_copy);
-    m_hasCopy = false;
 }
 
 void ModelRecovery::Discard()
 {
     m_discarded = true;
     m_timer.stop();
-    if (IsActive())
-        QFile::remove(m_copy);
+    m_copy.Remove();
 }
 
 void ModelRecovery::Keep()
@@ -125,7 +80,7 @@ void ModelRecovery::Keep()
     const ModelSnapshot now = m_document->Snapshot();
     if (now == m_saved) {
         if (m_hasCopy)
-            QFile::remove(m_copy);
+            m_copy.Remove();
         m_hasCopy = false;
         return;
     }
@@ -133,7 +88,7 @@ void ModelRecovery::Keep()
         return;
     // Written whole or not at all, as the model file is: a copy cut short by a
     // full disk never stands in for a good one.
-    if (m_document->SaveFile(m_copy)) {
+    if (m_copy.Write([this](const QString& path) { return m_document->SaveFile(path); })) {
         m_written = now;
         m_hasCopy = true;
     }

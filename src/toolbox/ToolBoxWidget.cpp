@@ -124,6 +124,7 @@ void ToolBoxWidget::UpdateItem(ATBItem* item)
     // Taken out of the tree, not freed: a slot may still be running on it.
     m_detachedRows.append(old);
     m_modified = true;
+    emit Changed();
 }
 
 void ToolBoxWidget::CollectItems(QList<ATBItem*>& out)

@@ -28,10 +28,16 @@ public:
     void UpdateItem(ATBItem* item);
     void CollectItems(QList<ATBItem*>& out);
     bool IsModified() const { return m_modified; }
+    // Marks the tree as one its file lacks, as a change does.
+    void SetModified() { m_modified = true; }
 
     ATBTreeWidget* GetTree() const { return m_tree; }
     // The item a row stands for, or null.
     static ATBItem* ItemOf(QTreeWidgetItem* row, int column = 0);
+
+signals:
+    // The tree changed.
+    void Changed();
 
 public slots:
     void OnItemClicked(QTreeWidgetItem* item, int column);

@@ -21,6 +21,7 @@
 #include "editor/ModelControler.h"
 #include "editor/ModelScene.h"
 #include "editor/ModelView.h"
+#include "editor/RecoveryCopy.h"
 #include "engine/APCLog.h"
 #include "model/APCArrow.h"
 #include "model/APCModel.h"
@@ -65,6 +66,7 @@
 #include <QMap>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QMouseEvent>
 #include <QProcess>
 #include <QRegularExpression>
@@ -561,6 +563,36 @@ TEST_F(ToolBoxActions, NewToolSetNewModelAndEditRefuseBadNamesAndMakeOrRenameThe
     EXPECT_TRUE(text.contains(R"(<APC name="Fresh" file="Model/apc/Fresh.apc" description="made here"/>)"));
     EXPECT_TRUE(text.contains(R"(<APC name="Renamed" file="Model/apc/Renamed.apc" description="one"/>)"));
     EXPECT_LT(text.indexOf(R"("Second")"), text.indexOf("Renamed"));
+}
+
+// A changed tree is copied aside; when the file cannot take it at the end, the
+// copy is offered at the next first click.
+TEST_F(ToolBoxActions, ATreeItsFileCouldNotTakeComesBackAtTheNextOpen)
+{
+    const QString copy = RecoveryCopy::PathFor(atb());
+    const QByteArray before = ReadAll(atb());
+    GuiDriver::OnNextModal([&](QWidget* dialog) {
+        GuiDriver::TypeInto(dialog, "nameEdit", "Sub");
+        GuiDriver::Click(dialog, "OK");
+    });
+    Menu("Mine", {"New", "ToolSet"});
+    ASSERT_TRUE(TestSupport::WaitUntil([&] { return QFile::exists(copy); }, 5000));
+    {
+        const TestSupport::FileSizeLimit full(before.size() / 2);
+        command = nullptr; // the host ends on a full disk
+    }
+    EXPECT_EQ(ReadAll(atb()), before);
+    GuiDriver::OnNextModal([&](QWidget* w) {
+        auto* box = qobject_cast<QMessageBox*>(w);
+        ASSERT_NE(box, nullptr);
+        EXPECT_EQ(box->windowTitle(), "Recover changes");
+        EXPECT_TRUE(box->text().startsWith("Changes to the tool box made up to ")) << box->text().toStdString();
+        QTest::mouseClick(box->defaultButton(), Qt::LeftButton);
+    });
+    Reopen();
+    EXPECT_EQ(Children("Mine"), QStringList({"First", "Second", "Locked", "Sub"}));
+    EXPECT_TRUE(Shutdown().contains(R"(<Folder name="Sub" canDelete="1"/>)"));
+    EXPECT_FALSE(QFile::exists(copy)); // the file has it all now
 }
 
 TEST_F(ToolBoxActions, ImportCopiesUnderAFreeName)
