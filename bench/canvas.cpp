@@ -162,6 +162,9 @@ int main(int argc, char** argv)
 {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    // The copies of changed models the windows keep stay with this run.
+    const QTemporaryDir userData;
+    qputenv("XDG_DATA_HOME", userData.path().toLocal8Bit());
     QApplication app(argc, argv);
     // `bench_canvas drag` (or open, paste) runs one part only.
     const QString only = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString();

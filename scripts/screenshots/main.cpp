@@ -7,6 +7,7 @@
 #include "editor/ModelControler.h"
 #include "editor/ModelScene.h"
 #include "editor/ModelView.h"
+#include "editor/RecoveryCopy.h"
 #include "model/APCModel.h"
 #include "model/APCObject.h"
 #include "model/APCParameter.h"
@@ -26,10 +27,12 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QMouseEvent>
 #include <QPointer>
 #include <QScreen>
 #include <QTabWidget>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
@@ -272,10 +275,32 @@ void editMenu()
     });
 }
 
+// The question a model meets when an earlier window left changes it never saved:
+// here a description changed, as a crash would have left it.
+void recoverChanges()
+{
+    const QString path = QApplication::applicationDirPath() + "/../Model/apc/scene_ndvi.apc";
+    Plugin::APCModel left;
+    left.LoadFile(path);
+    if (!left.GetVars().isEmpty())
+        left.GetVars().first()->SetDescription("Scenes of June");
+    QDir().mkpath(Plugin::RecoveryCopy::Folder());
+    left.SaveFile(Plugin::RecoveryCopy::PathFor(path));
+    onNextModal([](QWidget* modal) {
+        shoot(modal, "recover-changes.png");
+        if (auto* box = qobject_cast<QMessageBox*>(modal))
+            box->button(QMessageBox::No)->click(); // the shipped copy stays as it was
+    });
+    QTimer::singleShot(0, [] { openModel("scene_ndvi.apc")->close(); });
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
+    // The copies of changed models the windows keep stay with this run.
+    const QTemporaryDir userData;
+    qputenv("XDG_DATA_HOME", userData.path().toLocal8Bit());
     QApplication app(argc, argv);
     app.setQuitOnLastWindowClosed(false); // one window closes before the next opens
     g_out = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("docs");
@@ -288,6 +313,7 @@ int main(int argc, char** argv)
         {"built-model-running", builtModelMidRun},
         {"auto-layout", laidOutExample},
         {"edit-menu", editMenu},
+        {"recover-changes", recoverChanges},
     };
     int delay = 200;
     for (const auto& shot : shots) {

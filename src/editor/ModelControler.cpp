@@ -185,7 +185,7 @@ void ModelControler::OfferRecovery()
                     QCoreApplication::translate("ModelControler",
                                                 "Changes to %1 made up to %2 never reached the file.\n\n"
                                                 "Open the model with those changes? Undo takes them back; No throws them away.")
-                        .arg(QDir::toNativeSeparators(m_filePath), QLocale().toString(written, QLocale::ShortFormat)),
+                        .arg(QDir::toNativeSeparators(QDir::cleanPath(m_filePath)), QLocale().toString(written, QLocale::ShortFormat)),
                     QMessageBox::Yes | QMessageBox::No, this);
     // Taking them up is the answer that loses nothing, and Undo reverses it.
     box.setDefaultButton(QMessageBox::Yes);
