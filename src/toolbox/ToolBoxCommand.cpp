@@ -94,9 +94,11 @@ void ToolBoxCommand::KeepCopy()
 {
     if (!m_toolBox || !m_recovery || !m_toolBox->IsModified())
         return;
-    ATBConfigFile file;
-    m_toolBox->CollectItems(file.GetItems());
-    m_recovery->Write([&](const QString& path) { return file.Save(path); });
+    m_toolBox->WriteItems([this](const QList<ATBItem*>& items) {
+        ATBConfigFile file;
+        file.GetItems() = items;
+        return m_recovery->Write([&](const QString& path) { return file.Save(path); });
+    });
 }
 
 QString ToolBoxCommand::FilePath()

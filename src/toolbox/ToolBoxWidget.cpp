@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QContextMenuEvent>
+#include <QHash>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QIcon>
@@ -132,6 +133,22 @@ void ToolBoxWidget::CollectItems(QList<ATBItem*>& out)
     m_items.clear();
     CollectChildren(m_tree->invisibleRootItem(), m_items);
     out = m_items;
+}
+
+bool ToolBoxWidget::WriteItems(const std::function<bool(const QList<ATBItem*>&)>& write)
+{
+    const QList<ATBItem*> items = m_items;
+    QHash<ATBContainer*, QList<ATBItem*>> children;
+    for (ATBItem* item : qAsConst(m_known))
+        if (auto* container = dynamic_cast<ATBContainer*>(item))
+            children.insert(container, container->GetChildren());
+    QList<ATBItem*> collected;
+    CollectItems(collected);
+    const bool written = write(collected);
+    m_items = items;
+    for (auto it = children.constBegin(); it != children.constEnd(); ++it)
+        it.key()->GetChildren() = it.value();
+    return written;
 }
 
 void ToolBoxWidget::CollectChildren(QTreeWidgetItem* row, QList<ATBItem*>& target)

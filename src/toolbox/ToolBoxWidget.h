@@ -4,6 +4,8 @@
 #include <QSet>
 #include <QWidget>
 
+#include <functional>
+
 class QTreeWidgetItem;
 
 namespace Plugin {
@@ -27,6 +29,9 @@ public:
     // item is no longer valid, and marks the tool box changed.
     void UpdateItem(ATBItem* item);
     void CollectItems(QList<ATBItem*>& out);
+    // Hands write the items as CollectItems would give them, then puts every list
+    // back as it was: rows rebuilt later come from the lists as they stood.
+    bool WriteItems(const std::function<bool(const QList<ATBItem*>&)>& write);
     bool IsModified() const { return m_modified; }
     // Marks the tree as one its file lacks, as a change does.
     void SetModified() { m_modified = true; }

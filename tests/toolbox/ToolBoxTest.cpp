@@ -572,11 +572,20 @@ TEST_F(ToolBoxActions, ATreeItsFileCouldNotTakeComesBackAtTheNextOpen)
     const QString copy = RecoveryCopy::PathFor(atb());
     const QByteArray before = ReadAll(atb());
     GuiDriver::OnNextModal([&](QWidget* dialog) {
+        GuiDriver::Retype(dialog->findChild<QLineEdit*>("nameEdit"), "Renamed");
+        GuiDriver::Click(dialog, "OK");
+    });
+    Menu("First", {"Edit"});
+    EXPECT_EQ(Children("Mine"), QStringList({"Second", "Locked", "Renamed"}));
+    ASSERT_TRUE(TestSupport::WaitUntil([&] { return QFile::exists(copy); }, 5000));
+    // Copying leaves the lists alone: a folder's row is still rebuilt in its list's order.
+    GuiDriver::OnNextModal([&](QWidget* dialog) {
         GuiDriver::TypeInto(dialog, "nameEdit", "Sub");
         GuiDriver::Click(dialog, "OK");
     });
     Menu("Mine", {"New", "ToolSet"});
-    ASSERT_TRUE(TestSupport::WaitUntil([&] { return QFile::exists(copy); }, 5000));
+    EXPECT_EQ(Children("Mine"), QStringList({"Renamed", "Second", "Locked", "Sub"}));
+    ASSERT_TRUE(TestSupport::WaitUntil([&] { return ReadAll(copy).contains("Sub"); }, 5000));
     {
         const TestSupport::FileSizeLimit full(before.size() / 2);
         command = nullptr; // the host ends on a full disk
@@ -590,7 +599,7 @@ TEST_F(ToolBoxActions, ATreeItsFileCouldNotTakeComesBackAtTheNextOpen)
         QTest::mouseClick(box->defaultButton(), Qt::LeftButton);
     });
     Reopen();
-    EXPECT_EQ(Children("Mine"), QStringList({"First", "Second", "Locked", "Sub"}));
+    EXPECT_EQ(Children("Mine"), QStringList({"Renamed", "Second", "Locked", "Sub"}));
     EXPECT_TRUE(Shutdown().contains(R"(<Folder name="Sub" canDelete="1"/>)"));
     EXPECT_FALSE(QFile::exists(copy)); // the file has it all now
 }
