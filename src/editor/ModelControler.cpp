@@ -171,7 +171,10 @@ ModelControler::ModelControler(const QString& path, bool readOnly, QWidget* pare
     if (!m_readOnly && !m_filePath.isEmpty()) {
         m_recovery = std::make_unique<ModelRecovery>(m_document, m_filePath);
         OfferRecovery();
-        connect(m_history, &QUndoStack::indexChanged, this, [this] { m_recovery->Changed(); });
+        connect(m_history, &QUndoStack::indexChanged, this, [this] {
+            if (m_recovery)
+                m_recovery->Changed();
+        });
     }
 }
 
