@@ -13,6 +13,7 @@
 #include "engine/APCLog.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
 #include <QJsonArray>
@@ -25,6 +26,9 @@
 #include <map>
 #include <memory>
 
+#include <cstdio>
+#include <unistd.h>
+
 namespace Mbrun {
 
 namespace {
@@ -34,6 +38,7 @@ struct Child
     int round = 0; // its first
     int last = 0;
     QString report;
+    int marks = 0; // its rounds that ended so far
 };
 
 QJsonObject readReport(const QString& path)
@@ -54,7 +59,8 @@ int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int(
     QTemporaryDir work(QDir::temp().filePath(QStringLiteral("mbrun-jobs-XXXXXX")));
     if (!work.isValid())
         return Refuse({QStringLiteral("mbrun: cannot make a folder for the rounds' reports: %1\n").arg(work.errorString())});
-    QStringList common{m_options.ModelPath()};
+    // Each child marks its rounds' ends, for the progress line.
+    QStringList common{m_options.ModelPath(), QStringLiteral("--round-marks")};
     for (const auto& s : m_options.Settings())
         common << QStringLiteral("--set") << s.first + QLatin1Char('=') + s.second;
     // A resumed run holds the state of every folder its rounds write into, as one
@@ -85,6 +91,35 @@ int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int(
     QStringList failedFiles, interruptedFiles, failedOutside;
     int roundsRun = 0;
     QEventLoop loop;
+
+    // On a terminal a line under the logs tells how far the batch is; a child's
+    // log takes its place while it is printed.
+    const bool terminal = isatty(fileno(stderr));
+    const QByteArray mark = CommandLine::RoundEndMark().toUtf8();
+    int marked = 0; // rounds of the children that ended
+    bool progressShown = false;
+    QElapsedTimer clock;
+    clock.start();
+    auto showProgress = [&] {
+        if (!terminal)
+            return;
+        int done = marked;
+        for (const auto& child : running)
+            done += child.second->marks;
+        QString line = QStringLiteral("\rmbrun: %1 of %2 rounds done, %3 running").arg(done).arg(rounds).arg(running.size());
+        const qint64 left = done > 0 ? clock.elapsed() * (rounds - done) / done / 1000 : 0;
+        if (left > 0) {
+            line += left >= 120 ? QStringLiteral(", about %1 min left").arg((left + 30) / 60)
+                                : QStringLiteral(", about %1 s left").arg(left);
+        }
+        Console::Err(line + QStringLiteral("\x1b[K"));
+        progressShown = true;
+    };
+    auto clearProgress = [&] {
+        if (progressShown)
+            Console::Err(QStringLiteral("\r\x1b[K"));
+        progressShown = false;
+    };
 
     auto take = [&](int round, const QString& path) {
         const QJsonObject report = readReport(path);
@@ -128,11 +163,13 @@ int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int(
     std::function<void()> startMore;
     auto onEnded = [&](int round, const ForkServer::Ended& run) {
         const Child& child = *running.at(round);
+        clearProgress();
         // The child's log whole, never mixed with another round's.
         const QString log = QString::fromUtf8(run.out);
         Console::Out(log);
         Plugin::APCLog::AddSummaryCounts(log, &succeeded, &failed);
-        const QString said = QString::fromUtf8(run.err);
+        marked += run.err.count(mark);
+        const QString said = QString::fromUtf8(QByteArray(run.err).replace(mark, QByteArray()));
         // Without its report the child's own words are all there is to say why.
         const bool reported = run.code >= 0 && QFile::exists(child.report);
         if ((run.code == Refused || !reported) && !said.isEmpty())
@@ -154,6 +191,8 @@ int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int(
         running.erase(round);
         takeEnded(false);
         startMore();
+        if (!running.empty())
+            showProgress();
     };
     startMore = [&] {
         while (!m_signal && !prologueFailed && next <= rounds && int(running.size()) < jobs) {
@@ -173,7 +212,16 @@ int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int(
             const int round = next;
             next = child->last + 1;
             running.emplace(round, std::move(child));
-            ForkServer::Run(args, [&, round](const ForkServer::Ended& run) { onEnded(round, run); });
+            ForkServer::Run(
+                args, [&, round](const ForkServer::Ended& run) { onEnded(round, run); },
+                [&, round](const ForkServer::Ended& run) {
+                    const auto child = running.find(round);
+                    const int marks = run.err.count(mark);
+                    if (child != running.end() && marks != child->second->marks) {
+                        child->second->marks = marks;
+                        showProgress();
+                    }
+                });
         }
         if (running.empty())
             loop.quit();
@@ -183,11 +231,19 @@ int BatchRun::RunJobs(const Outline& outline, int jobs, const std::function<int(
         if (m_signal)
             return;
         m_signal = signal;
+        clearProgress();
         Say({QStringLiteral("\nmbrun: %1: stopping the run\n").arg(StopSignals::Name(signal))});
         ForkServer::SignalAll(signal);
     });
-    QMetaObject::invokeMethod(&loop, [&] { startMore(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        &loop,
+        [&] {
+            startMore();
+            showProgress();
+        },
+        Qt::QueuedConnection);
     loop.exec();
+    clearProgress();
     takeEnded(true);
 
     Console::Out(Plugin::APCLog::SummaryText(succeeded, failed));

@@ -398,6 +398,8 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
     recorder.onRoundEnded = [&](const RunRecorder::Round& round) {
         if (m_report)
             m_report->AddRound(round);
+        if (m_options.RoundMarks())
+            Console::Err(CommandLine::RoundEndMark());
     };
     // Notes are written now and then, not after every step: a crash costs at most
     // the notes of the last seconds, whose steps then simply run again.

@@ -35,10 +35,19 @@ QString CommandLine::Usage()
         "  -j, --jobs N      run N rounds at a time (0: one per core; default 1)\n"
         "  --state-held      --resume for one of the rounds of a --resume --jobs run,\n"
         "                    whose run holds the state files\n"
+        "  --round-marks     with --round: mark each round's end on standard error, for\n"
+        "                    the progress line of a --jobs run\n"
         "\n"
         "The run's log goes to standard output; exit code 0 when every step succeeded,\n"
         "1 when a step failed, 2 on a usage, load or validation error, 130, 143 or 129\n"
         "when SIGINT, SIGTERM or SIGHUP stopped the run.\n");
+}
+
+const QString& CommandLine::RoundEndMark()
+{
+    // A line no log or message of a round can hold: it starts with a control character.
+    static const QString mark = QStringLiteral("\x1e" "mbrun round ended\n");
+    return mark;
 }
 
 bool CommandLine::Fail(const QString& error)
@@ -71,6 +80,8 @@ bool CommandLine::Parse(const QStringList& arguments)
             m_resume = true;
         } else if (a == QLatin1String("--state-held")) {
             m_resume = m_stateHeld = true;
+        } else if (a == QLatin1String("--round-marks")) {
+            m_roundMarks = true;
         } else if (a == QLatin1String("--list-rounds")) {
             m_action = Action::ListRounds;
         } else if (a == QLatin1String("--json")) {
@@ -137,8 +148,8 @@ bool CommandLine::Parse(const QStringList& arguments)
             return Fail(QStringLiteral("mbrun: %1 goes with --round\n").arg(QLatin1String(flag)));
     if (m_noPrologue && m_withPrologue)
         return Fail(QStringLiteral("mbrun: --no-prologue and --with-prologue exclude each other\n"));
-    if (m_stateHeld && !oneRound)
-        return Fail(QStringLiteral("mbrun: --state-held goes with --round\n"));
+    if ((m_stateHeld || m_roundMarks) && !oneRound)
+        return Fail(QStringLiteral("mbrun: %1 goes with --round\n").arg(m_stateHeld ? "--state-held" : "--round-marks"));
     if ((oneRound || m_prologueOnly) && m_jobs != 1)
         return Fail(QStringLiteral("mbrun: --round runs one round: leave out --jobs\n"));
     if (m_action == Action::Export && (oneRound || m_prologueOnly || m_dryRun || m_resume || m_jobs != 1 || !m_reportPath.isEmpty()))

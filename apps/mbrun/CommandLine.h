@@ -26,6 +26,10 @@ public:
     bool Resume() const { return m_resume; }
     // Resuming one of the rounds of a run that holds the state files for them.
     bool StateHeld() const { return m_stateHeld; }
+    // One of the children of a --jobs run: marks each round's end on standard
+    // error (RoundEndMark) for the run's progress line.
+    bool RoundMarks() const { return m_roundMarks; }
+    static const QString& RoundEndMark();
     // Empty when no report was asked for.
     QString ReportPath() const { return m_reportPath; }
     // --list-rounds as JSON.
@@ -56,6 +60,7 @@ private:
     bool m_dryRun = false;
     bool m_resume = false;
     bool m_stateHeld = false;
+    bool m_roundMarks = false;
     QString m_reportPath;
     bool m_json = false;
     int m_round = 0;

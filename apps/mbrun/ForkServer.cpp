@@ -209,7 +209,7 @@ struct Pending
     int out = -1, err = -1;
     std::unique_ptr<QSocketNotifier> outReady, errReady;
     ForkServer::Ended ended;
-    std::function<void(const ForkServer::Ended&)> onEnded;
+    std::function<void(const ForkServer::Ended&)> onEnded, onOutput;
 };
 
 std::map<int32_t, std::unique_ptr<Pending>>& pending()
@@ -344,12 +344,14 @@ bool ForkServer::Available()
     return g_socket >= 0;
 }
 
-void ForkServer::Run(const QStringList& args, std::function<void(const Ended&)> onEnded)
+void ForkServer::Run(const QStringList& args, std::function<void(const Ended&)> onEnded,
+                     std::function<void(const Ended&)> onOutput)
 {
     static int32_t nextId = 0;
     const int32_t id = ++nextId;
     auto p = std::make_unique<Pending>();
     p->onEnded = std::move(onEnded);
+    p->onOutput = std::move(onOutput);
     QByteArray arguments;
     for (const QString& a : args)
         arguments += a.toLocal8Bit() + '\0';
@@ -366,13 +368,17 @@ void ForkServer::Run(const QStringList& args, std::function<void(const Ended&)> 
     p->out = out[0];
     p->err = err[0];
     if (sent) {
-        auto watch = [](int fd, QByteArray& into) {
+        // The notifiers belong to the pending run, which outlives them.
+        Pending* pending = p.get();
+        auto watch = [pending](int fd, QByteArray& into) {
             ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) | O_NONBLOCK);
             auto notifier = std::make_unique<QSocketNotifier>(fd, QSocketNotifier::Read);
             QSocketNotifier* n = notifier.get();
-            QObject::connect(n, &QSocketNotifier::activated, [fd, &into, n] {
+            QObject::connect(n, &QSocketNotifier::activated, [fd, &into, n, pending] {
                 if (readAvailable(fd, into))
                     n->setEnabled(false);
+                if (pending->onOutput)
+                    pending->onOutput(pending->ended);
             });
             return notifier;
         };

@@ -32,8 +32,10 @@ public:
     };
     // Starts a child with these arguments (without the program's name); onEnded
     // is called on this thread's event loop once it has ended and its output is
-    // all read, or once it could not start (code -1, failure says why).
-    static void Run(const QStringList& args, std::function<void(const Ended&)> onEnded);
+    // all read, or once it could not start (code -1, failure says why). onOutput,
+    // when given, is called with the output read so far each time more arrives.
+    static void Run(const QStringList& args, std::function<void(const Ended&)> onEnded,
+                    std::function<void(const Ended&)> onOutput = {});
     // Sends the signal to every child still running.
     static void SignalAll(int signal);
 };

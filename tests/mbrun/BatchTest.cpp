@@ -641,6 +641,28 @@ TEST(MbrunBatch, TheReportNamesEveryStepAndRoundsSideBySideGiveTheSame)
                                    "Output folder=" + batch.dir.filePath("out2"), "--resume", "--jobs", "2"});
     EXPECT_EQ(resumed.out.count("Skip the step: "), 8) << qPrintable(resumed.out);
     EXPECT_EQ(resumed.code, 1); // the broken scene fails again, alone
+
+    // On a terminal a line counts the rounds as they end; the rounds' marks that
+    // feed it reach neither the terminal nor the log.
+    const QString out = batch.dir.filePath("out3"), log = batch.dir.filePath("log3");
+    QStringList command{MbrunPath(), batch.model, "--set", "Scene folders=" + batch.scenes, "--set", "Output folder=" + out, "--jobs", "2"};
+    for (QString& a : command)
+        a = '\'' + a + '\'';
+    QProcess terminal;
+    terminal.start("script", {"-qec", command.join(' ') + " > '" + log + '\'', "/dev/null"});
+    ASSERT_TRUE(terminal.waitForFinished(120000));
+    const QString shown = QString::fromUtf8(terminal.readAllStandardOutput());
+    QList<int> done;
+    for (auto m = QRegularExpression("\rmbrun: (\\d) of 5 rounds done, [12] running").globalMatch(shown); m.hasNext();)
+        done << m.next().captured(1).toInt();
+    ASSERT_GE(done.size(), 2) << qPrintable(shown);
+    EXPECT_EQ(done.first(), 0);
+    EXPECT_GE(done.last(), 2) << qPrintable(shown);
+    EXPECT_TRUE(std::is_sorted(done.begin(), done.end())) << qPrintable(shown);
+    EXPECT_TRUE(shown.contains("\r\x1b[Kmbrun: 1 of 5 rounds failed: ")) << qPrintable(shown); // the line gone first
+    EXPECT_FALSE(shown.contains(QChar(0x1e)));
+    EXPECT_FALSE(ReadAll(log).contains('\x1e'));
+    EXPECT_EQ(Checksums(out), files[1]);
 }
 
 TEST(MbrunBatch, OneRoundRunsTheStepsOutsideTheIteratorOnlyWhereTheirOutputsAreMissing)
