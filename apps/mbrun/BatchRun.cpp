@@ -38,6 +38,8 @@
 #include <QTimer>
 
 #include <limits>
+#include <memory>
+#include <mutex>
 
 #include <unistd.h>
 
@@ -416,10 +418,29 @@ int BatchRun::Run(Plugin::APCModel& model, const FreeInputs& inputs)
     flushTimer.start(2000);
 
     const bool terminal = isatty(fileno(stderr));
-    if (terminal)
-        control.NodeProgress.connect([](Plugin::SequenceNode* node, double value) {
-            Console::Err(QStringLiteral("\r%1: %2%   ").arg(node->GetProcess()->GetDescription()).arg(value, 0, 'f', 0));
+    if (terminal) {
+        // The outermost iterator's share of its files leads the line, so that a
+        // batch shows where it stands while each step shows its own share. Steps
+        // report from the pool's threads, which may outlive this function at a stop.
+        struct Batch
+        {
+            std::mutex lock;
+            QString iterator, text;
+        };
+        auto batch = std::make_shared<Batch>();
+        control.NodeProgress.connect([batch](Plugin::SequenceNode* node, double value) {
+            Plugin::APCProcess* process = node->GetProcess();
+            const QString text = QStringLiteral("%1: %2%").arg(process->GetDescription()).arg(value, 0, 'f', 0);
+            std::lock_guard<std::mutex> hold(batch->lock);
+            if (dynamic_cast<Plugin::APCIterator*>(process) && (batch->iterator.isEmpty() || batch->iterator == process->GetName())) {
+                batch->iterator = process->GetName();
+                batch->text = text;
+                Console::Err(QStringLiteral("\r%1   ").arg(text));
+                return;
+            }
+            Console::Err(QStringLiteral("\r%1%2   ").arg(batch->text.isEmpty() ? QString() : batch->text + QStringLiteral(", "), text));
         });
+    }
 
     Plugin::ModelRun run(control, model);
     StopSignals stopSignals([&](int signal) {
