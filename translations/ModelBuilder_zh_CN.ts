@@ -1096,6 +1096,13 @@ Open the model with those changes? Undo takes them back; No throws them away.</s
     </message>
 </context>
 <context>
+    <name>RecoveryCopy</name>
+    <message>
+        <source>Recover changes</source>
+        <translation>恢复更改</translation>
+    </message>
+</context>
+<context>
     <name>RunCmdDlg</name>
     <message>
         <source>Run</source>
@@ -1237,10 +1244,6 @@ Open the model with those changes? Undo takes them back; No throws them away.</s
     <message>
         <source>Tool Box</source>
         <translation>工具箱</translation>
-    </message>
-    <message>
-        <source>Recover changes</source>
-        <translation>恢复更改</translation>
     </message>
     <message>
         <source>Changes to the tool box made up to %1 never reached %2.

@@ -46,9 +46,7 @@
 #include <QCoreApplication>
 #include <QAction>
 #include <QCloseEvent>
-#include <QDateTime>
 #include <QDir>
-#include <QLocale>
 #include <QDockWidget>
 #include <QGraphicsItem>
 #include <QMenu>
@@ -181,19 +179,13 @@ ModelControler::ModelControler(const QString& path, bool readOnly, QWidget* pare
 void ModelControler::OfferRecovery()
 {
     ModelSnapshot copy;
-    QDateTime written;
-    if (!m_recovery->LeftCopy(&copy, &written))
+    if (!m_recovery->LeftCopy(&copy))
         return;
-    QMessageBox box(QMessageBox::Question, QCoreApplication::translate("ModelControler", "Recover changes"),
-                    QCoreApplication::translate("ModelControler",
-                                                "Changes to %1 made up to %2 never reached the file.\n\n"
-                                                "Open the model with those changes? Undo takes them back; No throws them away.")
-                        .arg(QDir::toNativeSeparators(QDir::cleanPath(m_filePath)), QLocale().toString(written, QLocale::ShortFormat)),
-                    QMessageBox::Yes | QMessageBox::No, this);
-    // Taking them up is the answer that loses nothing, and Undo reverses it.
-    box.setDefaultButton(QMessageBox::Yes);
-    box.setEscapeButton(QMessageBox::Yes);
-    if (box.exec() != QMessageBox::Yes) {
+    const QString text = QCoreApplication::translate("ModelControler",
+                                                     "Changes to %1 made up to %2 never reached the file.\n\n"
+                                                     "Open the model with those changes? Undo takes them back; No throws them away.")
+                             .arg(QDir::toNativeSeparators(QDir::cleanPath(m_filePath)), m_recovery->WrittenAt());
+    if (!RecoveryCopy::AskToTakeUp(this, text)) {
         m_recovery->DropLeftCopy();
         return;
     }

@@ -2,34 +2,20 @@
 
 #include "model/APCModel.h"
 
-#include <QFile>
-#include <QFileInfo>
-
 namespace Plugin {
 
-namespace {
-
-// Long enough that a burst of edits costs one write, short enough that a crash
-// costs little.
-constexpr int kKeepDelayMs = 2000;
-
-} // namespace
-
 ModelRecovery::ModelRecovery(APCModel* document, const QString& modelPath)
-    : m_document(document), m_copy(modelPath), m_saved(document->Snapshot())
+    : m_document(document), m_copy(modelPath, [this] { Keep(); }), m_saved(document->Snapshot())
 {
-    m_timer.setSingleShot(true);
-    m_timer.setInterval(kKeepDelayMs);
-    QObject::connect(&m_timer, &QTimer::timeout, [this] { Keep(); });
 }
 
 ModelRecovery::~ModelRecovery()
 {
-    if (m_copy.IsActive() && !m_discarded)
+    if (m_copy.KeepPending())
         Keep();
 }
 
-bool ModelRecovery::LeftCopy(ModelSnapshot* content, QDateTime* written)
+bool ModelRecovery::LeftCopy(ModelSnapshot* content)
 {
     if (!m_copy.Exists())
         return false;
@@ -37,7 +23,6 @@ bool ModelRecovery::LeftCopy(ModelSnapshot* content, QDateTime* written)
     if (!copy.LoadFile(m_copy.Path()))
         return false; // unreadable: the window's own copy will take its place
     *content = copy.Snapshot();
-    *written = QFileInfo(m_copy.Path()).lastModified();
     if (*content == m_saved) {
         m_copy.Remove();
         return false;
@@ -56,27 +41,30 @@ void ModelRecovery::DropLeftCopy()
 
 void ModelRecovery::MarkSaved()
 {
+    // The file now says what the model says: the copy has nothing left to hold.
     m_saved = m_document->Snapshot();
-    if (m_copy.IsActive() && !m_discarded)
-        Keep();
+    m_copy.CancelKeep();
+    if (m_hasCopy)
+        m_copy.Remove();
+    m_hasCopy = false;
 }
 
 void ModelRecovery::Changed()
 {
-    if (m_copy.IsActive() && !m_discarded && !m_timer.isActive())
-        m_timer.start();
+    if (!m_discarded)
+        m_copy.KeepSoon();
 }
 
 void ModelRecovery::Discard()
 {
     m_discarded = true;
-    m_timer.stop();
+    m_copy.CancelKeep();
     m_copy.Remove();
 }
 
 void ModelRecovery::Keep()
 {
-    m_timer.stop();
+    m_copy.CancelKeep();
     const ModelSnapshot now = m_document->Snapshot();
     if (now == m_saved) {
         if (m_hasCopy)

@@ -3,9 +3,7 @@
 #include "editor/RecoveryCopy.h"
 #include "model/ModelSnapshot.h"
 
-#include <QDateTime>
 #include <QString>
-#include <QTimer>
 
 namespace Plugin {
 
@@ -17,15 +15,16 @@ class ModelRecovery
 {
 public:
     ModelRecovery(APCModel* document, const QString& modelPath);
-    // Leaves the copy when the window still differs from its file, else removes it.
+    // Brings the copy up to date when a change is still waiting for it.
     ~ModelRecovery();
     ModelRecovery(const ModelRecovery&) = delete;
     ModelRecovery& operator=(const ModelRecovery&) = delete;
 
-    // The model as the copy an earlier window left has it, and when that was
-    // written; false when there is none, or it says what the file says (it is
-    // then removed), or it cannot be read.
-    bool LeftCopy(ModelSnapshot* content, QDateTime* written);
+    // The model as the copy an earlier window left has it; false when there is
+    // none, or it says what the file says (it is then removed), or it cannot be read.
+    bool LeftCopy(ModelSnapshot* content);
+    // When the copy was written, for a person to read.
+    QString WrittenAt() const { return m_copy.WrittenAt(); }
     // The user would rather not have the copy LeftCopy gave.
     void DropLeftCopy();
     // The model as the file holds it now: after a save that succeeded.
@@ -41,11 +40,11 @@ public:
     static QString CopyPath(const QString& modelPath) { return RecoveryCopy::PathFor(modelPath); }
 
 private:
+    // Writes the copy, or removes it once the model is as its file has it.
     void Keep();
 
     APCModel* m_document; // not owned
     RecoveryCopy m_copy;
-    QTimer m_timer;
     ModelSnapshot m_saved;   // the file's content
     ModelSnapshot m_written; // the copy's, while there is one
     bool m_hasCopy = false;

@@ -4,7 +4,10 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFileInfo>
+#include <QDateTime>
+#include <QLocale>
 #include <QLockFile>
+#include <QMessageBox>
 #include <QStandardPaths>
 
 #include <vector>
@@ -30,8 +33,11 @@ void keepLocked(std::unique_ptr<QLockFile> lock)
 
 } // namespace
 
-RecoveryCopy::RecoveryCopy(const QString& filePath) : m_path(PathFor(filePath))
+RecoveryCopy::RecoveryCopy(const QString& filePath, std::function<void()> keep) : m_path(PathFor(filePath))
 {
+    m_timer.setSingleShot(true);
+    m_timer.setInterval(2000);
+    QObject::connect(&m_timer, &QTimer::timeout, std::move(keep));
     if (!QDir().mkpath(Folder()))
         return;
     auto lock = std::make_unique<QLockFile>(m_path + QStringLiteral(".lock"));
@@ -68,6 +74,26 @@ bool RecoveryCopy::Exists() const
 bool RecoveryCopy::Write(const std::function<bool(const QString&)>& save)
 {
     return IsActive() && save(m_path);
+}
+
+void RecoveryCopy::KeepSoon()
+{
+    if (IsActive() && !m_timer.isActive())
+        m_timer.start();
+}
+
+bool RecoveryCopy::AskToTakeUp(QWidget* parent, const QString& text)
+{
+    QMessageBox box(QMessageBox::Question, QCoreApplication::translate("RecoveryCopy", "Recover changes"), text,
+                    QMessageBox::Yes | QMessageBox::No, parent);
+    box.setDefaultButton(QMessageBox::Yes);
+    box.setEscapeButton(QMessageBox::Yes);
+    return box.exec() == QMessageBox::Yes;
+}
+
+QString RecoveryCopy::WrittenAt() const
+{
+    return QLocale().toString(QFileInfo(m_path).lastModified(), QLocale::ShortFormat);
 }
 
 void RecoveryCopy::Remove()

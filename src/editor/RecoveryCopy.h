@@ -1,11 +1,13 @@
 #pragma once
 
 #include <QString>
+#include <QTimer>
 
 #include <functional>
 #include <memory>
 
 class QLockFile;
+class QWidget;
 
 namespace Plugin {
 
@@ -20,8 +22,9 @@ class RecoveryCopy
 {
 public:
     // Inactive (it keeps nothing) when the folder cannot be made or a live
-    // keeper, of this process or another, holds the copy of filePath.
-    explicit RecoveryCopy(const QString& filePath);
+    // keeper, of this process or another, holds the copy of filePath. keep
+    // writes the copy when KeepSoon's delay is over.
+    RecoveryCopy(const QString& filePath, std::function<void()> keep);
     ~RecoveryCopy();
     RecoveryCopy(const RecoveryCopy&) = delete;
     RecoveryCopy& operator=(const RecoveryCopy&) = delete;
@@ -38,6 +41,18 @@ public:
     // The user closed the keeper.
     void Closed() { m_closed = true; }
 
+    // Calls keep two seconds after the first change of a burst: one write for
+    // many changes, and little lost to a crash.
+    void KeepSoon();
+    bool KeepPending() const { return m_timer.isActive(); }
+    void CancelKeep() { m_timer.stop(); }
+    // Asks, under the title "Recover changes", whether to take up the copy an
+    // earlier keeper left; text says what of and may name WrittenAt(). Taking it
+    // up is the default and the Escape answer: it is the one that loses nothing.
+    static bool AskToTakeUp(QWidget* parent, const QString& text);
+    // When the copy on the disk was written, for a person to read.
+    QString WrittenAt() const;
+
     // Where the copies are kept.
     static QString Folder();
     // The copy of the file at filePath.
@@ -46,6 +61,7 @@ public:
 private:
     QString m_path;
     std::unique_ptr<QLockFile> m_lock;
+    QTimer m_timer;
     bool m_closed = false;
 };
 

@@ -8,14 +8,10 @@
 #include "toolbox/ToolBoxWidget.h"
 
 #include <QCoreApplication>
-#include <QDateTime>
 #include <QDir>
 #include <QDockWidget>
 #include <QFile>
-#include <QFileInfo>
-#include <QLocale>
 #include <QMainWindow>
-#include <QMessageBox>
 
 namespace Plugin {
 
@@ -24,16 +20,12 @@ ToolBoxCommand::ToolBoxCommand()
     m_name = QStringLiteral("ToolBox_ToolBox");
     m_caption = QCoreApplication::translate("ToolBoxCommand", "Tool Box");
     m_toolTip = m_caption;
-    // Long enough that a burst of changes costs one write, short enough that a
-    // crash costs little.
-    m_keep.setSingleShot(true);
-    m_keep.setInterval(2000);
-    QObject::connect(&m_keep, &QTimer::timeout, [this] { KeepCopy(); });
 }
 
 ToolBoxCommand::~ToolBoxCommand()
 {
-    m_keep.stop();
+    if (m_recovery)
+        m_recovery->CancelKeep();
     if (!m_dock)
         return; // the panel was never opened, or went with the host's window
     if (m_toolBox && m_toolBox->IsModified()) {
@@ -62,24 +54,18 @@ QByteArray contentsOf(const QString& path)
 
 void ToolBoxCommand::LoadItems(ATBConfigFile& file, bool* recovered)
 {
-    m_recovery = std::make_unique<RecoveryCopy>(FilePath());
+    m_recovery = std::make_unique<RecoveryCopy>(FilePath(), [this] { KeepCopy(); });
     *recovered = false;
     if (m_recovery->Exists()) {
         const QString copy = m_recovery->Path();
         if (contentsOf(copy) == contentsOf(FilePath())) {
             m_recovery->Remove();
         } else {
-            QMessageBox box(QMessageBox::Question, QCoreApplication::translate("ToolBoxCommand", "Recover changes"),
-                            QCoreApplication::translate("ToolBoxCommand",
-                                                        "Changes to the tool box made up to %1 never reached %2.\n\n"
-                                                        "Show the tool box with those changes? No throws them away.")
-                                .arg(QLocale().toString(QFileInfo(copy).lastModified(), QLocale::ShortFormat),
-                                     QDir::toNativeSeparators(QDir::cleanPath(FilePath()))),
-                            QMessageBox::Yes | QMessageBox::No, GetApplication() ? GetApplication()->GetMainWindow() : nullptr);
-            // Taking them up is the answer that loses nothing.
-            box.setDefaultButton(QMessageBox::Yes);
-            box.setEscapeButton(QMessageBox::Yes);
-            if (box.exec() != QMessageBox::Yes)
+            const QString text = QCoreApplication::translate("ToolBoxCommand",
+                                                             "Changes to the tool box made up to %1 never reached %2.\n\n"
+                                                             "Show the tool box with those changes? No throws them away.")
+                                     .arg(m_recovery->WrittenAt(), QDir::toNativeSeparators(QDir::cleanPath(FilePath())));
+            if (!RecoveryCopy::AskToTakeUp(GetApplication() ? GetApplication()->GetMainWindow() : nullptr, text))
                 m_recovery->Remove();
             else if (file.Load(copy)) {
                 *recovered = true;
@@ -125,10 +111,7 @@ void ToolBoxCommand::OnClick()
         m_toolBox->SetItems(mainWindow, file.GetItems());
         if (recovered)
             m_toolBox->SetModified(); // saved at the end as any change is
-        QObject::connect(m_toolBox, &ToolBoxWidget::Changed, &m_keep, [this] {
-            if (!m_keep.isActive())
-                m_keep.start();
-        });
+        QObject::connect(m_toolBox, &ToolBoxWidget::Changed, m_toolBox, [this] { m_recovery->KeepSoon(); });
         m_toolBox->GetTree()->expandToDepth(0); // the groups open, their folders closed
         m_dock->setWidget(m_toolBox);
         m_dock->setAllowedAreas(Qt::AllDockWidgetAreas);

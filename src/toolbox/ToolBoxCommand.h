@@ -4,7 +4,6 @@
 
 #include <QDockWidget>
 #include <QPointer>
-#include <QTimer>
 
 #include <memory>
 
@@ -48,7 +47,6 @@ private:
     QPointer<QDockWidget> m_dock;      // owned
     QPointer<ToolBoxWidget> m_toolBox; // child of the dock
     std::unique_ptr<RecoveryCopy> m_recovery;
-    QTimer m_keep;
 };
 
 } // namespace Plugin
