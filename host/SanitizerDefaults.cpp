@@ -34,9 +34,6 @@ extern "C" const char* __tsan_default_suppressions()
         // at once (seen once in a few runs of the concurrent-steps test, both sides
         // inside PROJ).
         "called_from_lib:libproj.so.25\n"
-        // And SQLite, under PROJ's database of coordinate systems: its mutexes are
-        // set up on first use by whichever step's thread gets there first.
-        "called_from_lib:libsqlite3.so.0\n"
         // GDAL creates a mutex locked while holding its master mutex, and takes the
         // master while holding other GDAL mutexes: a cycle only in order, since a
         // mutex being created cannot be waited for yet.
