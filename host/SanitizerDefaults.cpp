@@ -30,10 +30,6 @@ extern "C" const char* __tsan_default_suppressions()
         "called_from_lib:libQt5Core.so.5\n"
         // Likewise Qt Widgets, whose file dialog gathers file information on a thread.
         "called_from_lib:libQt5Widgets.so.5\n"
-        // Likewise PROJ, whose string caches GDAL's terrain tools reach from two steps
-        // at once (seen once in a few runs of the concurrent-steps test, both sides
-        // inside PROJ).
-        "called_from_lib:libproj.so.25\n"
         // GDAL creates a mutex locked while holding its master mutex, and takes the
         // master while holding other GDAL mutexes: a cycle only in order, since a
         // mutex being created cannot be waited for yet.
